@@ -1,0 +1,52 @@
+// The session object: the signed-in user on this computer for one product, and the account operations on it.
+#ifndef NVSUPPORT_CORE_SERVICE_MANAGER_H
+#define NVSUPPORT_CORE_SERVICE_MANAGER_H
+
+#include <cstdint>
+#include <string>
+
+#include "platform/platform.h"
+
+namespace nvsupport {
+
+class CVServiceManager {
+ public:
+  CVServiceManager(const CVServiceManager&) = delete;
+  CVServiceManager& operator=(const CVServiceManager&) = delete;
+  // Writes nothing: what was not saved is gone.
+  virtual ~CVServiceManager() = default;
+  // The name to propose for this computer when it has none at the account service.
+  virtual std::string GetDeviceName() = 0;
+
+  // Valid until the user ID changes or the object goes.
+  const char* GetUserId() const { return m_userId.c_str(); }
+  std::uint32_t GetDeviceId() const { return m_deviceId; }
+  // Full path of settings.ini; creates the product's folder.
+  std::string GetSettingsPath() const;
+  void SaveProfile() const;
+
+ protected:
+  CVServiceManager(const std::string& productName, std::uint32_t platform, std::uint32_t deviceId);
+
+ private:
+  std::uint32_t m_platform;  // platform code that computers are registered with
+  std::string m_userId;
+  std::string m_productName;
+  std::string m_password;  // empty: not known, a sign-in is needed
+  bool m_savePassword = false;
+  std::uint32_t m_deviceId;
+};
+
+// A personal computer.
+class CServiceManager final : public CVServiceManager {
+ public:
+  explicit CServiceManager(const std::string& productName);
+  std::string GetDeviceName() override;
+};
+
+// The one session, null while there is none. Created and replaced by x3e491215, destroyed at unload.
+extern CVServiceManager* g_serviceManager;
+
+}  // namespace nvsupport
+
+#endif

@@ -1,0 +1,60 @@
+// The texts of the language in force, keyed by the English source text, and a record of the texts that it lacks.
+// The file formats are told in docs/catalogue_format.md.
+#ifndef NVSUPPORT_LANGUAGE_TRANSLATION_CATALOGUE_H
+#define NVSUPPORT_LANGUAGE_TRANSLATION_CATALOGUE_H
+
+#include <map>
+#include <set>
+#include <string>
+#include <string_view>
+
+#include "platform/platform.h"
+
+namespace nvsupport {
+
+class CTranslationCatalogue {
+ public:
+  CTranslationCatalogue() = default;
+  // Writes the miss file.
+  ~CTranslationCatalogue();
+  CTranslationCatalogue(const CTranslationCatalogue&) = delete;
+  CTranslationCatalogue& operator=(const CTranslationCatalogue&) = delete;
+
+  // Records the module whose file name gives the names of the catalogue files and chooses the language.
+  void Init(HINSTANCE moduleHandle);
+  bool ChooseLanguage();
+  // True if the catalogue has changed over to the language.
+  bool SetLanguage(const std::string& name);
+  const std::string& Language() const { return language; }
+
+  // The text to show for an English source text; the same text, noted as a miss, when there is no entry. Valid until
+  // the next load or the unload.
+  const std::string& Translate(const std::string& text);
+
+  std::string GetCatalogueFileName(const std::string& name) const;
+  // Replaces the entries by those of a file; true if it gave at least one.
+  bool LoadCatalogueFile(const std::string& path);
+  void WriteMissFile();
+
+ private:
+  std::string language;
+  std::map<std::string, std::string> entries;
+  std::set<std::string> misses;
+  HINSTANCE module = nullptr;
+};
+
+// The process-wide catalogue.
+extern CTranslationCatalogue translations;
+
+// Translate of the process-wide catalogue.
+const std::string& Translate(const std::string& text);
+
+// Translate of a printf format. A translation whose conversions differ from the source's is not used, so no
+// catalogue can make formatting read arguments that are not there.
+const std::string& TranslateFormat(const std::string& format);
+
+std::string UnescapeCatalogueText(std::string_view text);
+
+}  // namespace nvsupport
+
+#endif

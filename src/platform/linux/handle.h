@@ -1,0 +1,19 @@
+// What the handles of files, events and threads point to: CloseHandle destroys any of them.
+#ifndef NVSUPPORT_PLATFORM_LINUX_HANDLE_H
+#define NVSUPPORT_PLATFORM_LINUX_HANDLE_H
+
+namespace platform {
+
+class HandleObject {
+ public:
+  HandleObject() = default;
+  HandleObject(const HandleObject&) = delete;
+  HandleObject& operator=(const HandleObject&) = delete;
+  virtual ~HandleObject() = default;
+  // Ends the object's use; false when something was lost, as a failing close of a file. The object is deleted next.
+  virtual bool Close() { return true; }
+};
+
+}  // namespace platform
+
+#endif

@@ -1,0 +1,112 @@
+// The seam between the user core and what shows its windows. The core holds all state and rules (texts, styles,
+// focus, default button, messages); a display only shows that state and reports what the user does. Texts are UTF-8
+// here, rectangles are pixels. All calls come on the thread that runs the dialogs, but for ShowWaitCursor.
+#ifndef NVSUPPORT_PLATFORM_LINUX_USER_DISPLAY_H
+#define NVSUPPORT_PLATFORM_LINUX_USER_DISPLAY_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "../types.h"
+
+namespace user {
+
+enum class ControlKind { label, edit, pushButton, checkBox };
+
+struct ControlView {
+  HWND handle;
+  ControlKind kind;
+  int id;            // as in the template; 0xFFFF for a label without one
+  RECT rectangle;    // relative to the dialog's client area
+  std::string text;  // with '&' marks
+  bool alignRight;
+  bool password;
+  bool defaultButton;
+  bool threeState;
+  bool tabStop;
+};
+
+struct DialogView {
+  HWND handle;
+  HWND owner;                   // a dialog of this display, or null
+  std::uintptr_t foreignOwner;  // X11 window id of the host's window that owns the dialog, or 0
+  std::string title;
+  LONG width;  // of the client area
+  LONG height;
+  std::vector<ControlView> controls;  // in template order, which is the tab order
+};
+
+struct MessageBoxView {
+  HWND owner;
+  std::uintptr_t foreignOwner;
+  std::string text;
+  std::string caption;
+  UINT type;  // MB_ values
+};
+
+// What the user did, told to the core.
+class DisplayEvents {
+ public:
+  virtual void OnClick(HWND control) = 0;  // push button or check box: mouse, Space or mnemonic
+  virtual void OnTextEdited(HWND edit, const std::string& text) = 0;
+  virtual void OnFocus(HWND control) = 0;
+  virtual void OnEnter(HWND dialog) = 0;
+  virtual void OnEscape(HWND dialog) = 0;
+  virtual void OnCloseBox(HWND dialog) = 0;
+  virtual void OnDragged(HWND dialog) = 0;  // the user moved the dialog; WindowRect tells where to
+  virtual void OnWheel(HWND window, int delta, POINT screenPoint) = 0;
+  virtual void OnLeftButton(HWND window, bool doubleClick, POINT clientPoint) = 0;
+
+ protected:
+  ~DisplayEvents() = default;
+};
+
+class Display {
+ public:
+  virtual ~Display() = default;
+
+  // Average width and height of a character of the dialog font: 4 dialog units across, 8 down.
+  virtual POINT BaseUnits() = 0;
+  virtual RECT WorkArea() = 0;
+  virtual int CaptionHeight() = 0;  // SM_CYSIZE
+  virtual int FrameWidth() = 0;     // SM_CXFRAME and SM_CYFRAME
+
+  // Makes the dialog's window with all its controls, not yet shown. False if that is not possible.
+  virtual bool CreateDialogWindow(const DialogView& dialog) = 0;
+  virtual void ShowDialogWindow(HWND dialog) = 0;
+  virtual void DestroyDialogWindow(HWND dialog) = 0;
+  // Runs the user's events until `ended` becomes true.
+  virtual void RunModal(HWND dialog, const bool& ended) = 0;
+  // Shows a message box until it is answered; returns the id of the button, 0 if it could not be shown.
+  virtual int RunMessageBox(const MessageBoxView& box) = 0;
+
+  virtual void SetText(HWND window, const std::string& text) = 0;
+  virtual void SetCheck(HWND checkBox, int state) = 0;
+  virtual void SetEnabled(HWND window, bool enabled) = 0;
+  virtual void SetFocus(HWND control, bool selectAll) = 0;
+  // The frame's top left corner on the screen.
+  virtual void MoveDialogWindow(HWND dialog, POINT topLeft) = 0;
+  // The rectangle with its frame on the screen, and the screen position of the client area.
+  virtual RECT WindowRect(HWND dialog) = 0;
+  virtual POINT ClientOrigin(HWND dialog) = 0;
+  // The rectangle of a host's own window; nothing if there is no such window.
+  virtual std::optional<RECT> ForeignRect(std::uintptr_t window) = 0;
+
+  // Shows the wait cursor on this process's windows. May be called on another thread while the dialogs' thread is
+  // blocked.
+  virtual void ShowWaitCursor() = 0;
+  // Lets the window under the pointer choose its cursor again.
+  virtual void RestoreCursor() = 0;
+  virtual std::optional<POINT> CursorPosition() = 0;
+};
+
+}  // namespace user
+
+// The one function that a display plugin exports: gives its display for these events, null when there is no usable
+// display. The plugin keeps the display; a later call, by the module loaded again, replaces `events`. Null events
+// end the use of the display before the module goes.
+extern "C" using NvOpenDisplay = user::Display * (*)(user::DisplayEvents * events);
+
+#endif

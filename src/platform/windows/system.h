@@ -1,0 +1,15 @@
+// The system's own headers, and that is all.
+#ifndef NVSUPPORT_PLATFORM_WINDOWS_SYSTEM_H
+#define NVSUPPORT_PLATFORM_WINDOWS_SYSTEM_H
+
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+// Behind windows.h, on which they rely.
+#include <mbstring.h>
+#include <shellapi.h>
+#include <shlobj.h>
+#include <wininet.h>
+
+#endif

@@ -1,0 +1,29 @@
+// A wait cursor for a call that blocks the user interface longer than 150 milliseconds. Made on the stack of the
+// blocking operation; a second thread times the delay, because the calling one is blocked.
+#ifndef NVSUPPORT_UI_BUSY_CURSOR_H
+#define NVSUPPORT_UI_BUSY_CURSOR_H
+
+#include "platform/platform.h"
+
+namespace nvsupport {
+
+class BusyCursor {
+ public:
+  BusyCursor();
+  ~BusyCursor();
+  BusyCursor(const BusyCursor&) = delete;
+  BusyCursor& operator=(const BusyCursor&) = delete;
+
+ private:
+  static DWORD WINAPI Watch(LPVOID self);
+
+  DWORD delay = 150;  // milliseconds before the cursor changes
+  HANDLE watcher = nullptr;
+  HANDLE stopEvent = nullptr;  // manual reset
+  DWORD ownerThread;
+  HCURSOR waitCursor;
+};
+
+}  // namespace nvsupport
+
+#endif

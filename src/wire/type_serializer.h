@@ -1,0 +1,55 @@
+// The typed byte channel: how typed values become bytes, on top of the two virtual operations of a channel.
+// Positional, least significant byte first; docs/wire_format.md tells the bytes of each item.
+#ifndef NVSUPPORT_WIRE_TYPE_SERIALIZER_H
+#define NVSUPPORT_WIRE_TYPE_SERIALIZER_H
+
+#include <cstdint>
+#include <string>
+
+namespace nvsupport {
+
+class CTypeSerializer {
+ public:
+  // What the channel is open for. Bookkeeping: no operation branches on it.
+  enum Mode : std::int32_t { closed = 0, writing = 1, reading = 2 };
+
+  // The longest string that ReadString takes, in characters.
+  static constexpr std::uint32_t maxStringLength = 100000;
+
+  virtual void Write(const void* data, std::int32_t size) = 0;
+  // True if bytes were delivered.
+  virtual bool Read(void* data, std::int32_t size) = 0;
+
+  void WriteValue(std::int32_t value);
+  void WriteValue(std::uint32_t value);
+  void WriteValue(std::uint8_t value);
+  void WriteBlock(const void* data, std::int32_t size);
+  void WriteString(const std::string& text);
+
+  // Reads of what is missing clear `good`; the destination changes only as far as bytes arrive.
+  void ReadValue(std::int32_t& value);
+  void ReadValue(std::uint32_t& value);
+  void ReadValue(std::uint8_t& value);
+  void ReadBlock(void* data, std::int32_t size);
+  // False when the string did not arrive whole or is over the limit; over the limit `good` stays as it was.
+  bool ReadString(std::string& text);
+  // Fills a character field of `width` bytes with at most width - 1 characters, always terminated. On false the
+  // field is as it was.
+  bool ReadFixedString(char* field, std::int32_t width);
+
+  bool IsGood() const { return good != 0; }
+  std::uint32_t Count() const { return count; }
+
+ protected:
+  CTypeSerializer() = default;
+  ~CTypeSerializer() = default;  // an object is always destroyed through its own class
+
+  Mode mode = closed;
+  std::uint8_t good = 1;    // sticky: cleared by a read or file operation that fails
+  std::uint8_t wide = 1;    // strings travel in 2-byte units
+  std::uint32_t count = 0;  // bytes that the typed operations have passed in the current direction
+};
+
+}  // namespace nvsupport
+
+#endif
