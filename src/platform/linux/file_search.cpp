@@ -1,0 +1,108 @@
+// Walks the entries of a folder that match a pattern, as the published interface matches names.
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "file_time.h"
+#include "files.h"
+#include "native_path.h"
+
+namespace {
+
+char FoldCase(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// '*' is any run of characters, '?' any one. Goes back to the last '*' only, so its cost is bounded by the product of
+// the lengths.
+bool MatchesPattern(std::string_view name, std::string_view pattern) {
+  std::size_t n = 0;
+  std::size_t p = 0;
+  std::size_t star = std::string_view::npos;
+  std::size_t resume = 0;
+  while (n < name.size()) {
+    if (p < pattern.size() && pattern[p] == '*') {
+      star = p++;
+      resume = n;
+    } else if (p < pattern.size() && (pattern[p] == '?' || FoldCase(pattern[p]) == FoldCase(name[n]))) {
+      ++p;
+      ++n;
+    } else if (star != std::string_view::npos) {
+      p = star + 1;
+      n = ++resume;
+    } else {
+      return false;
+    }
+  }
+  return pattern.find_first_not_of('*', p) == std::string_view::npos;
+}
+
+class FileSearch {
+ public:
+  explicit FileSearch(const std::string& target) {
+    const std::size_t separator = target.rfind('/');
+    if (separator == std::string::npos) {
+      folder = opendir(".");
+      pattern = target;
+    } else {
+      folder = opendir(target.substr(0, separator + 1).c_str());
+      pattern = target.substr(separator + 1);
+    }
+  }
+  ~FileSearch() {
+    if (folder != nullptr) closedir(folder);
+  }
+  FileSearch(const FileSearch&) = delete;
+  FileSearch& operator=(const FileSearch&) = delete;
+
+  bool Next(WIN32_FIND_DATAA& data) {
+    if (folder == nullptr) return false;
+    while (const dirent* entry = readdir(folder)) {
+      if (Matches(entry->d_name) && Fill(entry->d_name, data)) return true;
+    }
+    return false;
+  }
+
+ private:
+  // A pattern that ends in ".*" also takes the names that have no dot there.
+  bool Matches(std::string_view name) const {
+    if (MatchesPattern(name, pattern)) return true;
+    return pattern.ends_with(".*") && MatchesPattern(name, std::string_view(pattern).substr(0, pattern.size() - 2));
+  }
+
+  bool Fill(const char* name, WIN32_FIND_DATAA& data) const {
+    const std::size_t length = std::strlen(name);
+    struct stat status {};
+    if (length >= sizeof data.cFileName || fstatat(dirfd(folder), name, &status, AT_SYMLINK_NOFOLLOW) != 0)
+      return false;
+    data.dwFileAttributes = S_ISDIR(status.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL;
+    data.ftLastWriteTime = platform::ToFileTime(status.st_mtim);
+    std::memcpy(data.cFileName, name, length + 1);
+    return true;
+  }
+
+  DIR* folder = nullptr;
+  std::string pattern;
+};
+
+}  // namespace
+
+HANDLE FindFirstFileA(LPCSTR pattern, WIN32_FIND_DATAA* data) {
+  auto search = std::make_unique<FileSearch>(platform::NativePath(pattern));
+  return search->Next(*data) ? search.release() : INVALID_HANDLE_VALUE;
+}
+
+BOOL FindNextFileA(HANDLE find, WIN32_FIND_DATAA* data) {
+  return static_cast<FileSearch*>(find)->Next(*data);
+}
+
+BOOL FindClose(HANDLE find) {
+  if (find == nullptr || find == INVALID_HANDLE_VALUE) return FALSE;
+  delete static_cast<FileSearch*>(find);
+  return TRUE;
+}

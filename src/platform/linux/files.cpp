@@ -1,0 +1,156 @@
+// Files and folders over POSIX, and the handles of files.
+#include "files.h"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "handle.h"
+#include "native_path.h"
+#include "platform/platform.h"
+
+namespace {
+
+using platform::HandleObject;
+using platform::NativePath;
+
+constexpr mode_t ownersFolder = 0700;
+constexpr mode_t ownersFile = 0600;
+constexpr mode_t anyonesFile = 0666;  // less the user's mask
+
+// A file open for writing from its start.
+class WrittenFile final : public HandleObject {
+ public:
+  explicit WrittenFile(int opened) : descriptor(opened) {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY) room = limit.rlim_cur;
+  }
+  ~WrittenFile() override { Close(); }
+
+  bool Close() override {
+    if (descriptor < 0) return true;
+    const bool closed = close(descriptor) == 0;
+    descriptor = -1;
+    return closed;
+  }
+
+  // Returns the bytes written: fewer than asked for when the disk is full or the file may not grow further.
+  std::size_t Write(const char* data, std::size_t size) {
+    std::size_t done = 0;
+    while (done < size && room > 0) {
+      const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(size - done, room));
+      const ssize_t written = write(descriptor, data + done, part);
+      if (written < 0 && errno == EINTR) continue;
+      if (written <= 0) break;
+      done += static_cast<std::size_t>(written);
+      room -= static_cast<std::uint64_t>(written);
+    }
+    return done;
+  }
+
+ private:
+  int descriptor;
+  // Bytes up to the process's file size limit. A write that starts at the limit would raise SIGXFSZ, which ends a
+  // host that does not expect it.
+  std::uint64_t room = UINT64_MAX;
+};
+
+bool Exists(const char* path) {
+  struct stat status {};
+  return lstat(path, &status) == 0;
+}
+
+int OpenFlags(const char* mode) {
+  const bool both = std::strchr(mode, '+') != nullptr;
+  switch (mode[0]) {
+    case 'w':
+      return (both ? O_RDWR : O_WRONLY) | O_CREAT | O_TRUNC;
+    case 'a':
+      return (both ? O_RDWR : O_WRONLY) | O_CREAT | O_APPEND;
+    default:
+      return both ? O_RDWR : O_RDONLY;
+  }
+}
+
+}  // namespace
+
+namespace platform {
+
+std::string NativePath(const char* path) {
+  std::string native = path != nullptr ? path : "";
+  std::replace(native.begin(), native.end(), '\\', '/');
+  return native;
+}
+
+std::FILE* OpenFileStream(const char* path, const char* mode) {
+  const int flags = OpenFlags(mode);
+  const int descriptor = open(NativePath(path).c_str(), flags | O_CLOEXEC, ownersFile);
+  if (descriptor < 0) return nullptr;
+  struct stat status {};
+  // A folder opens for reading here, but it is no file.
+  bool usable = fstat(descriptor, &status) == 0 && !S_ISDIR(status.st_mode);
+  // A file that stood there before may be open to others. What it gets now is not for them.
+  if (usable && (flags & O_TRUNC) != 0 && S_ISREG(status.st_mode)) usable = fchmod(descriptor, ownersFile) == 0;
+  std::FILE* stream = usable ? fdopen(descriptor, mode) : nullptr;
+  if (stream == nullptr) close(descriptor);
+  return stream;
+}
+
+}  // namespace platform
+
+DWORD GetFileAttributesA(LPCSTR path) {
+  struct stat status {};
+  if (stat(NativePath(path).c_str(), &status) != 0) return INVALID_FILE_ATTRIBUTES;
+  return S_ISDIR(status.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL;
+}
+
+BOOL CreateDirectoryA(LPCSTR path, struct SECURITY_ATTRIBUTES*) {
+  return mkdir(NativePath(path).c_str(), ownersFolder) == 0;
+}
+
+BOOL DeleteFileA(LPCSTR path) {
+  return unlink(NativePath(path).c_str()) == 0;
+}
+
+BOOL MoveFileA(LPCSTR from, LPCSTR to) {
+  const std::string source = NativePath(from);
+  const std::string target = NativePath(to);
+  if (renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0) return TRUE;
+  if (errno != EINVAL && errno != ENOSYS) return FALSE;
+  // A file system without that flag, as some network ones.
+  return !Exists(target.c_str()) && std::rename(source.c_str(), target.c_str()) == 0;
+}
+
+HANDLE CreateFileA(LPCSTR path, DWORD, DWORD, struct SECURITY_ATTRIBUTES*, DWORD, DWORD, HANDLE) {
+  const int descriptor = open(NativePath(path).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, anyonesFile);
+  if (descriptor < 0) return INVALID_HANDLE_VALUE;
+  return static_cast<HandleObject*>(new WrittenFile(descriptor));
+}
+
+BOOL WriteFile(HANDLE handle, LPCVOID data, DWORD size, LPDWORD written, struct OVERLAPPED*) {
+  *written = 0;
+  if (handle == nullptr || handle == INVALID_HANDLE_VALUE) return FALSE;
+  auto* file = dynamic_cast<WrittenFile*>(static_cast<HandleObject*>(handle));
+  if (file == nullptr) return FALSE;
+  *written = static_cast<DWORD>(file->Write(static_cast<const char*>(data), size));
+  return *written == size;
+}
+
+BOOL CloseHandle(HANDLE handle) {
+  if (handle == nullptr || handle == INVALID_HANDLE_VALUE) return FALSE;
+  const std::unique_ptr<HandleObject> object(static_cast<HandleObject*>(handle));
+  return object->Close();
+}
+
+DWORD GetCurrentProcessId() {
+  return static_cast<DWORD>(getpid());
+}

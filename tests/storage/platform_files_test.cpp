@@ -1,0 +1,151 @@
+// The file operations of the platform as the library relies on them.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "platform/platform.h"
+#include "support/temporary_home.h"
+
+namespace {
+
+using nvsupport::testing::ReadWholeFile;
+using nvsupport::testing::TemporaryFolder;
+using nvsupport::testing::WriteWholeFile;
+namespace fs = std::filesystem;
+
+mode_t ModeOf(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 ? status.st_mode & 0777 : 0;
+}
+
+HANDLE CreateForWriting(const std::string& path) {
+  return CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+TEST(PlatformFiles, TakeEitherSeparator) {
+  const TemporaryFolder folder;
+  const std::string path = (folder / "sub") + "\\a.txt";
+  ASSERT_TRUE(CreateDirectoryA((folder.path.string() + "\\sub").c_str(), nullptr));
+  EXPECT_EQ(ModeOf(folder / "sub"), 0700u);
+  const HANDLE file = CreateForWriting(path);
+  ASSERT_NE(file, INVALID_HANDLE_VALUE);
+  DWORD written = 99;
+  EXPECT_TRUE(WriteFile(file, "text", 4, &written, nullptr));
+  EXPECT_EQ(written, 4u);
+  EXPECT_TRUE(CloseHandle(file));
+  EXPECT_EQ(ReadWholeFile(folder.path / "sub" / "a.txt"), "text");
+  EXPECT_EQ(GetFileAttributesA(path.c_str()), FILE_ATTRIBUTE_NORMAL);
+  EXPECT_TRUE(DeleteFileA(path.c_str()));
+  EXPECT_EQ(GetFileAttributesA(path.c_str()), INVALID_FILE_ATTRIBUTES);
+}
+
+TEST(PlatformFiles, AFolderIsNoFile) {
+  const TemporaryFolder folder;
+  const std::string name = folder.path.string();
+  EXPECT_EQ(GetFileAttributesA((name + "\\").c_str()), FILE_ATTRIBUTE_DIRECTORY);
+  EXPECT_EQ(GetFileAttributesA(""), INVALID_FILE_ATTRIBUTES);
+  EXPECT_FALSE(DeleteFileA(name.c_str()));
+  EXPECT_EQ(CreateForWriting(name), INVALID_HANDLE_VALUE);
+  EXPECT_EQ(platform::OpenFileStream(name.c_str(), "r"), nullptr);
+}
+
+TEST(PlatformFiles, MovingNeverReplacesAFile) {
+  const TemporaryFolder folder;
+  WriteWholeFile(folder / "a", "new");
+  WriteWholeFile(folder / "b", "old");
+  EXPECT_FALSE(MoveFileA((folder / "a").c_str(), (folder / "b").c_str()));
+  EXPECT_EQ(ReadWholeFile(folder / "b"), "old");
+  EXPECT_TRUE(MoveFileA((folder / "a").c_str(), (folder / "c").c_str()));
+  EXPECT_EQ(ReadWholeFile(folder / "c"), "new");
+  EXPECT_FALSE(fs::exists(folder / "a"));
+}
+
+TEST(PlatformFiles, WriteReportsWhatTheFileSizeLimitLeaves) {
+  const TemporaryFolder folder;
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+  const rlimit limited{1000, before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
+  const HANDLE file = CreateForWriting(folder / "a");
+  const std::string data(600, 'x');
+  DWORD first = 0;
+  DWORD second = 0;
+  DWORD third = 99;
+  const BOOL results[] = {WriteFile(file, data.data(), 600, &first, nullptr),
+                          WriteFile(file, data.data(), 600, &second, nullptr),
+                          WriteFile(file, data.data(), 600, &third, nullptr)};
+  CloseHandle(file);
+  setrlimit(RLIMIT_FSIZE, &before);
+  EXPECT_EQ(std::vector<DWORD>({first, second, third}), std::vector<DWORD>({600, 400, 0}));
+  EXPECT_EQ(std::vector<BOOL>(results, results + 3), std::vector<BOOL>({TRUE, FALSE, FALSE}));
+}
+
+TEST(PlatformFiles, StreamsOpenedForWritingAreTheOwnersAlone) {
+  const TemporaryFolder folder;
+  WriteWholeFile(folder / "old", "text");
+  fs::permissions(folder / "old", fs::perms(0644));
+  for (const char* name : {"old", "new"}) {
+    std::FILE* stream = platform::OpenFileStream((folder / name).c_str(), "w");
+    ASSERT_NE(stream, nullptr);
+    std::fclose(stream);
+    EXPECT_EQ(ModeOf(folder / name), 0600u) << name;
+  }
+}
+
+TEST(PlatformFiles, PatternsMatchAsThePublishedInterfaceDoes) {
+  const TemporaryFolder folder;
+  for (const char* name : {"T1", "t2.tmp", "T3.a.b", "xT", ".hidden"}) WriteWholeFile(folder / name, "");
+  struct Case {
+    const char* pattern;
+    std::vector<std::string> names;
+  };
+  const Case cases[] = {
+      {"T*.*", {"T1", "T3.a.b", "t2.tmp"}},
+      {"*", {".", "..", ".hidden", "T1", "T3.a.b", "t2.tmp", "xT"}},
+      {"*.*", {".", "..", ".hidden", "T1", "T3.a.b", "t2.tmp", "xT"}},
+      {"t?.t*p", {"t2.tmp"}},
+      {"*T", {"xT"}},
+      {"*.b", {"T3.a.b"}},
+      {"none*", {}},
+  };
+  for (const Case& each : cases) {
+    std::vector<std::string> names;
+    WIN32_FIND_DATAA data{};
+    const HANDLE find = FindFirstFileA((folder.path.string() + "\\" + each.pattern).c_str(), &data);
+    if (find != INVALID_HANDLE_VALUE) {
+      do names.emplace_back(data.cFileName);
+      while (FindNextFileA(find, &data));
+      FindClose(find);
+    }
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, each.names) << each.pattern;
+  }
+  WIN32_FIND_DATAA data{};
+  EXPECT_EQ(FindFirstFileA((folder / "missing\\*").c_str(), &data), INVALID_HANDLE_VALUE);
+}
+
+TEST(PlatformFiles, TimeStampsComeInTheFormOfTheSystemTime) {
+  const TemporaryFolder folder;
+  WriteWholeFile(folder / "a", "");
+  const SYSTEMTIME known{2001, 9, 0, 9, 1, 46, 40, 5};  // 1,000,000,000 seconds after 1970, and 5 ms
+  const timespec times[2] = {{1'000'000'000, 5'000'000}, {1'000'000'000, 5'000'000}};
+  ASSERT_EQ(utimensat(AT_FDCWD, (folder / "a").c_str(), times, 0), 0);
+  WIN32_FIND_DATAA data{};
+  FILETIME time{};
+  FindClose(FindFirstFileA((folder / "a").c_str(), &data));
+  ASSERT_TRUE(SystemTimeToFileTime(&known, &time));
+  EXPECT_EQ(CompareFileTime(&time, &data.ftLastWriteTime), 0);
+  SYSTEMTIME now{};
+  FILETIME nowTime{};
+  GetSystemTime(&now);
+  ASSERT_TRUE(SystemTimeToFileTime(&now, &nowTime));
+  EXPECT_LT(CompareFileTime(&time, &nowTime), 0);
+  EXPECT_GT(CompareFileTime(&nowTime, &time), 0);
+}
+
+}  // namespace
