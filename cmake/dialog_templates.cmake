@@ -1,0 +1,25 @@
+# nv_add_dialog_templates(TARGET SCRIPT SYMBOL): compiles a resource script into a target. On Windows the linker takes
+# it as it is; elsewhere the compiled script stands in the target as bytes between SYMBOL_begin and SYMBOL_end.
+function(nv_add_dialog_templates target script symbol)
+  cmake_path(ABSOLUTE_PATH script)
+  if(WIN32)
+    target_sources(${target} PRIVATE ${script})
+    return()
+  endif()
+  find_program(NV_LLVM_RC NAMES llvm-rc llvm-rc-14 llvm-rc-15 llvm-rc-16 REQUIRED)
+  set(headers ${PROJECT_SOURCE_DIR}/src/resources)
+  set(stem ${CMAKE_CURRENT_BINARY_DIR}/${symbol})
+  add_custom_command(
+    OUTPUT ${stem}.res
+    COMMAND ${CMAKE_C_COMPILER} -E -P -x c -I${headers} ${script} -o ${stem}.i.rc
+    COMMAND ${NV_LLVM_RC} /no-preprocess /fo ${stem}.res ${stem}.i.rc
+    DEPENDS ${script} ${headers}/resource_ids.h ${headers}/script_constants.h
+    VERBATIM)
+  set(NV_SYMBOL ${symbol})
+  set(NV_COMPILED ${stem}.res)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/embed.S.in ${stem}.S @ONLY)
+  add_custom_target(${symbol} DEPENDS ${stem}.res)
+  add_dependencies(${target} ${symbol})
+  set_source_files_properties(${stem}.S TARGET_DIRECTORY ${target} PROPERTIES OBJECT_DEPENDS ${stem}.res)
+  target_sources(${target} PRIVATE ${stem}.S)
+endfunction()
