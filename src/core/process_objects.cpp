@@ -2,10 +2,22 @@
 // declarations stand in the headers of their owners.
 #include "core/module_handle.h"
 #include "platform/platform.h"
+#include "ui/exceptions.h"
+#include "ui/instance_subclasser.h"
+#include "ui/message.h"
+#include "ui/placement.h"
+#include "ui/window.h"
 
 namespace nvsupport {
 
 HINSTANCE g_moduleHandle = nullptr;
+HINSTANCE resourceLibrary = nullptr;
+StackOverflowException stackOverflowException;
+MemoryException memoryException;
+
+InstanceSubclasser windowSubclasser{&Window::wndProc};
+std::string messageCaption;
+std::map<std::uint32_t, POINT> dialogPositions;
 
 // Last: calls the module's entry when everything above lives, and again before any of it goes.
 static const platform::ModuleEntry moduleEntry;

@@ -3,6 +3,8 @@
 #ifndef NVSUPPORT_UI_BUSY_CURSOR_H
 #define NVSUPPORT_UI_BUSY_CURSOR_H
 
+#include <cstdint>
+
 #include "platform/platform.h"
 
 namespace nvsupport {
@@ -17,7 +19,7 @@ class BusyCursor {
  private:
   static DWORD WINAPI Watch(LPVOID self);
 
-  DWORD delay = 150;  // milliseconds before the cursor changes
+  std::int32_t delay = 150;  // milliseconds before the cursor changes
   HANDLE watcher = nullptr;
   HANDLE stopEvent = nullptr;  // manual reset
   DWORD ownerThread;

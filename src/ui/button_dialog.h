@@ -1,0 +1,19 @@
+// A dialog whose buttons all simply end it, and which tells the caller which one it was.
+#ifndef NVSUPPORT_UI_BUTTON_DIALOG_H
+#define NVSUPPORT_UI_BUTTON_DIALOG_H
+
+#include <cstdint>
+#include <string>
+
+#include "platform/platform.h"
+
+namespace nvsupport {
+
+// Runs the template `id` under `parent` and returns the id of the button, 2 when the dialog ended in another way or
+// could not be shown. `text` goes, as it stands, into the control `textControlId`; 0: into none. `last` is unused.
+std::uint32_t ShowButtonDialog(std::uint32_t id, HWND parent, const std::string& text, std::uint32_t textControlId,
+                               std::uint32_t last);
+
+}  // namespace nvsupport
+
+#endif
