@@ -48,6 +48,9 @@ class CTypeSerializer {
   std::uint8_t good = 1;    // sticky: cleared by a read or file operation that fails
   std::uint8_t wide = 1;    // strings travel in 2-byte units
   std::uint32_t count = 0;  // bytes that the typed operations have passed in the current direction
+
+ private:
+  std::int32_t UnitSize() const { return wide != 0 ? 2 : 1; }
 };
 
 }  // namespace nvsupport
