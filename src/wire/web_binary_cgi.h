@@ -20,7 +20,7 @@ class CWebBinaryCGI final : public CTypeSerializer {
   CWebBinaryCGI& operator=(const CWebBinaryCGI&) = delete;
 
   void Write(const void* data, std::int32_t size) override;
-  // Blocks until the reply begins; true if it can be read.
+  // Blocks until the reply begins, under a busy cursor; true if the reply can be read.
   bool Send();
   // True as soon as one byte of those asked for came.
   bool Read(void* data, std::int32_t size) override;
