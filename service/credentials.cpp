@@ -1,0 +1,89 @@
+#include "service/credentials.h"
+
+#include <sodium.h>
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+
+namespace nvsupport::service {
+namespace {
+
+// An interactive cost: some 20 ms on a desktop machine and few enough bytes for many processes at a time.
+constexpr unsigned long long kHashPasses = 2;
+constexpr std::size_t kHashMemory = 19 * 1024 * 1024;
+constexpr std::size_t kTokenHashBytes = 32;
+constexpr std::string_view kTokenAlphabet = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+
+// Of ASCII alone, whatever the locale.
+char Lower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool IsLetterOrDigit(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z');
+}
+
+bool IsBlankOrControl(char c) {
+  return static_cast<unsigned char>(c) <= ' ' || c == '\x7F';
+}
+
+}  // namespace
+
+void StartCryptography() {
+  if (sodium_init() < 0) throw std::runtime_error("cryptography is not available");
+}
+
+std::string CredentialKey(std::string_view text) {
+  std::string key;
+  for (const char c : text) {
+    if (key.size() == kCredentialLength) break;
+    if (IsLetterOrDigit(Lower(c))) key.push_back(Lower(c));
+  }
+  return key;
+}
+
+std::string EmailKey(std::string_view text) {
+  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  const std::size_t at = text.find('@');
+  if (at == 0 || at == std::string_view::npos || std::ranges::any_of(text, IsBlankOrControl)) return {};
+  const std::string_view domain = text.substr(at + 1);
+  const std::size_t dot = domain.find('.');
+  const bool valid = dot != 0 && dot != std::string_view::npos && domain.back() != '.' &&
+                     domain.find('@') == std::string_view::npos && domain.find("..") == std::string_view::npos;
+  if (!valid) return {};
+  std::string key(text);
+  std::ranges::transform(key, key.begin(), Lower);
+  return key;
+}
+
+std::string HashPassword(std::string_view credentialKey) {
+  std::array<char, crypto_pwhash_STRBYTES> hash;
+  if (crypto_pwhash_str(hash.data(), credentialKey.data(), credentialKey.size(), kHashPasses, kHashMemory) != 0) {
+    throw std::runtime_error("no memory to hash a password");
+  }
+  return hash.data();
+}
+
+bool MatchesPassword(const std::string& hash, std::string_view credentialKey) {
+  return crypto_pwhash_str_verify(hash.c_str(), credentialKey.data(), credentialKey.size()) == 0;
+}
+
+std::string NewToken() {
+  std::string token(kTokenLength, '\0');
+  for (char& c : token) c = kTokenAlphabet[randombytes_uniform(static_cast<std::uint32_t>(kTokenAlphabet.size()))];
+  return token;
+}
+
+std::string HashToken(std::string_view token) {
+  std::array<unsigned char, kTokenHashBytes> hash;
+  crypto_generichash(hash.data(), hash.size(), reinterpret_cast<const unsigned char*>(token.data()), token.size(),
+                     nullptr, 0);
+  std::string text(2 * kTokenHashBytes + 1, '\0');
+  sodium_bin2hex(text.data(), text.size(), hash.data(), hash.size());
+  text.pop_back();
+  return text;
+}
+
+}  // namespace nvsupport::service

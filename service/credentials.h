@@ -1,0 +1,36 @@
+// User IDs, passwords, e-mail addresses and session tokens: what counts of each, and the form in which it is stored.
+#ifndef NVSUPPORT_SERVICE_CREDENTIALS_H
+#define NVSUPPORT_SERVICE_CREDENTIALS_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace nvsupport::service {
+
+inline constexpr std::size_t kCredentialLength = 16;  // letters and digits that count
+inline constexpr std::size_t kShortestPassword = 6;
+inline constexpr std::size_t kTokenLength = 19;  // what a client's buffer holds
+
+// Makes the cryptographic library ready; throws std::runtime_error if it cannot be used. Call it before the others.
+void StartCryptography();
+
+// What counts of a user ID or a password: its first 16 letters and digits, in lower case.
+std::string CredentialKey(std::string_view text);
+
+// What counts of an e-mail address: no blanks around it, lower case. Empty if it is no address.
+std::string EmailKey(std::string_view text);
+
+// A salted Argon2id hash that names its own parameters.
+std::string HashPassword(std::string_view credentialKey);
+// In a time that does not depend on where the two differ.
+bool MatchesPassword(const std::string& hash, std::string_view credentialKey);
+
+// A fresh token: 19 random letters and digits, which is more than 112 bits.
+std::string NewToken();
+// The form in which a token is stored; a token needs no salt, being random itself.
+std::string HashToken(std::string_view token);
+
+}  // namespace nvsupport::service
+
+#endif

@@ -1,0 +1,64 @@
+#include "service/map_shop_service.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include "service/message.h"
+
+namespace nvsupport::service {
+namespace {
+
+constexpr std::uint32_t kSearch = 101;
+constexpr std::uint32_t kSearchKind = 4;  // the second word of every search
+constexpr std::size_t kPointBytes = 16;
+constexpr Area kEverywhere = {-kLargestLatitude, -180, kLargestLatitude, 180};
+
+// The box around the points of a request; none if the request is not as it should be.
+std::optional<Area> RequestedArea(RequestReader& request) {
+  if (request.Word() != kSearch || request.Word() != kSearchKind) return std::nullopt;
+  const std::uint32_t count = request.Word();
+  if (count > request.Remaining() / kPointBytes) return std::nullopt;
+  Area box = {kLargestLatitude, kLargestLongitude, -kLargestLatitude, -kLargestLongitude};
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const double latitude = request.Real();
+    const double longitude = request.Real();
+    // Asked this way round, what is no number fails too.
+    const bool valid = std::abs(latitude) <= kLargestLatitude && std::abs(longitude) <= kLargestLongitude;
+    if (!valid) return std::nullopt;
+    box.south = std::min(box.south, latitude);
+    box.north = std::max(box.north, latitude);
+    box.west = std::min(box.west, longitude);
+    box.east = std::max(box.east, longitude);
+  }
+  request.Word();  // always 0
+  if (!request.Complete()) return std::nullopt;
+  return count == 0 ? kEverywhere : box;
+}
+
+}  // namespace
+
+std::string AnswerSearch(std::string_view request, const std::vector<Product>& products) {
+  RequestReader reader(request);
+  const auto area = RequestedArea(reader);
+  if (!area) return ReplyWriter(Status::kNotUnderstood).Bytes();
+
+  std::vector<const Product*> found;
+  for (const Product& product : products) {
+    if (Intersects(product.area, *area)) found.push_back(&product);
+  }
+  ReplyWriter reply(Status::kDone);
+  reply.Word(0);  // words to skip
+  reply.Word(static_cast<std::uint32_t>(found.size()));
+  for (const Product* product : found) {
+    reply.Text(product->title);
+    reply.Word(product->number);
+    reply.Text(product->shortText);
+    reply.Text(product->fileReference);
+    reply.Word(product->kibibytes);
+  }
+  reply.Word(static_cast<std::uint32_t>(products.size()));
+  return reply.Bytes();
+}
+
+}  // namespace nvsupport::service

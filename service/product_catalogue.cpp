@@ -1,0 +1,64 @@
+#include "service/product_catalogue.h"
+
+#include <charconv>
+#include <fstream>
+#include <stdexcept>
+#include <string_view>
+
+namespace nvsupport::service {
+namespace {
+
+constexpr std::size_t kColumns = 9;
+
+std::vector<std::string_view> Split(std::string_view line) {
+  std::vector<std::string_view> columns;
+  for (;;) {
+    const std::size_t tab = line.find('\t');
+    columns.push_back(line.substr(0, tab));
+    if (tab == std::string_view::npos) return columns;
+    line.remove_prefix(tab + 1);
+  }
+}
+
+template <typename Value>
+bool Parse(std::string_view text, Value& value) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  return error == std::errc() && end == text.data() + text.size();
+}
+
+bool ParseArea(std::string_view south, std::string_view west, std::string_view north, std::string_view east,
+               Area& area) {
+  if (!Parse(south, area.south) || !Parse(west, area.west) || !Parse(north, area.north) || !Parse(east, area.east)) {
+    return false;
+  }
+  if (area.west > area.east) area.east += 360;
+  return area.south <= area.north;
+}
+
+bool ParseProduct(std::string_view line, Product& product) {
+  const auto column = Split(line);
+  if (column.size() != kColumns) return false;
+  product.title = column[1];
+  product.shortText = column[2];
+  product.fileReference = column[3];
+  return Parse(column[0], product.number) && Parse(column[4], product.kibibytes) &&
+         ParseArea(column[5], column[6], column[7], column[8], product.area);
+}
+
+}  // namespace
+
+std::vector<Product> ReadProducts(const std::string& path) {
+  std::ifstream file(path);
+  if (!file) throw std::runtime_error("cannot read " + path);
+  std::vector<Product> products;
+  std::string line;
+  for (int number = 1; std::getline(file, line); ++number) {
+    if (line.empty() || line.front() == '#') continue;
+    Product product;
+    if (!ParseProduct(line, product)) throw std::runtime_error(path + ": line " + std::to_string(number));
+    products.push_back(std::move(product));
+  }
+  return products;
+}
+
+}  // namespace nvsupport::service
