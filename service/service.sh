@@ -1,0 +1,196 @@
+#!/usr/bin/env bash
+# Runs the local account and map shop service behind a real web server, for the demo, tests and experiments.
+set -euo pipefail
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+PATH=$PATH:/usr/sbin:/sbin
+
+readonly service_host=${NV_SERVICE_HOST:-service.norvane.example}
+readonly web_host=${NV_WEB_HOST:-www.norvane.example}
+readonly session_seconds=${NV_SERVICE_SESSION_SECONDS:-3600}
+readonly certificate_days=2
+readonly start_tries=20    # of finding two free ports
+readonly answer_tries=100  # tenths of a second
+readonly stop_tries=100    # tenths of a second
+
+usage() {
+  cat <<TEXT
+Usage: service.sh start DIR   start the service; keep everything it needs and writes in DIR
+       service.sh env DIR     print the environment for programs that are to use the running service
+       service.sh stop DIR    end the service and wait until it has ended; DIR stays for you to look at or delete
+       service.sh --help
+
+"start" prints the environment, too:  eval "\$(service/service.sh start /tmp/nv)"
+Starting a running service and stopping one that does not run do nothing. The service listens on loopback only, on
+free ports of its own choosing, and needs no root.
+
+In DIR: ca.pem (throw-away certificate authority, made anew at each start, its key not kept), accounts.sqlite (the
+accounts), www/ (pages and files), log/ (access.log, error.log, cgi.log), lighttpd.conf, pid.
+
+Environment:
+  NV_BUILD_DIR                build tree with service/cgi-bin/svcapp.cgi (else build/release, build/dev)
+  NV_SERVICE_HOST             name of the service host (now $service_host)
+  NV_WEB_HOST                 name of the host of the vendor's pages (now $web_host)
+  NV_SERVICE_SESSION_SECONDS  for how long a session token is good (now $session_seconds)
+
+Exit code: 0 done, 1 failed, 2 wrong arguments, 3 the service does not run ("env").
+TEXT
+}
+
+fail() { echo "service.sh: $*" >&2; exit 1; }
+
+# The process in the pid file, if it is still our server: a process number can have gone to another program.
+running_pid() {
+  local pid
+  pid=$(cat "$dir/pid" 2>/dev/null) || return 1
+  [[ $pid =~ ^[0-9]+$ ]] || return 1
+  tr '\0' '\n' <"/proc/$pid/cmdline" 2>/dev/null | grep -qxF "$dir/lighttpd.conf" || return 1
+  echo "$pid"
+}
+
+find_cgi_bin() {
+  local build
+  for build in ${NV_BUILD_DIR:+"$NV_BUILD_DIR"} "$here/../build/release" "$here/../build/dev"; do
+    [ -x "$build/service/cgi-bin/svcapp.cgi" ] || continue
+    (cd "$build/service/cgi-bin" && pwd)
+    return
+  done
+  fail "no build tree with service/cgi-bin/svcapp.cgi; build first, or set NV_BUILD_DIR"
+}
+
+make_certificates() {
+  rm -rf "$dir/tls" && mkdir "$dir/tls"
+  local -r tls=$dir/tls
+  local -r key=(-newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes)
+  {
+    openssl req -x509 "${key[@]}" -keyout "$tls/ca.key" -out "$dir/ca.pem" -days $certificate_days \
+      -subj "/CN=Throw-away authority of a local service" -addext "keyUsage=critical,keyCertSign"
+    openssl req "${key[@]}" -keyout "$tls/server.key" -out "$tls/server.csr" -subj "/CN=$service_host"
+    openssl x509 -req -in "$tls/server.csr" -CA "$dir/ca.pem" -CAkey "$tls/ca.key" -days $certificate_days \
+      -set_serial "0x$(openssl rand -hex 8)" -out "$tls/server.pem" \
+      -extfile <(printf 'subjectAltName=DNS:%s,DNS:%s\nbasicConstraints=critical,CA:FALSE\n' "$service_host" "$web_host")
+  } 2>"$dir/log/openssl.log" || fail "cannot make certificates; see $dir/log/openssl.log"
+  rm "$tls/ca.key" "$tls/server.csr"
+}
+
+# The pages, and a file for each product. The files' bytes look random and are the same on every machine.
+make_www() {
+  mkdir -p "$dir/www"
+  cp -R "$here/pages/." "$dir/www/"
+  local number file kibibytes path
+  while IFS=$'\t' read -r number _ _ file kibibytes _; do
+    [[ $number == \#* ]] && continue
+    path=$dir/www/$file
+    [ -e "$path" ] && continue
+    mkdir -p "${path%/*}"
+    head -c $((kibibytes * 1024)) /dev/zero |
+      openssl enc -aes-128-ctr -nopad -K "$(printf '%032d' 0)" -iv "$(printf '%032d' "$number")" -out "$path"
+  done <"$here/data/products.tsv"
+}
+
+write_configuration() {
+  sed -e "s|@DIR@|$dir|g" -e "s|@CGI_BIN@|$1|g" -e "s|@PRODUCTS@|$here/data/products.tsv|g" \
+    -e "s|@SESSION_SECONDS@|$session_seconds|g" -e "s|@HTTP_PORT@|$2|g" -e "s|@HTTPS_PORT@|$3|g" \
+    "$here/lighttpd.conf.in" >"$dir/lighttpd.conf"
+}
+
+# True once the map shop program answers by HTTP (a GET is refused with 405, by the program itself) and a page
+# arrives over TLS with a certificate that ca.pem vouches for.
+answers() {
+  local -r http_port=$1 https_port=$2
+  local line
+  { exec 3<>"/dev/tcp/127.0.0.1/$http_port"; } 2>/dev/null || return 1
+  printf 'GET /cgi-bin/mapstore2.cgi HTTP/1.0\r\nHost: %s\r\n\r\n' "$service_host" >&3
+  IFS= read -r -t 5 line <&3 || line=
+  exec 3>&-
+  [[ $line == *" 405 "* ]] || return 1
+  printf 'GET /forgot.htm HTTP/1.0\r\nHost: %s\r\n\r\n' "$service_host" |
+    timeout 5 openssl s_client -connect "127.0.0.1:$https_port" -servername "$service_host" \
+      -verify_hostname "$service_host" -CAfile "$dir/ca.pem" -verify_return_error -quiet 2>/dev/null |
+    grep -q '^HTTP/1.. 200 '
+}
+
+# A port that nobody has asked the kernel for: below the range from which it deals out ports by itself.
+random_port() { echo $((10000 + RANDOM % 20000)); }
+
+# Starts the server on two ports; fails if one of them is taken, so that another pair can be tried.
+launch() {
+  local -r http_port=$1 https_port=$2
+  local i
+  # A session of its own: closing the terminal or Ctrl-C in it does not end the service.
+  setsid lighttpd -D -f "$dir/lighttpd.conf" </dev/null >>"$dir/log/lighttpd.log" 2>&1 9>&- &
+  local -r pid=$!
+  echo "$pid" >"$dir/pid"
+  for ((i = 0; i < answer_tries; ++i)); do
+    if ! kill -0 "$pid" 2>/dev/null; then
+      wait "$pid" || true
+      rm -f "$dir/pid"
+      return 1
+    fi
+    if answers "$http_port" "$https_port"; then
+      echo "$http_port $https_port" >"$dir/ports"
+      return 0
+    fi
+    sleep 0.1
+  done
+  end "$pid"
+  fail "the server does not answer; see $dir/log/"
+}
+
+# Ends the server and waits for it; one that does not listen is killed after half of the time.
+end() {
+  local i
+  kill -TERM "$1" 2>/dev/null || true
+  for ((i = 0; i < stop_tries; ++i)); do
+    running_pid >/dev/null || break
+    ((i == stop_tries / 2)) && kill -KILL "$1" 2>/dev/null
+    sleep 0.1
+  done
+  rm -f "$dir/pid"
+}
+
+print_environment() {
+  local http_port https_port host connect_to=()
+  read -r http_port https_port <"$dir/ports"
+  for host in "$service_host" "$web_host"; do
+    connect_to+=("$host:80:127.0.0.1:$http_port" "$host:443:127.0.0.1:$https_port")
+  done
+  printf "export NV_CONNECT_TO='%s'\n" "$(IFS=,; echo "${connect_to[*]}")"
+  printf "export SSL_CERT_FILE='%s'\n" "$dir/ca.pem"
+}
+
+start() {
+  running_pid >/dev/null && { print_environment; return; }
+  for program in lighttpd openssl; do
+    command -v $program >/dev/null || fail "$program is missing; scripts/install-packages.sh installs it"
+  done
+  local cgi_bin http_port https_port try program
+  cgi_bin=$(find_cgi_bin)
+  mkdir -p "$dir/log" "$dir/upload"
+  make_certificates
+  make_www
+  for ((try = 0; try < start_tries; ++try)); do
+    http_port=$(random_port) https_port=$(random_port)
+    [ "$http_port" != "$https_port" ] || continue
+    write_configuration "$cgi_bin" "$http_port" "$https_port"
+    launch "$http_port" "$https_port" && { print_environment; return; }
+  done
+  fail "the server does not start; see $dir/log/"
+}
+
+[[ ${1:-} == --help || ${1:-} == -h ]] && { usage; exit; }
+[[ $# == 2 && $1 =~ ^(start|env|stop)$ ]] || { usage >&2; exit 2; }
+umask 077
+if [[ $1 == start ]]; then mkdir -p "$2"; fi
+[ -d "$2" ] || { [[ $1 == stop ]] && exit 0; echo "service.sh: $2 is no folder" >&2; exit 3; }
+dir=$(cd "$2" && pwd)
+[[ $dir$here == *[\"\'\|\&\\]* ]] && fail "the names of the folders cannot hold any of \" ' | & \\"
+
+# One start or stop at a time.
+exec 9>"$dir/lock"
+flock 9
+
+case $1 in
+start) start ;;
+env) running_pid >/dev/null || { echo "service.sh: no service runs in $dir" >&2; exit 3; }; print_environment ;;
+stop) if pid=$(running_pid); then end "$pid"; else rm -f "$dir/pid"; fi ;;
+esac
