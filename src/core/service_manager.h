@@ -25,6 +25,16 @@ class CVServiceManager {
   std::string GetSettingsPath() const;
   void SaveProfile() const;
 
+  // The account operations. `parent` owns their dialogs and messages, and may be null. They show their failures
+  // themselves, each with its own texts; true when all that the operation leads to is done.
+  bool Login(HWND parent);
+  bool CreateAccount(HWND parent);
+  bool SetDeviceName(HWND parent);
+  bool VerifyAccount(HWND parent);
+  bool SendDeviceName(HWND parent, const std::string& name);
+  // Shows nothing but the sign-in, if no password is known. The empty text if there is no token.
+  std::string GetSessionToken(HWND parent);
+
  protected:
   CVServiceManager(const std::string& productName, std::uint32_t platform, std::uint32_t deviceId);
 

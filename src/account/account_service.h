@@ -1,0 +1,43 @@
+// What the account operations share: the CGI program that they talk to, the statuses that more than one of them
+// knows, and the pages on the service host.
+#ifndef NVSUPPORT_ACCOUNT_ACCOUNT_SERVICE_H
+#define NVSUPPORT_ACCOUNT_ACCOUNT_SERVICE_H
+
+#include <cstdint>
+#include <span>
+
+#include "wire/web_binary_cgi.h"
+
+namespace nvsupport {
+
+inline constexpr char kAccountCgi[] = "cgi-bin/svcapp.cgi";
+inline constexpr char kHelpPage[] = "http://" NV_SERVICE_HOST "/WebHelp/account_management.htm";
+
+// An item that requests which register something carry, always with this value.
+inline constexpr std::int32_t kRegistrationConstant = 124;
+
+inline constexpr std::int32_t kStatusSuccess = 0;
+inline constexpr std::int32_t kStatusWrongUserId = 4;
+inline constexpr std::int32_t kStatusWrongPassword = 5;
+
+// What the user is told about a status.
+struct StatusMessage {
+  std::int32_t status;
+  const char* text;
+};
+
+// The text for a status, `other` if the table lacks it.
+const char* MessageFor(std::span<const StatusMessage> table, std::int32_t status, const char* other);
+
+struct StatusReply {
+  bool sent = false;         // the request went out and a reply came
+  bool answered = false;     // the reply holds a status
+  std::int32_t status = -1;  // as far as it came
+};
+
+// Sends a written request and reads the first item of the reply.
+StatusReply SendForStatus(CWebBinaryCGI& cgi);
+
+}  // namespace nvsupport
+
+#endif

@@ -1,0 +1,119 @@
+// A new account: the dialog that asks for the user's details, and operation 10 that makes the account.
+#include "account/account_service.h"
+#include "core/service_manager.h"
+#include "resources/resource_ids.h"
+#include "storage/open_document.h"
+#include "storage/registry_text.h"
+#include "ui/dialog.h"
+#include "ui/message.h"
+
+namespace nvsupport {
+namespace {
+
+constexpr std::int32_t kOperation = 10;
+constexpr std::int32_t kStatusEmailKnown = 13;  // the user has an account already: back to the sign-in
+
+constexpr char kPrivacyPage[] = "http://" NV_WEB_HOST "/privacy.htm";
+
+constexpr StatusMessage kRefusals[] = {
+    {2,
+     "This user name is already in use.\nIf this is your account and you have forgotten the User ID or Password, "
+     "click \"Cancel\" and \"I Forgot\" to recover them."},
+    {3, "The password must be at least 6 letters or numbers"},
+    {kStatusEmailKnown,
+     "An account already exists with the same email address. Please sign in to that account.\nIf you have forgotten "
+     "the User ID or Password, click \"Forgot\" to recover them."},
+    {14, "You must provide a valid email address."},
+};
+
+// The language as the user chose it, which is not always one that has a catalogue.
+std::string UserLanguage() {
+  return GetRegistryText(HKEY_CURRENT_USER, "Software\\Norvane", "Language", "English");
+}
+
+}  // namespace
+
+bool CVServiceManager::CreateAccount(HWND parent) {
+  class CDlgCreateAccount final : public Dialog {
+   public:
+    explicit CDlgCreateAccount(CVServiceManager* session) : Dialog(IDD_CREATE_ACCOUNT), m_session(session) {}
+
+    // The password is retyped in any case, also when it was handed over.
+    INT_PTR onInitDialog(WPARAM, LPARAM) override {
+      setItemText(IDC_USER_ID, m_session->m_userId);
+      setItemText(IDC_PASSWORD, m_session->m_password);
+      setItemText(IDC_YOUR_NAME, m_name);
+      setItemText(IDC_COMPANY, m_company);
+      setItemText(IDC_EMAIL, m_email);
+      SendMessageA(GetDlgItem(hwnd, IDC_KEEP_INFORMED), BM_SETCHECK, m_keepInformed ? 1 : 0, 0);
+      return 1;
+    }
+
+    void onOK() override {
+      if (getItemText(IDC_RETYPE_PASSWORD) != getItemText(IDC_PASSWORD)) {
+        ShowMessage(hwnd, MB_ICONERROR, "The passwords do not match");
+        SetWindowTextA(GetDlgItem(hwnd, IDC_RETYPE_PASSWORD), "");
+        return;
+      }
+      TakeFields();
+      const StatusReply reply = SendAccount();
+      if (!reply.sent) return ShowError("Problem communicating over the internet");
+      if (!reply.answered) return ShowError("Internal server error");
+      if (reply.status != kStatusSuccess) return ShowRefusal(reply.status);
+      m_session->SaveProfile();
+      EndDialog(hwnd, IDOK);
+    }
+
+    void onDialogCommand(int id, HWND control, int code) override {
+      if (code == 0 && id == IDC_VIEW_POLICY) return static_cast<void>(OpenDocument(kPrivacyPage, hwnd));
+      if (code == 0 && id == IDC_HELP_PAGE) return static_cast<void>(OpenDocument(kHelpPage, hwnd));
+      Dialog::onDialogCommand(id, control, code);
+    }
+
+   private:
+    void TakeFields() {
+      m_session->m_userId = getItemText(IDC_USER_ID);
+      m_session->m_password = getItemText(IDC_PASSWORD);
+      m_name = getItemText(IDC_YOUR_NAME);
+      m_company = getItemText(IDC_COMPANY);
+      m_email = getItemText(IDC_EMAIL);
+      m_keepInformed = isChecked(IDC_KEEP_INFORMED);
+    }
+
+    StatusReply SendAccount() const {
+      CWebBinaryCGI cgi(kAccountCgi, true);
+      cgi.WriteValue(kOperation);
+      cgi.WriteString(m_session->m_userId);
+      cgi.WriteString(m_session->m_password);
+      cgi.WriteString(m_name);
+      cgi.WriteString(m_company);
+      cgi.WriteString(m_email);
+      cgi.WriteValue(static_cast<std::uint8_t>(m_keepInformed ? 1 : 0));
+      cgi.WriteValue(kRegistrationConstant);
+      cgi.WriteString(UserLanguage());
+      return SendForStatus(cgi);
+    }
+
+    void ShowError(const char* text) { ShowMessage(hwnd, MB_ICONERROR, text); }
+
+    void ShowRefusal(std::int32_t status) {
+      if (const char* const text = MessageFor(kRefusals, status, nullptr)) {
+        ShowError(text);
+      } else {
+        ShowMessageFormat(hwnd, MB_ICONERROR, "The server returned error code %d", static_cast<int>(status));
+      }
+      if (status == kStatusEmailKnown) onCancel();
+    }
+
+    std::string m_name;
+    std::string m_company;
+    std::string m_email;
+    bool m_keepInformed = false;
+    CVServiceManager* m_session;
+  };
+
+  // The service is not asked whether a new user's computer has a name.
+  return CDlgCreateAccount(this).run(parent) == IDOK && SetDeviceName(parent);
+}
+
+}  // namespace nvsupport

@@ -1,0 +1,74 @@
+// The computer's name at the account service: the dialog that asks for it, and operation 9 that stores it.
+#include "account/account_service.h"
+#include "core/service_manager.h"
+#include "resources/resource_ids.h"
+#include "storage/open_document.h"
+#include "ui/dialog.h"
+#include "ui/message.h"
+
+namespace nvsupport {
+namespace {
+
+constexpr std::int32_t kOperation = 9;
+
+constexpr char kExchangeFailed[] = "A problem occured communicating with the server";
+constexpr StatusMessage kRefusals[] = {
+    {kStatusWrongUserId, "The User ID is not correct"},
+    {kStatusWrongPassword, "The Password is not correct"},
+};
+
+}  // namespace
+
+bool CVServiceManager::SetDeviceName(HWND parent) {
+  class CDlgDevice final : public Dialog {
+   public:
+    explicit CDlgDevice(CVServiceManager* session) : Dialog(IDD_COMPUTER_NAME), m_session(session) {}
+
+    INT_PTR onInitDialog(WPARAM, LPARAM) override {
+      setItemText(IDC_COMPUTER_NAME, m_session->GetDeviceName());
+      return 1;
+    }
+
+    void onOK() override {
+      if (m_session->SendDeviceName(hwnd, getItemText(IDC_COMPUTER_NAME))) EndDialog(hwnd, IDOK);
+    }
+
+    void onDialogCommand(int id, HWND control, int code) override {
+      if (id == IDC_HELP_PAGE && code == 0) {
+        OpenDocument(kHelpPage, hwnd);
+        return;
+      }
+      Dialog::onDialogCommand(id, control, code);
+    }
+
+   private:
+    CVServiceManager* m_session;
+  };
+
+  return CDlgDevice(this).run(parent) == IDOK;
+}
+
+bool CVServiceManager::SendDeviceName(HWND parent, const std::string& name) {
+  StatusReply reply;
+  {
+    CWebBinaryCGI cgi(kAccountCgi, true);
+    cgi.WriteValue(kOperation);
+    cgi.WriteString(m_userId);
+    cgi.WriteString(m_password);
+    cgi.WriteString(name);
+    cgi.WriteValue(m_deviceId);
+    cgi.WriteValue(kRegistrationConstant);
+    cgi.WriteValue(m_platform);
+    reply = SendForStatus(cgi);
+  }
+  if (!reply.sent) {
+    ShowMessage(parent, MB_OK, "Unable to contact the server.");
+    return false;
+  }
+  if (!reply.answered) return false;
+  if (reply.status == kStatusSuccess) return true;
+  ShowMessage(parent, MB_OK, MessageFor(kRefusals, reply.status, kExchangeFailed));
+  return false;
+}
+
+}  // namespace nvsupport

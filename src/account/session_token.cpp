@@ -1,0 +1,44 @@
+// The session token: operation 11, with a sign-in before it when no password is known.
+#include <algorithm>
+
+#include "account/account_service.h"
+#include "core/service_manager.h"
+#include "nvsupport/nvsupport.h"
+
+namespace nvsupport {
+namespace {
+
+constexpr std::int32_t kOperation = 11;
+constexpr std::size_t kLongestToken = 19;  // fills the host's buffer with its terminator
+
+}  // namespace
+
+std::string CVServiceManager::GetSessionToken(HWND parent) {
+  if (m_password.empty() && !Login(parent)) return {};
+
+  CWebBinaryCGI cgi(kAccountCgi, true);
+  cgi.WriteValue(kOperation);
+  cgi.WriteString(m_userId);
+  cgi.WriteString(m_password);
+  const StatusReply reply = SendForStatus(cgi);
+  if (!reply.answered || reply.status != kStatusSuccess) return {};
+
+  std::string token;
+  cgi.ReadString(token);
+  return token;
+}
+
+}  // namespace nvsupport
+
+bool xff99a5e4(NVWindow parent, char* token) {
+  token[0] = '\0';
+  try {
+    if (nvsupport::g_serviceManager == nullptr) return false;
+    const std::string text = nvsupport::g_serviceManager->GetSessionToken(static_cast<HWND>(parent));
+    if (text.size() > nvsupport::kLongestToken) return false;
+    std::copy_n(text.c_str(), text.size() + 1, token);
+    return token[0] != '\0';
+  } catch (...) {
+    return false;
+  }
+}

@@ -1,0 +1,107 @@
+// Sign-in: the dialog that asks for user ID and password, and operation 8 that proves them to the account service.
+#include "account/account_service.h"
+#include "core/service_manager.h"
+#include "resources/resource_ids.h"
+#include "storage/open_document.h"
+#include "ui/dialog.h"
+#include "ui/message.h"
+
+namespace nvsupport {
+namespace {
+
+constexpr std::int32_t kOperation = 8;
+constexpr std::int32_t kStateSignedIn = 0;
+constexpr std::int32_t kStateComputerUnnamed = 1;
+
+constexpr char kForgotPage[] = "https://" NV_SERVICE_HOST "/forgot.htm";
+
+constexpr char kCredentialMissing[] = "You must provide a user name and password to access your account.";
+constexpr char kExchangeFailed[] = "A problem occured communicating with the server";
+constexpr StatusMessage kRefusals[] = {
+    {kStatusWrongUserId,
+     "The User ID is not correct. If you have lost your ID, click the \"I Forgot\" button. Do not create more than "
+     "one account."},
+    {kStatusWrongPassword,
+     "The Password is not correct. If you have lost your password, click the \"I Forgot\" button."},
+};
+
+}  // namespace
+
+bool CVServiceManager::Login(HWND parent) {
+  class CDlgLogin final : public Dialog {
+   public:
+    explicit CDlgLogin(CVServiceManager* session) : Dialog(IDD_SIGN_IN), m_session(session) {}
+
+    INT_PTR onInitDialog(WPARAM, LPARAM) override {
+      const bool known = !m_session->m_userId.empty();
+      setItemText(IDC_USER_ID, m_session->m_userId);
+      if (known) setItemText(IDC_PASSWORD, m_session->m_password);
+      const HWND first = GetDlgItem(hwnd, known ? IDC_PASSWORD : IDC_USER_ID);
+      SendMessageA(hwnd, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(first), 1);
+      return 0;
+    }
+
+    void onOK() override {
+      TakeCredentials();
+      m_session->m_savePassword = isChecked(IDC_SAVE_PASSWORD);
+      if (!m_session->VerifyAccount(hwnd)) {
+        m_session->m_password.clear();
+        return;
+      }
+      m_session->SaveProfile();
+      EndDialog(hwnd, IDOK);
+    }
+
+    void onDialogCommand(int id, HWND control, int code) override {
+      if (code == 0 && id == IDC_CREATE_ACCOUNT) return OnCreateAccount();
+      if (code == 0 && id == IDC_FORGOT) return static_cast<void>(OpenDocument(kForgotPage, hwnd));
+      if (code == 0 && id == IDC_HELP_PAGE) return static_cast<void>(OpenDocument(kHelpPage, hwnd));
+      Dialog::onDialogCommand(id, control, code);
+    }
+
+   private:
+    void TakeCredentials() {
+      m_session->m_userId = getItemText(IDC_USER_ID);
+      m_session->m_password = getItemText(IDC_PASSWORD);
+    }
+
+    // A created account counts as signed in.
+    void OnCreateAccount() {
+      TakeCredentials();
+      if (!m_session->CreateAccount(hwnd)) return;
+      setItemText(IDC_USER_ID, m_session->m_userId);
+      setItemText(IDC_PASSWORD, m_session->m_password);
+      EndDialog(hwnd, IDOK);
+    }
+
+    CVServiceManager* m_session;
+  };
+
+  return CDlgLogin(this).run(parent) == IDOK;
+}
+
+bool CVServiceManager::VerifyAccount(HWND parent) {
+  if (m_userId.empty() || m_password.empty()) {
+    ShowMessage(parent, MB_ICONINFORMATION, kCredentialMissing);
+    return false;
+  }
+
+  StatusReply reply;
+  std::int32_t state = -1;
+  {
+    // The connection goes before the user is asked anything further.
+    CWebBinaryCGI cgi(kAccountCgi, true);
+    cgi.WriteValue(kOperation);
+    cgi.WriteString(m_userId);
+    cgi.WriteString(m_password);
+    cgi.WriteValue(m_deviceId);
+    reply = SendForStatus(cgi);
+    if (reply.status == kStatusSuccess) cgi.ReadValue(state);
+  }
+  if (reply.status == kStatusSuccess && state == kStateSignedIn) return true;
+  if (reply.status == kStatusSuccess && state == kStateComputerUnnamed) return SetDeviceName(parent);
+  ShowMessage(parent, MB_OK, MessageFor(kRefusals, reply.status, kExchangeFailed));
+  return false;
+}
+
+}  // namespace nvsupport
