@@ -1,6 +1,7 @@
 // All process-wide objects, in the order in which they come to life; they go in the reverse order. Their
 // declarations stand in the headers of their owners.
 #include "core/module_handle.h"
+#include "language/translation_catalogue.h"
 #include "platform/platform.h"
 #include "ui/exceptions.h"
 #include "ui/instance_subclasser.h"
@@ -18,6 +19,7 @@ MemoryException memoryException;
 InstanceSubclasser windowSubclasser{&Window::wndProc};
 std::string messageCaption;
 std::map<std::uint32_t, POINT> dialogPositions;
+CTranslationCatalogue translations;
 
 // Last: calls the module's entry when everything above lives, and again before any of it goes.
 static const platform::ModuleEntry moduleEntry;

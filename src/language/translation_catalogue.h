@@ -6,7 +6,6 @@
 #include <map>
 #include <set>
 #include <string>
-#include <string_view>
 
 #include "platform/platform.h"
 
@@ -22,6 +21,7 @@ class CTranslationCatalogue {
 
   // Records the module whose file name gives the names of the catalogue files and chooses the language.
   void Init(HINSTANCE moduleHandle);
+  // Takes the language from the registry, the user's before the installer's; the result is SetLanguage's.
   bool ChooseLanguage();
   // True if the catalogue has changed over to the language.
   bool SetLanguage(const std::string& name);
@@ -31,9 +31,11 @@ class CTranslationCatalogue {
   // the next load or the unload.
   const std::string& Translate(const std::string& text);
 
+  // Empty if the module's path cannot be read.
   std::string GetCatalogueFileName(const std::string& name) const;
-  // Replaces the entries by those of a file; true if it gave at least one.
+  // Replaces the entries by those of a file; true if it gave at least one. A file that cannot be read changes nothing.
   bool LoadCatalogueFile(const std::string& path);
+  // Writes the misses below the user's documents, if the folder for them exists, and forgets everything.
   void WriteMissFile();
 
  private:
@@ -51,9 +53,7 @@ const std::string& Translate(const std::string& text);
 
 // Translate of a printf format. A translation whose conversions differ from the source's is not used, so no
 // catalogue can make formatting read arguments that are not there.
-const std::string& TranslateFormat(const std::string& format);
-
-std::string UnescapeCatalogueText(std::string_view text);
+std::string TranslateFormat(const std::string& format);
 
 }  // namespace nvsupport
 

@@ -1,0 +1,58 @@
+// The grammar of catalogue files, told in docs/catalogue_format.md: bytes to records, records to plain texts. Used by
+// the catalogue and by the translators' tool.
+#ifndef NVSUPPORT_LANGUAGE_CATALOGUE_READER_H
+#define NVSUPPORT_LANGUAGE_CATALOGUE_READER_H
+
+#include <cstddef>
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace nvsupport {
+
+// A larger file counts as unreadable: whatever the file's name leads to, loading costs bounded time and memory.
+inline constexpr std::size_t maxCatalogueBytes = std::size_t{32} << 20;
+
+// First bytes of the wide form, a little-endian byte-order mark.
+inline constexpr std::string_view wideCatalogueMark = "\xFF\xFE";
+
+// All bytes of an open file; nothing after a read error or when there are more than maxCatalogueBytes.
+std::optional<std::string> ReadCatalogueBytes(std::FILE* file);
+
+enum class RecordKind {
+  entry,
+  noTab,          // a line without a tab, or the end of the file before one
+  noSource,       // a tab with nothing in front of it; what follows the tab is the next record
+  noTranslation,  // nothing behind the tab
+};
+
+struct CatalogueRecord {
+  RecordKind kind = RecordKind::noTab;
+  std::size_t line = 0;  // counted from 1
+  // As they stand in the file, before escapes.
+  std::string source;
+  std::string translation;
+};
+
+class CatalogueReader {
+ public:
+  explicit CatalogueReader(std::string_view bytes);
+  // Reads the next record; false at the end of the file.
+  bool Next(CatalogueRecord& record);
+
+ private:
+  // The text up to `end`, each character cut to its low 8 bits; goes on behind it.
+  void TakeColumn(std::size_t end, std::string& column);
+
+  std::u16string characters;
+  std::size_t position = 0;
+  std::size_t line = 1;
+};
+
+// Undoes the quotes and escapes of a column.
+std::string UnescapeCatalogueText(std::string_view text);
+
+}  // namespace nvsupport
+
+#endif
