@@ -10,15 +10,15 @@
 
 namespace nvsupport {
 
-inline constexpr char kAccountCgi[] = "cgi-bin/svcapp.cgi";
-inline constexpr char kHelpPage[] = "http://" NV_SERVICE_HOST "/WebHelp/account_management.htm";
+inline constexpr char accountCgi[] = "cgi-bin/svcapp.cgi";
+inline constexpr char helpPage[] = "http://" NV_SERVICE_HOST "/WebHelp/account_management.htm";
 
 // An item that requests which register something carry, always with this value.
-inline constexpr std::int32_t kRegistrationConstant = 124;
+inline constexpr std::int32_t registrationConstant = 124;
 
-inline constexpr std::int32_t kStatusSuccess = 0;
-inline constexpr std::int32_t kStatusWrongUserId = 4;
-inline constexpr std::int32_t kStatusWrongPassword = 5;
+inline constexpr std::int32_t statusSuccess = 0;
+inline constexpr std::int32_t statusWrongUserId = 4;
+inline constexpr std::int32_t statusWrongPassword = 5;
 
 // What the user is told about a status.
 struct StatusMessage {

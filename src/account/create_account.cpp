@@ -10,17 +10,17 @@
 namespace nvsupport {
 namespace {
 
-constexpr std::int32_t kOperation = 10;
-constexpr std::int32_t kStatusEmailKnown = 13;  // the user has an account already: back to the sign-in
+constexpr std::int32_t operation = 10;
+constexpr std::int32_t statusEmailKnown = 13;  // the user has an account already: back to the sign-in
 
-constexpr char kPrivacyPage[] = "http://" NV_WEB_HOST "/privacy.htm";
+constexpr char privacyPage[] = "http://" NV_WEB_HOST "/privacy.htm";
 
-constexpr StatusMessage kRefusals[] = {
+constexpr StatusMessage refusals[] = {
     {2,
      "This user name is already in use.\nIf this is your account and you have forgotten the User ID or Password, "
      "click \"Cancel\" and \"I Forgot\" to recover them."},
     {3, "The password must be at least 6 letters or numbers"},
-    {kStatusEmailKnown,
+    {statusEmailKnown,
      "An account already exists with the same email address. Please sign in to that account.\nIf you have forgotten "
      "the User ID or Password, click \"Forgot\" to recover them."},
     {14, "You must provide a valid email address."},
@@ -59,14 +59,14 @@ bool CVServiceManager::CreateAccount(HWND parent) {
       const StatusReply reply = SendAccount();
       if (!reply.sent) return ShowError("Problem communicating over the internet");
       if (!reply.answered) return ShowError("Internal server error");
-      if (reply.status != kStatusSuccess) return ShowRefusal(reply.status);
+      if (reply.status != statusSuccess) return ShowRefusal(reply.status);
       m_session->SaveProfile();
       EndDialog(hwnd, IDOK);
     }
 
     void onDialogCommand(int id, HWND control, int code) override {
-      if (code == 0 && id == IDC_VIEW_POLICY) return static_cast<void>(OpenDocument(kPrivacyPage, hwnd));
-      if (code == 0 && id == IDC_HELP_PAGE) return static_cast<void>(OpenDocument(kHelpPage, hwnd));
+      if (code == 0 && id == IDC_VIEW_POLICY) return static_cast<void>(OpenDocument(privacyPage, hwnd));
+      if (code == 0 && id == IDC_HELP_PAGE) return static_cast<void>(OpenDocument(helpPage, hwnd));
       Dialog::onDialogCommand(id, control, code);
     }
 
@@ -81,15 +81,15 @@ bool CVServiceManager::CreateAccount(HWND parent) {
     }
 
     StatusReply SendAccount() const {
-      CWebBinaryCGI cgi(kAccountCgi, true);
-      cgi.WriteValue(kOperation);
+      CWebBinaryCGI cgi(accountCgi, true);
+      cgi.WriteValue(operation);
       cgi.WriteString(m_session->m_userId);
       cgi.WriteString(m_session->m_password);
       cgi.WriteString(m_name);
       cgi.WriteString(m_company);
       cgi.WriteString(m_email);
       cgi.WriteValue(static_cast<std::uint8_t>(m_keepInformed ? 1 : 0));
-      cgi.WriteValue(kRegistrationConstant);
+      cgi.WriteValue(registrationConstant);
       cgi.WriteString(UserLanguage());
       return SendForStatus(cgi);
     }
@@ -97,12 +97,12 @@ bool CVServiceManager::CreateAccount(HWND parent) {
     void ShowError(const char* text) { ShowMessage(hwnd, MB_ICONERROR, text); }
 
     void ShowRefusal(std::int32_t status) {
-      if (const char* const text = MessageFor(kRefusals, status, nullptr)) {
+      if (const char* const text = MessageFor(refusals, status, nullptr)) {
         ShowError(text);
       } else {
         ShowMessageFormat(hwnd, MB_ICONERROR, "The server returned error code %d", static_cast<int>(status));
       }
-      if (status == kStatusEmailKnown) onCancel();
+      if (status == statusEmailKnown) onCancel();
     }
 
     std::string m_name;

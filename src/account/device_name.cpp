@@ -9,12 +9,12 @@
 namespace nvsupport {
 namespace {
 
-constexpr std::int32_t kOperation = 9;
+constexpr std::int32_t operation = 9;
 
-constexpr char kExchangeFailed[] = "A problem occured communicating with the server";
-constexpr StatusMessage kRefusals[] = {
-    {kStatusWrongUserId, "The User ID is not correct"},
-    {kStatusWrongPassword, "The Password is not correct"},
+constexpr char exchangeFailed[] = "A problem occured communicating with the server";
+constexpr StatusMessage refusals[] = {
+    {statusWrongUserId, "The User ID is not correct"},
+    {statusWrongPassword, "The Password is not correct"},
 };
 
 }  // namespace
@@ -35,7 +35,7 @@ bool CVServiceManager::SetDeviceName(HWND parent) {
 
     void onDialogCommand(int id, HWND control, int code) override {
       if (id == IDC_HELP_PAGE && code == 0) {
-        OpenDocument(kHelpPage, hwnd);
+        OpenDocument(helpPage, hwnd);
         return;
       }
       Dialog::onDialogCommand(id, control, code);
@@ -51,13 +51,13 @@ bool CVServiceManager::SetDeviceName(HWND parent) {
 bool CVServiceManager::SendDeviceName(HWND parent, const std::string& name) {
   StatusReply reply;
   {
-    CWebBinaryCGI cgi(kAccountCgi, true);
-    cgi.WriteValue(kOperation);
+    CWebBinaryCGI cgi(accountCgi, true);
+    cgi.WriteValue(operation);
     cgi.WriteString(m_userId);
     cgi.WriteString(m_password);
     cgi.WriteString(name);
     cgi.WriteValue(m_deviceId);
-    cgi.WriteValue(kRegistrationConstant);
+    cgi.WriteValue(registrationConstant);
     cgi.WriteValue(m_platform);
     reply = SendForStatus(cgi);
   }
@@ -66,8 +66,8 @@ bool CVServiceManager::SendDeviceName(HWND parent, const std::string& name) {
     return false;
   }
   if (!reply.answered) return false;
-  if (reply.status == kStatusSuccess) return true;
-  ShowMessage(parent, MB_OK, MessageFor(kRefusals, reply.status, kExchangeFailed));
+  if (reply.status == statusSuccess) return true;
+  ShowMessage(parent, MB_OK, MessageFor(refusals, reply.status, exchangeFailed));
   return false;
 }
 

@@ -8,20 +8,20 @@
 namespace nvsupport {
 namespace {
 
-constexpr std::int32_t kOperation = 11;
-constexpr std::size_t kLongestToken = 19;  // fills the host's buffer with its terminator
+constexpr std::int32_t operation = 11;
+constexpr std::size_t longestToken = 19;  // fills the host's buffer with its terminator
 
 }  // namespace
 
 std::string CVServiceManager::GetSessionToken(HWND parent) {
   if (m_password.empty() && !Login(parent)) return {};
 
-  CWebBinaryCGI cgi(kAccountCgi, true);
-  cgi.WriteValue(kOperation);
+  CWebBinaryCGI cgi(accountCgi, true);
+  cgi.WriteValue(operation);
   cgi.WriteString(m_userId);
   cgi.WriteString(m_password);
   const StatusReply reply = SendForStatus(cgi);
-  if (!reply.answered || reply.status != kStatusSuccess) return {};
+  if (!reply.answered || reply.status != statusSuccess) return {};
 
   std::string token;
   cgi.ReadString(token);
@@ -35,7 +35,7 @@ bool xff99a5e4(NVWindow parent, char* token) {
   try {
     if (nvsupport::g_serviceManager == nullptr) return false;
     const std::string text = nvsupport::g_serviceManager->GetSessionToken(static_cast<HWND>(parent));
-    if (text.size() > nvsupport::kLongestToken) return false;
+    if (text.size() > nvsupport::longestToken) return false;
     std::copy_n(text.c_str(), text.size() + 1, token);
     return token[0] != '\0';
   } catch (...) {

@@ -9,19 +9,19 @@
 namespace nvsupport {
 namespace {
 
-constexpr std::int32_t kOperation = 8;
-constexpr std::int32_t kStateSignedIn = 0;
-constexpr std::int32_t kStateComputerUnnamed = 1;
+constexpr std::int32_t operation = 8;
+constexpr std::int32_t stateSignedIn = 0;
+constexpr std::int32_t stateComputerUnnamed = 1;
 
-constexpr char kForgotPage[] = "https://" NV_SERVICE_HOST "/forgot.htm";
+constexpr char forgotPage[] = "https://" NV_SERVICE_HOST "/forgot.htm";
 
-constexpr char kCredentialMissing[] = "You must provide a user name and password to access your account.";
-constexpr char kExchangeFailed[] = "A problem occured communicating with the server";
-constexpr StatusMessage kRefusals[] = {
-    {kStatusWrongUserId,
+constexpr char credentialMissing[] = "You must provide a user name and password to access your account.";
+constexpr char exchangeFailed[] = "A problem occured communicating with the server";
+constexpr StatusMessage refusals[] = {
+    {statusWrongUserId,
      "The User ID is not correct. If you have lost your ID, click the \"I Forgot\" button. Do not create more than "
      "one account."},
-    {kStatusWrongPassword,
+    {statusWrongPassword,
      "The Password is not correct. If you have lost your password, click the \"I Forgot\" button."},
 };
 
@@ -54,8 +54,8 @@ bool CVServiceManager::Login(HWND parent) {
 
     void onDialogCommand(int id, HWND control, int code) override {
       if (code == 0 && id == IDC_CREATE_ACCOUNT) return OnCreateAccount();
-      if (code == 0 && id == IDC_FORGOT) return static_cast<void>(OpenDocument(kForgotPage, hwnd));
-      if (code == 0 && id == IDC_HELP_PAGE) return static_cast<void>(OpenDocument(kHelpPage, hwnd));
+      if (code == 0 && id == IDC_FORGOT) return static_cast<void>(OpenDocument(forgotPage, hwnd));
+      if (code == 0 && id == IDC_HELP_PAGE) return static_cast<void>(OpenDocument(helpPage, hwnd));
       Dialog::onDialogCommand(id, control, code);
     }
 
@@ -82,7 +82,7 @@ bool CVServiceManager::Login(HWND parent) {
 
 bool CVServiceManager::VerifyAccount(HWND parent) {
   if (m_userId.empty() || m_password.empty()) {
-    ShowMessage(parent, MB_ICONINFORMATION, kCredentialMissing);
+    ShowMessage(parent, MB_ICONINFORMATION, credentialMissing);
     return false;
   }
 
@@ -90,17 +90,17 @@ bool CVServiceManager::VerifyAccount(HWND parent) {
   std::int32_t state = -1;
   {
     // The connection goes before the user is asked anything further.
-    CWebBinaryCGI cgi(kAccountCgi, true);
-    cgi.WriteValue(kOperation);
+    CWebBinaryCGI cgi(accountCgi, true);
+    cgi.WriteValue(operation);
     cgi.WriteString(m_userId);
     cgi.WriteString(m_password);
     cgi.WriteValue(m_deviceId);
     reply = SendForStatus(cgi);
-    if (reply.status == kStatusSuccess) cgi.ReadValue(state);
+    if (reply.status == statusSuccess) cgi.ReadValue(state);
   }
-  if (reply.status == kStatusSuccess && state == kStateSignedIn) return true;
-  if (reply.status == kStatusSuccess && state == kStateComputerUnnamed) return SetDeviceName(parent);
-  ShowMessage(parent, MB_OK, MessageFor(kRefusals, reply.status, kExchangeFailed));
+  if (reply.status == statusSuccess && state == stateSignedIn) return true;
+  if (reply.status == statusSuccess && state == stateComputerUnnamed) return SetDeviceName(parent);
+  ShowMessage(parent, MB_OK, MessageFor(refusals, reply.status, exchangeFailed));
   return false;
 }
 

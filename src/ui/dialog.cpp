@@ -12,13 +12,13 @@ namespace nvsupport {
 namespace {
 
 // Dialogs from here on come from the resource library.
-constexpr std::uint32_t kFirstResourceLibraryId = 5000;
-constexpr INT_PTR kDialogFailed = -1;
+constexpr std::uint32_t firstResourceLibraryId = 5000;
+constexpr INT_PTR dialogFailed = -1;
 
 }  // namespace
 
 HINSTANCE ResourceModuleFor(std::uint32_t id) {
-  if (id < kFirstResourceLibraryId) {
+  if (id < firstResourceLibraryId) {
     if (g_moduleHandle == nullptr) g_moduleHandle = GetModuleHandleA(nullptr);
     return g_moduleHandle;
   }
@@ -63,7 +63,7 @@ INT_PTR Dialog::run(HWND parent) {
 
   const INT_PTR result = DialogBoxParamA(ResourceModuleFor(dialogId), MAKEINTRESOURCEA(static_cast<WORD>(dialogId)),
                                          parent, &Dialog::dialogProc, reinterpret_cast<LPARAM>(this));
-  if (result == kDialogFailed) {
+  if (result == dialogFailed) {
     const std::string text =
         FormatText("Dialog %d failed: err=0x%x", static_cast<int>(dialogId), static_cast<unsigned int>(GetLastError()));
     MessageBoxA(parent, text.c_str(), "Internal error", MB_ICONERROR);

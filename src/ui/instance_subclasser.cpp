@@ -4,7 +4,7 @@ namespace nvsupport {
 namespace {
 
 // A chain that is longer was damaged; the bound keeps a search in one from running on without end.
-constexpr int kLongestChain = 1001;
+constexpr int longestChain = 1001;
 
 SubclassRecord* HeadRecord(HWND window) {
   return reinterpret_cast<SubclassRecord*>(GetWindowLongPtrA(window, GWLP_USERDATA));
@@ -25,7 +25,7 @@ WNDPROC InstallProc(HWND window, WNDPROC procedure) {
 
 SubclassRecord* InstanceSubclasser::find(HWND window) const {
   SubclassRecord* record = HeadRecord(window);
-  for (int compared = 0; record != nullptr && compared < kLongestChain; ++compared, record = record->next) {
+  for (int compared = 0; record != nullptr && compared < longestChain; ++compared, record = record->next) {
     if (record->ownerProc == proc) return record;
   }
   return nullptr;

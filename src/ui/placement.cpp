@@ -6,10 +6,10 @@ namespace nvsupport {
 namespace {
 
 // Moves only: size, order and active window stay, and nothing of the old place is copied.
-constexpr UINT kMoveFlags = SWP_NOSIZE | SWP_NOZORDER | SWP_NOCOPYBITS | SWP_NOACTIVATE;
+constexpr UINT moveFlags = SWP_NOSIZE | SWP_NOZORDER | SWP_NOCOPYBITS | SWP_NOACTIVATE;
 
 void MoveWindowTo(HWND window, LONG x, LONG y) {
-  SetWindowPos(window, nullptr, static_cast<int>(x), static_cast<int>(y), 0, 0, kMoveFlags);
+  SetWindowPos(window, nullptr, static_cast<int>(x), static_cast<int>(y), 0, 0, moveFlags);
 }
 
 // What a dialog's place is relative to; null stands for the screen.

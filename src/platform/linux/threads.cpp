@@ -17,8 +17,8 @@
 
 namespace {
 
-constexpr DWORD kErrorNotEnoughMemory = 8;
-constexpr DWORD kErrorInvalidHandle = 6;
+constexpr DWORD errorNotEnoughMemory = 8;
+constexpr DWORD errorInvalidHandle = 6;
 
 class Waitable : public platform::HandleObject {
  public:
@@ -93,7 +93,7 @@ class Thread final : public Waitable {
 template <typename Kind>
 Kind* KindOf(HANDLE handle) {
   auto* const object = dynamic_cast<Kind*>(static_cast<platform::HandleObject*>(handle));
-  if (object == nullptr) SetLastError(kErrorInvalidHandle);
+  if (object == nullptr) SetLastError(errorInvalidHandle);
   return object;
 }
 
@@ -108,14 +108,14 @@ HANDLE CreateThread(struct SECURITY_ATTRIBUTES*, std::uintptr_t, LPTHREAD_START_
                     LPDWORD) try {
   return HandleOf(std::make_unique<Thread>(start, parameter));
 } catch (const std::exception&) {
-  SetLastError(kErrorNotEnoughMemory);
+  SetLastError(errorNotEnoughMemory);
   return nullptr;
 }
 
 HANDLE CreateEventA(struct SECURITY_ATTRIBUTES*, BOOL manualReset, BOOL initialState, LPCSTR) try {
   return HandleOf(std::make_unique<Event>(manualReset != FALSE, initialState != FALSE));
 } catch (const std::exception&) {
-  SetLastError(kErrorNotEnoughMemory);
+  SetLastError(errorNotEnoughMemory);
   return nullptr;
 }
 
