@@ -1,12 +1,22 @@
 // What happens when the platform loads and unloads the module.
+#include <exception>
+
 #include "core/module_handle.h"
+#include "language/translation_catalogue.h"
 #include "platform/platform.h"
+#include "ui/message.h"
 
 namespace nvsupport {
 namespace {
 
 void Attach(HINSTANCE module) {
   g_moduleHandle = module;
+  try {
+    translations.Init(module);
+    SetMessageCaption(Translate("Account Manager"));
+  } catch (const std::exception&) {
+    // Out of memory: the texts that are there stay in force, and loading goes on.
+  }
 }
 
 void Detach() {}
