@@ -9,6 +9,7 @@
 #include <string>
 
 #include "platform/platform.h"
+#include "user/display_selection.h"
 
 namespace {
 
@@ -33,6 +34,7 @@ ModuleEntry::ModuleEntry() {
 }
 ModuleEntry::~ModuleEntry() {
   DllMain(ThisModule(), DLL_PROCESS_DETACH, nullptr);
+  user::CloseDisplay();
 }
 
 }  // namespace platform

@@ -1,6 +1,6 @@
 // A display without a screen, on which a program plays the user: for tests, in the process that shows the dialogs.
 // Between UseHeadlessDisplay(user) and UseHeadlessDisplay(nullptr) every dialog and message box of that thread is
-// played. `user` is not owned.
+// played; what the display recorded stays until the next user. `user` is not owned.
 #ifndef NVSUPPORT_PLATFORM_LINUX_USER_HEADLESS_DISPLAY_H
 #define NVSUPPORT_PLATFORM_LINUX_USER_HEADLESS_DISPLAY_H
 
@@ -27,7 +27,7 @@ class HeadlessUser {
   ~HeadlessUser() = default;
 };
 
-// What the screen looks like, free to set before a dialog opens; UseHeadlessDisplay sets it back.
+// What the screen looks like, free to set before a dialog opens; a new user finds it as here.
 struct HeadlessScreen {
   RECT workArea{0, 0, 1280, 1024};
   int frameWidth = 4;

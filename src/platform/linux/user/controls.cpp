@@ -1,0 +1,126 @@
+#include "controls.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "../multibyte.h"
+#include "display_selection.h"
+#include "focus.h"
+#include "styles.h"
+#include "window_tree.h"
+
+namespace user {
+namespace {
+
+constexpr int kIndeterminate = 2;
+
+LRESULT SetText(Window& window, LPARAM text) {
+  window.text = text != 0 ? reinterpret_cast<LPCSTR>(text) : "";
+  if (Display* display = OpenedDisplay()) display->SetText(window.handle, platform::ToUtf8(window.text));
+  return TRUE;
+}
+
+LRESULT CopyText(const Window& window, WPARAM size, LPARAM buffer) {
+  if (size == 0 || buffer == 0) return 0;
+  const std::size_t length = std::min<std::size_t>(size - 1, window.text.size());
+  char* to = reinterpret_cast<LPSTR>(buffer);
+  std::memcpy(to, window.text.data(), length);
+  to[length] = '\0';
+  return static_cast<LRESULT>(length);
+}
+
+int LargestCheckState(LONG_PTR style) {
+  switch (style & kStyleControlType) {
+    case kCheckBox:
+    case kAutoCheckBox:
+      return 1;
+    case kThreeState:
+    case kAutoThreeState:
+      return kIndeterminate;
+    default:
+      return 0;
+  }
+}
+
+void SetCheckState(Window& button, int state) {
+  button.checkState = state;
+  if (Display* display = OpenedDisplay()) display->SetCheck(button.handle, state);
+}
+
+LRESULT CALLBACK EditProcedure(HWND edit, UINT message, WPARAM wParam, LPARAM lParam) {
+  const LRESULT result = DefaultWindowProcedure(edit, message, wParam, lParam);
+  if (message == WM_SETTEXT) NotifyTextChange(edit);
+  return result;
+}
+
+LRESULT CALLBACK ButtonProcedure(HWND button, UINT message, WPARAM wParam, LPARAM lParam) {
+  Window* window = Find(button);
+  if (window == nullptr) return 0;
+  switch (message) {
+    case BM_GETCHECK:
+      return window->checkState;
+    case BM_SETCHECK: {
+      const int largest = LargestCheckState(window->style);
+      if (largest > 0) SetCheckState(*window, static_cast<int>(std::min<WPARAM>(wParam, WPARAM(largest))));
+      return 0;
+    }
+    case BM_CLICK:
+      ClickButton(button);
+      return 0;
+    default:
+      return DefaultWindowProcedure(button, message, wParam, lParam);
+  }
+}
+
+}  // namespace
+
+WNDPROC ControlProcedure(ControlKind kind) {
+  switch (kind) {
+    case ControlKind::label:
+      return DefaultWindowProcedure;
+    case ControlKind::edit:
+      return EditProcedure;
+    default:
+      return ButtonProcedure;
+  }
+}
+
+LRESULT CALLBACK DefaultWindowProcedure(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {
+  Window* window = Find(handle);
+  if (window == nullptr) return 0;
+  switch (message) {
+    case WM_SETTEXT:
+      return SetText(*window, lParam);
+    case WM_GETTEXT:
+      return CopyText(*window, wParam, lParam);
+    case WM_GETTEXTLENGTH:
+      return static_cast<LRESULT>(window->text.size());
+    default:
+      return 0;
+  }
+}
+
+void NotifyDialog(HWND control, WORD code) {
+  const Window* window = Find(control);
+  if (window == nullptr) return;
+  SendMessageA(window->parent, WM_COMMAND, PackWords(static_cast<WORD>(window->id), code),
+               reinterpret_cast<LPARAM>(control));
+}
+
+void NotifyTextChange(HWND edit) {
+  NotifyDialog(edit, kEditUpdate);
+  NotifyDialog(edit, kEditChange);
+}
+
+void ClickButton(HWND button) {
+  FocusControl(button, false);
+  Window* window = Find(button);
+  if (window == nullptr || window->dialog || !window->enabled) return;
+  const LONG_PTR type = window->style & kStyleControlType;
+  if (type == kAutoCheckBox || type == kAutoThreeState) {
+    SetCheckState(*window, window->checkState < LargestCheckState(window->style) ? window->checkState + 1 : 0);
+  }
+  NotifyDialog(button, kButtonClicked);
+}
+
+}  // namespace user

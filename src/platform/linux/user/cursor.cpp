@@ -1,0 +1,47 @@
+// The cursor. The wait cursor is shown by a second thread, while the thread of the dialogs is blocked; a process that
+// has opened no window has no cursor of ours.
+#include "../threads.h"
+#include "display_selection.h"
+#include "user.h"
+
+namespace {
+
+// The thread whose input the calling one has joined, or 0.
+thread_local DWORD joinedThread = 0;
+
+}  // namespace
+
+// Shared cursors are known by their number.
+HCURSOR LoadCursorA(HINSTANCE module, LPCSTR name) {
+  return module == nullptr ? reinterpret_cast<HCURSOR>(const_cast<LPSTR>(name)) : nullptr;
+}
+
+HCURSOR SetCursor(HCURSOR cursor) {
+  const DWORD thread = joinedThread != 0 ? joinedThread : GetCurrentThreadId();
+  user::Display* display = user::DisplayOfThread(thread);
+  if (display != nullptr && cursor == LoadCursorA(nullptr, IDC_WAIT)) display->ShowWaitCursor();
+  return nullptr;
+}
+
+BOOL GetCursorPos(POINT* point) {
+  user::Display* display = user::OpenedDisplay();
+  const std::optional<POINT> position = display != nullptr ? display->CursorPosition() : std::nullopt;
+  if (!position) return FALSE;
+  *point = *position;
+  return TRUE;
+}
+
+// The pointer is the user's and stays where it is: what is wanted is the other effect, that the window below it
+// chooses its cursor again.
+BOOL SetCursorPos(int, int) {
+  user::Display* display = user::OpenedDisplay();
+  if (display == nullptr) return FALSE;
+  display->RestoreCursor();
+  return TRUE;
+}
+
+BOOL AttachThreadInput(DWORD thread, DWORD toThread, BOOL attach) {
+  if (thread != GetCurrentThreadId()) return FALSE;
+  joinedThread = attach != FALSE ? toThread : 0;
+  return TRUE;
+}

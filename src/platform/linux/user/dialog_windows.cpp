@@ -1,0 +1,129 @@
+#include "dialog_windows.h"
+
+#include "../multibyte.h"
+#include "controls.h"
+#include "dialog_manager.h"
+#include "display_selection.h"
+#include "focus.h"
+#include "styles.h"
+
+namespace user {
+namespace {
+
+constexpr int kUnitsAcross = 4;  // of the average character
+constexpr int kUnitsDown = 8;
+
+LONG ToPixels(int units, LONG base, int unitsOfBase) {
+  const int scaled = units * static_cast<int>(base) * 2 / unitsOfBase;
+  return static_cast<LONG>((scaled + (scaled < 0 ? -1 : 1)) / 2);
+}
+
+RECT ToPixels(const UnitRect& place, POINT base) {
+  const LONG left = ToPixels(place.x, base.x, kUnitsAcross);
+  const LONG top = ToPixels(place.y, base.y, kUnitsDown);
+  return {left, top, left + ToPixels(place.width, base.x, kUnitsAcross),
+          top + ToPixels(place.height, base.y, kUnitsDown)};
+}
+
+HWND CreateControl(const ControlTemplate& form, HWND dialog, POINT base) {
+  Window& window = NewWindow();
+  window.parent = dialog;
+  window.kind = form.kind;
+  window.id = form.id;
+  window.style = form.style;
+  window.rectangle = ToPixels(form.place, base);
+  window.text = platform::FromUtf8(form.text);
+  window.procedure = ControlProcedure(form.kind);
+  window.enabled = (form.style & kStyleDisabled) == 0;
+  return window.handle;
+}
+
+ControlView ViewOfControl(const Window& window) {
+  const LONG_PTR type = window.style & kStyleControlType;
+  ControlView view{};
+  view.handle = window.handle;
+  view.kind = window.kind;
+  view.id = window.id;
+  view.rectangle = window.rectangle;
+  view.text = platform::ToUtf8(window.text);
+  view.alignRight = window.kind == ControlKind::label && type == kLabelRight;
+  view.password = window.kind == ControlKind::edit && (window.style & kStylePassword) != 0;
+  view.defaultButton = window.kind == ControlKind::pushButton && type == kDefaultPushButton;
+  view.threeState = window.kind == ControlKind::checkBox && (type == kThreeState || type == kAutoThreeState);
+  view.tabStop = (window.style & kStyleTabStop) != 0;
+  return view;
+}
+
+DialogView ViewOfDialog(const Window& dialog, const RECT& client) {
+  DialogView view{};
+  view.handle = dialog.handle;
+  view.owner = DialogOf(dialog.dialog->owner);
+  view.foreignOwner = ForeignId(dialog.dialog->owner);
+  view.title = platform::ToUtf8(dialog.text);
+  view.width = client.right - client.left;
+  view.height = client.bottom - client.top;
+  for (const HWND control : dialog.dialog->controls) view.controls.push_back(ViewOfControl(*Find(control)));
+  return view;
+}
+
+void RemoveWindows(HWND dialog) {
+  const std::vector<HWND> controls = FindDialog(dialog)->dialog->controls;
+  for (const HWND control : controls) RemoveWindow(control);
+  RemoveWindow(dialog);
+}
+
+void DisableOnDisplay(Display& display, const DialogState& dialog) {
+  for (const HWND control : dialog.controls) {
+    if (!Find(control)->enabled) display.SetEnabled(control, false);
+  }
+}
+
+// The last messages to a window; it is gone from the core after them.
+void TakeDown(HWND handle) {
+  Window* window = Find(handle);
+  if (window == nullptr || window->destroying) return;
+  window->destroying = true;
+  for (const HWND owned : OwnedDialogs(handle)) DestroyWindow(owned);
+  SendMessageA(handle, WM_DESTROY, 0, 0);
+  ForgetFocus(handle);
+  window = Find(handle);
+  const std::vector<HWND> controls = window->dialog ? window->dialog->controls : std::vector<HWND>();
+  for (const HWND control : controls) TakeDown(control);
+  SendMessageA(handle, WM_NCDESTROY, 0, 0);
+  RemoveWindow(handle);
+}
+
+}  // namespace
+
+HWND CreateDialogWindows(Display& display, const DialogTemplate& form, HWND owner, DLGPROC procedure, ModalRun& run) {
+  const POINT base = display.BaseUnits();
+  Window& window = NewWindow();
+  const HWND handle = window.handle;
+  window.style = form.style;
+  window.text = platform::FromUtf8(form.title);
+  window.procedure = DialogWindowProcedure;
+  window.dialog.emplace(DialogState{procedure, owner, &run, {}});
+  for (const ControlTemplate& control : form.controls) {
+    window.dialog->controls.push_back(CreateControl(control, handle, base));
+  }
+  if (!display.CreateDialogWindow(ViewOfDialog(window, ToPixels(form.place, base)))) {
+    RemoveWindows(handle);
+    return nullptr;
+  }
+  DisableOnDisplay(display, *window.dialog);
+  return handle;
+}
+
+}  // namespace user
+
+BOOL DestroyWindow(HWND handle) {
+  const user::Window* window = user::Find(handle);
+  if (window == nullptr || window->destroying) return FALSE;
+  // A dialog that goes without EndDialog ends its run too.
+  if (window->dialog) window->dialog->run->ended = true;
+  const bool isDialog = window->dialog.has_value();
+  user::TakeDown(handle);
+  user::Display* display = user::OpenedDisplay();
+  if (isDialog && display != nullptr) display->DestroyDialogWindow(handle);
+  return TRUE;
+}

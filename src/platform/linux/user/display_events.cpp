@@ -1,0 +1,83 @@
+#include "display_events.h"
+
+#include "../multibyte.h"
+#include "controls.h"
+#include "dialog_manager.h"
+#include "display_selection.h"
+#include "focus.h"
+#include "styles.h"
+#include "window_tree.h"
+
+namespace user {
+namespace {
+
+constexpr WPARAM kLeftButtonDown = 1;
+
+// False for windows that are gone, disabled by a dialog of their own, or on their way out.
+bool TakesInput(HWND window) {
+  const Window* found = Find(window);
+  const Window* dialog = FindDialog(DialogOf(window));
+  return found != nullptr && found->enabled && dialog != nullptr && dialog->enabled && !dialog->dialog->run->ended;
+}
+
+LPARAM PackPoint(POINT point) {
+  return static_cast<LPARAM>(PackWords(static_cast<WORD>(point.x), static_cast<WORD>(point.y)));
+}
+
+class Events final : public DisplayEvents {
+ public:
+  void OnClick(HWND control) override {
+    if (TakesInput(control)) ClickButton(control);
+  }
+
+  void OnTextEdited(HWND edit, const std::string& text) override {
+    Window* window = FindControl(edit, ControlKind::edit);
+    if (window == nullptr || !TakesInput(edit)) return;
+    window->text = platform::FromUtf8(text);
+    NotifyTextChange(edit);
+  }
+
+  void OnFocus(HWND control) override {
+    if (TakesInput(control)) GiveFocus(control);
+  }
+
+  void OnEnter(HWND dialog) override {
+    if (TakesInput(dialog)) PressEnter(dialog);
+  }
+
+  void OnEscape(HWND dialog) override {
+    if (TakesInput(dialog)) PressButton(dialog, IDCANCEL);
+  }
+
+  void OnCloseBox(HWND dialog) override {
+    if (TakesInput(dialog)) SendMessageA(dialog, WM_CLOSE, 0, 0);
+  }
+
+  void OnDragged(HWND dialog) override {
+    Display* display = OpenedDisplay();
+    if (display == nullptr || !TakesInput(dialog)) return;
+    RECT rectangle = display->WindowRect(dialog);
+    SendMessageA(dialog, WM_MOVING, 0, reinterpret_cast<LPARAM>(&rectangle));
+    SendMessageA(dialog, WM_MOVE, 0, PackPoint(display->ClientOrigin(dialog)));
+  }
+
+  // The wheel is the dialog's, over whichever of its controls it turns: none of them scrolls.
+  void OnWheel(HWND window, int delta, POINT screenPoint) override {
+    if (!TakesInput(window)) return;
+    SendMessageA(DialogOf(window), WM_MOUSEWHEEL, PackWords(0, static_cast<WORD>(delta)), PackPoint(screenPoint));
+  }
+
+  void OnLeftButton(HWND window, bool doubleClick, POINT clientPoint) override {
+    if (!TakesInput(window)) return;
+    SendMessageA(window, doubleClick ? WM_LBUTTONDBLCLK : WM_LBUTTONDOWN, kLeftButtonDown, PackPoint(clientPoint));
+  }
+};
+
+}  // namespace
+
+DisplayEvents& CoreEvents() {
+  static Events events;
+  return events;
+}
+
+}  // namespace user

@@ -1,0 +1,87 @@
+// Modal dialogs from opening to end.
+#include <cstdio>
+
+#include "../module.h"
+#include "dialog_windows.h"
+#include "display_selection.h"
+#include "focus.h"
+#include "owner.h"
+#include "styles.h"
+#include "user.h"
+
+namespace user {
+namespace {
+
+constexpr DWORD kErrorResourceNotFound = 1814;
+constexpr DWORD kErrorInvalidData = 13;
+constexpr DWORD kErrorNoInteractiveStation = 1459;
+constexpr DWORD kErrorNotEnoughMemory = 8;
+constexpr INT_PTR kFailed = -1;
+
+// Any value but 0: the display chooses the font.
+constexpr WPARAM kDialogFont = 1;
+
+INT_PTR Fail(DWORD error) {
+  SetLastError(error);
+  return kFailed;
+}
+
+void Initialise(HWND dialog, const DialogTemplate& form, LPARAM initParam) {
+  if ((form.style & kStyleSetFont) != 0) SendMessageA(dialog, WM_SETFONT, kDialogFont, FALSE);
+  const HWND first = NextTabStop(dialog, nullptr, false);
+  if (SendMessageA(dialog, WM_INITDIALOG, reinterpret_cast<WPARAM>(first), initParam) == 0) return;
+  if (IsWindow(first)) FocusControl(first, true);
+}
+
+void Show(Display& display, HWND dialog) {
+  display.ShowDialogWindow(dialog);
+  const Window* window = FindDialog(dialog);
+  // The owner's controls lose the focus to the dialog even if none of its own has it.
+  if (window != nullptr && DialogOf(FocusedControlOfProcess()) != dialog) GiveFocus(window->dialog->focus);
+}
+
+void RunUntilEnded(Display& display, HWND dialog, const DialogTemplate& form, LPARAM initParam, const ModalRun& run) {
+  Initialise(dialog, form, initParam);
+  if (!run.ended) Show(display, dialog);
+  if (!run.ended) display.RunModal(dialog, run.ended);
+}
+
+INT_PTR RunDialog(Display& display, const DialogTemplate& form, HWND ownerWindow, DLGPROC procedure, LPARAM initParam) {
+  const HWND owner = OwnerFor(display, ownerWindow);
+  const HWND focusBefore = FocusedControlOfProcess();
+  DisabledOwner disabled(display, owner);
+  ModalRun run;
+  const HWND dialog = CreateDialogWindows(display, form, owner, procedure, run);
+  if (dialog == nullptr) return Fail(kErrorNotEnoughMemory);
+  RunUntilEnded(display, dialog, form, initParam, run);
+  disabled.Enable();
+  GiveFocus(IsWindow(focusBefore) ? focusBefore : nullptr);
+  DestroyWindow(dialog);
+  return run.result;
+}
+
+}  // namespace
+}  // namespace user
+
+INT_PTR DialogBoxParamA(HINSTANCE module, LPCSTR dialogTemplate, HWND owner, DLGPROC dialogProc, LPARAM initParam) {
+  const user::Bytes bytes = user::FindDialogTemplate(module, dialogTemplate);
+  if (bytes.empty()) return user::Fail(user::kErrorResourceNotFound);
+  const auto form = user::ParseDialogTemplate(bytes);
+  if (!form) return user::Fail(user::kErrorInvalidData);
+  user::Display* display = user::OpenDisplay();
+  if (display == nullptr) {
+    std::fprintf(stderr, "No display for the dialog \"%s\"\n", form->title.c_str());
+    return user::Fail(user::kErrorNoInteractiveStation);
+  }
+  return user::RunDialog(*display, *form, owner, dialogProc, initParam);
+}
+
+BOOL EndDialog(HWND dialog, INT_PTR result) {
+  const user::Window* window = user::FindDialog(dialog);
+  if (window == nullptr) return FALSE;
+  user::ModalRun& run = *window->dialog->run;
+  if (run.ended) return TRUE;
+  run.result = result;
+  run.ended = true;
+  return TRUE;
+}

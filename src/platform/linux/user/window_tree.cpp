@@ -1,0 +1,156 @@
+#include "window_tree.h"
+
+#include <algorithm>
+#include <map>
+
+#include "display_selection.h"
+#include "styles.h"
+
+namespace user {
+namespace {
+
+constexpr std::uintptr_t kLargestForeignId = 0xFFFFFFFF;
+constexpr std::uintptr_t kDesktop = kLargestForeignId + 1;
+constexpr std::uintptr_t kHandleStep = 4;
+
+struct WindowTable {
+  std::map<HWND, Window> windows;
+  std::uintptr_t last = kDesktop;
+};
+
+WindowTable& Table() {
+  static WindowTable table;
+  return table;
+}
+
+}  // namespace
+
+Window& NewWindow() {
+  WindowTable& table = Table();
+  table.last += kHandleStep;
+  const HWND handle = reinterpret_cast<HWND>(table.last);
+  Window& window = table.windows[handle];
+  window.handle = handle;
+  return window;
+}
+
+void RemoveWindow(HWND handle) {
+  Table().windows.erase(handle);
+}
+
+Window* Find(HWND handle) {
+  auto& windows = Table().windows;
+  const auto found = windows.find(handle);
+  return found != windows.end() ? &found->second : nullptr;
+}
+
+Window* FindDialog(HWND handle) {
+  Window* window = Find(handle);
+  return window != nullptr && window->dialog ? window : nullptr;
+}
+
+Window* FindControl(HWND handle, ControlKind kind) {
+  Window* window = Find(handle);
+  return window != nullptr && !window->dialog && window->kind == kind ? window : nullptr;
+}
+
+HWND DialogOf(HWND handle) {
+  const Window* window = Find(handle);
+  if (window == nullptr) return nullptr;
+  return window->dialog ? handle : window->parent;
+}
+
+std::vector<HWND> OwnedDialogs(HWND owner) {
+  std::vector<HWND> owned;
+  for (const auto& [handle, window] : Table().windows) {
+    if (window.dialog && window.dialog->owner == owner) owned.push_back(handle);
+  }
+  return owned;
+}
+
+std::uintptr_t ForeignId(HWND handle) {
+  const auto id = reinterpret_cast<std::uintptr_t>(handle);
+  return id <= kLargestForeignId ? id : 0;
+}
+
+}  // namespace user
+
+BOOL IsWindow(HWND window) {
+  if (user::Find(window) != nullptr || (window != nullptr && window == GetDesktopWindow())) return TRUE;
+  const std::uintptr_t foreign = user::ForeignId(window);
+  user::Display* display = user::OpenedDisplay();
+  return foreign != 0 && display != nullptr && display->ForeignRect(foreign).has_value();
+}
+
+HWND GetParent(HWND window) {
+  const user::Window* found = user::Find(window);
+  if (found == nullptr) return nullptr;
+  if (!found->dialog) return found->parent;
+  return (found->style & (WS_CHILD | user::kStylePopup)) != 0 ? found->dialog->owner : nullptr;
+}
+
+HWND GetWindow(HWND window, UINT relation) {
+  const user::Window* found = user::FindDialog(window);
+  if (found == nullptr || relation != GW_OWNER || (found->style & WS_CHILD) != 0) return nullptr;
+  return found->dialog->owner;
+}
+
+HWND GetDesktopWindow() {
+  return reinterpret_cast<HWND>(user::kDesktop);
+}
+
+HWND GetDlgItem(HWND dialog, int id) {
+  const user::Window* found = user::FindDialog(dialog);
+  if (found == nullptr) return nullptr;
+  for (const HWND control : found->dialog->controls) {
+    const user::Window* window = user::Find(control);
+    if (window != nullptr && window->id == id) return control;
+  }
+  return nullptr;
+}
+
+BOOL EnumChildWindows(HWND parent, WNDENUMPROC callback, LPARAM lParam) {
+  const user::Window* found = user::FindDialog(parent);
+  if (found == nullptr) return FALSE;
+  // A copy, because the callback may destroy the windows.
+  const std::vector<HWND> controls = found->dialog->controls;
+  for (const HWND control : controls) {
+    if (user::Find(control) != nullptr && callback(control, lParam) == 0) return FALSE;
+  }
+  return TRUE;
+}
+
+LONG_PTR GetWindowLongPtrA(HWND window, int index) {
+  const user::Window* found = user::Find(window);
+  if (found == nullptr) return 0;
+  switch (index) {
+    case GWL_STYLE:
+      return found->style;
+    case GWLP_WNDPROC:
+      return reinterpret_cast<LONG_PTR>(found->procedure);
+    case GWLP_USERDATA:
+      return found->userData;
+    default:
+      return 0;
+  }
+}
+
+LONG_PTR SetWindowLongPtrA(HWND window, int index, LONG_PTR value) {
+  user::Window* found = user::Find(window);
+  if (found == nullptr) return 0;
+  const LONG_PTR before = GetWindowLongPtrA(window, index);
+  switch (index) {
+    case GWL_STYLE:
+      found->style = value;
+      break;
+    case GWLP_WNDPROC:
+      found->procedure = reinterpret_cast<WNDPROC>(value);
+      break;
+    case GWLP_USERDATA:
+      found->userData = value;
+      break;
+    default:
+      break;
+  }
+  return before;
+}

@@ -1,0 +1,64 @@
+// All windows that the core made: dialogs and their controls, found by handle. Handles count up and are never used
+// again, so a stale one finds nothing; they lie above every X11 window id, so the two cannot be mixed up. A pointer to
+// a Window is good until the next call of a window procedure: look the handle up again after it.
+#ifndef NVSUPPORT_PLATFORM_LINUX_USER_WINDOW_TREE_H
+#define NVSUPPORT_PLATFORM_LINUX_USER_WINDOW_TREE_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "display.h"
+#include "user.h"
+
+namespace user {
+
+// One modal run of a dialog; lives on the stack of DialogBoxParamA.
+struct ModalRun {
+  bool ended = false;
+  INT_PTR result = 0;
+};
+
+struct DialogState {
+  DLGPROC procedure;
+  HWND owner;  // a dialog, a window of the host's own, or null
+  ModalRun* run;
+  std::vector<HWND> controls;  // in template order
+  HWND focus = nullptr;        // the control that has the focus while the dialog is active
+};
+
+struct Window {
+  HWND handle = nullptr;
+  HWND parent = nullptr;  // a control's dialog
+  int id = 0;
+  LONG_PTR style = 0;
+  RECT rectangle{};  // of a control: pixels in its dialog's client area
+  std::string text;  // in the code page
+  WNDPROC procedure = nullptr;
+  LONG_PTR userData = 0;
+  bool enabled = true;
+  bool destroying = false;
+  ControlKind kind = ControlKind::label;  // of a control
+  int checkState = 0;                     // of a check box: 0, 1, 2 for indeterminate
+  std::optional<DialogState> dialog;      // of a dialog
+};
+
+Window& NewWindow();
+void RemoveWindow(HWND handle);
+
+// Null for a handle that is no live window of the core's.
+Window* Find(HWND handle);
+Window* FindDialog(HWND handle);
+Window* FindControl(HWND handle, ControlKind kind);
+// The dialog that a control belongs to; a dialog itself; null for anything else.
+HWND DialogOf(HWND handle);
+// Dialogs that have this window as owner.
+std::vector<HWND> OwnedDialogs(HWND owner);
+
+// The X11 window id that a handle which the core did not make stands for; 0 if it cannot be one.
+std::uintptr_t ForeignId(HWND handle);
+
+}  // namespace user
+
+#endif
