@@ -1,0 +1,144 @@
+// Conversions by iconv, between UTF-8 and the code page that the user's environment names.
+#include "multibyte.h"
+
+#include <iconv.h>
+#include <langinfo.h>
+#include <locale.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace {
+
+// The upper-case letters are the only ones that a compare without case folds.
+unsigned char FoldCase(unsigned char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<unsigned char>(c - 'A' + 'a') : c;
+}
+
+// The environment's code page. Where it names none or one that is not installed, UTF-8, of which ASCII is a part.
+std::string FindCodePage() {
+  const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
+  if (locale == nullptr) return "UTF-8";
+  const std::string name = nl_langinfo_l(CODESET, locale);
+  freelocale(locale);
+  return name == "ANSI_X3.4-1968" ? "UTF-8" : name;
+}
+
+const std::string& CodePage() {
+  static const std::string name = FindCodePage();
+  return name;
+}
+
+class Converter {
+ public:
+  Converter(const char* to, const char* from) : descriptor(iconv_open(to, from)) {}
+  ~Converter() {
+    if (IsOpen()) iconv_close(descriptor);
+  }
+  Converter(const Converter&) = delete;
+  Converter& operator=(const Converter&) = delete;
+
+  bool IsOpen() const { return descriptor != reinterpret_cast<iconv_t>(-1); }
+
+  // Appends what converts from the front of `rest` and takes it off. 0 when nothing is left, else EILSEQ for bytes
+  // that do not convert and EINVAL for a character that is cut off.
+  int Convert(std::string_view& rest, std::string& result) {
+    if (!IsOpen()) return rest.empty() ? 0 : EILSEQ;
+    char buffer[512];
+    int error = 0;
+    do {
+      char* in = const_cast<char*>(rest.data());  // iconv's signature; it only reads
+      char* out = buffer;
+      std::size_t left = rest.size();
+      std::size_t room = sizeof buffer;
+      error = iconv(descriptor, &in, &left, &out, &room) == static_cast<std::size_t>(-1) ? errno : 0;
+      result.append(buffer, out);
+      rest.remove_prefix(rest.size() - left);
+    } while (error == E2BIG);
+    return error;
+  }
+
+ private:
+  iconv_t descriptor;
+};
+
+// Windows-1252 differs from the first 256 characters of Unicode in these 32, from 0x80 up. Five are not assigned.
+constexpr char32_t windows1252[32] = {0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                      0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0xFFFD, 0x017D, 0xFFFD,
+                                      0xFFFD, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                      0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0xFFFD, 0x017E, 0x0178};
+
+void AppendWindows1252(std::string& utf8, unsigned char byte) {
+  const char32_t c = byte >= 0x80 && byte < 0xA0 ? windows1252[byte - 0x80] : byte;
+  if (c < 0x80) {
+    utf8 += static_cast<char>(c);
+  } else if (c < 0x800) {
+    utf8 += {static_cast<char>(0xC0 | c >> 6), static_cast<char>(0x80 | (c & 0x3F))};
+  } else {
+    utf8 += {static_cast<char>(0xE0 | c >> 12), static_cast<char>(0x80 | (c >> 6 & 0x3F)),
+             static_cast<char>(0x80 | (c & 0x3F))};
+  }
+}
+
+// Bytes at the end of `text` that begin a character without ending it.
+std::size_t CutCharacter(std::string_view text) {
+  Converter toUtf8("UTF-8", CodePage().c_str());
+  std::string ignored;
+  for (;;) {
+    const int error = toUtf8.Convert(text, ignored);
+    if (error != EILSEQ) return text.size();
+    text.remove_prefix(1);
+  }
+}
+
+void SkipUtf8Character(std::string_view& text) {
+  do text.remove_prefix(1);
+  while (!text.empty() && (static_cast<unsigned char>(text.front()) & 0xC0) == 0x80);
+}
+
+}  // namespace
+
+namespace platform {
+
+std::string ToUtf8(std::string_view bytes) {
+  Converter toUtf8("UTF-8", CodePage().c_str());
+  std::string utf8;
+  while (toUtf8.Convert(bytes, utf8) != 0) {
+    AppendWindows1252(utf8, static_cast<unsigned char>(bytes.front()));
+    bytes.remove_prefix(1);
+  }
+  return utf8;
+}
+
+std::string FromUtf8(std::string_view utf8) {
+  Converter fromUtf8(CodePage().c_str(), "UTF-8");
+  std::string bytes;
+  while (fromUtf8.Convert(utf8, bytes) != 0) {
+    bytes += '?';
+    SkipUtf8Character(utf8);
+  }
+  return bytes;
+}
+
+}  // namespace platform
+
+unsigned char* _mbsnbcpy(unsigned char* destination, const unsigned char* source, std::size_t count) {
+  const char* text = reinterpret_cast<const char*>(source);
+  std::size_t length = strnlen(text, count);
+  if (length == count && count > 0) length -= CutCharacter({text, length});
+  std::memcpy(destination, source, length);
+  std::memset(destination + length, 0, count - length);
+  return destination;
+}
+
+int _mbsicmp(const unsigned char* left, const unsigned char* right) {
+  while (*left != 0 && FoldCase(*left) == FoldCase(*right)) {
+    ++left;
+    ++right;
+  }
+  return FoldCase(*left) - FoldCase(*right);
+}
+
+int _mbscmp(const unsigned char* left, const unsigned char* right) {
+  return std::strcmp(reinterpret_cast<const char*>(left), reinterpret_cast<const char*>(right));
+}

@@ -1,0 +1,97 @@
+// Each open key reads its root's file anew: the files are small, few keys are read, and there is no state to go stale.
+#include "registry.h"
+
+#include <unistd.h>
+
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "module.h"
+#include "read_file.h"
+#include "registry_file.h"
+#include "xdg_folders.h"
+
+namespace {
+
+using platform::FoldName;
+using platform::RegistryValues;
+
+// More than any hand-written or exported file of an application holds; what lies behind it is not read.
+constexpr std::size_t maxRegistryFile = 4 * 1024 * 1024;
+constexpr const char* fileBelowConfig = "/norvane/registry.reg";
+constexpr std::string_view computerNameKey =
+    "hkey_local_machine\\system\\currentcontrolset\\control\\computername\\activecomputername";
+
+constexpr LONG errorInvalidHandle = 6;
+constexpr LONG errorInvalidParameter = 87;
+
+bool IsRoot(HKEY key) {
+  return key == HKEY_CURRENT_USER || key == HKEY_LOCAL_MACHINE;
+}
+
+std::string UserText() {
+  return platform::ReadFileUpTo(platform::ConfigHome() + fileBelowConfig, maxRegistryFile).value_or("");
+}
+
+std::string MachineText() {
+  for (const std::string& folder : platform::ConfigDirs()) {
+    if (auto text = platform::ReadFileUpTo(folder + fileBelowConfig, maxRegistryFile)) return *text;
+  }
+  return {};
+}
+
+RegistryValues ComputerName() {
+  char name[256] = {};
+  if (gethostname(name, sizeof name - 1) != 0) return {};
+  return {{"computername", {platform::REG_SZ, std::string(name) + '\0'}}};
+}
+
+const RegistryValues& ValuesOf(HKEY key) {
+  return *reinterpret_cast<const RegistryValues*>(key);
+}
+
+}  // namespace
+
+LONG RegOpenKeyExA(HKEY root, LPCSTR subKey, DWORD, DWORD, HKEY* key) {
+  *key = nullptr;
+  if (!IsRoot(root)) return errorInvalidHandle;
+  std::string name = root == HKEY_CURRENT_USER ? "HKEY_CURRENT_USER" : "HKEY_LOCAL_MACHINE";
+  if (subKey != nullptr && subKey[0] != '\0') name += std::string("\\") + subKey;
+  while (name.ends_with('\\')) name.pop_back();
+
+  std::optional<RegistryValues> values =
+      FoldName(name) == computerNameKey
+          ? ComputerName()
+          : platform::FindRegistryKey(root == HKEY_CURRENT_USER ? UserText() : MachineText(), name);
+  if (!values) return ERROR_FILE_NOT_FOUND;
+  *key = reinterpret_cast<HKEY>(new RegistryValues(std::move(*values)));
+  return ERROR_SUCCESS;
+}
+
+LONG RegQueryValueExA(HKEY key, LPCSTR name, LPDWORD, LPDWORD type, BYTE* data, LPDWORD size) {
+  if (key == nullptr) return errorInvalidHandle;
+  if (data != nullptr && size == nullptr) return errorInvalidParameter;
+  if (IsRoot(key)) return ERROR_FILE_NOT_FOUND;
+  const RegistryValues& values = ValuesOf(key);
+  const auto found = values.find(FoldName(name != nullptr ? name : ""));
+  if (found == values.end()) return ERROR_FILE_NOT_FOUND;
+
+  const std::string& bytes = found->second.bytes;
+  if (type != nullptr) *type = found->second.type;
+  if (size == nullptr) return ERROR_SUCCESS;
+  const DWORD room = *size;
+  *size = static_cast<DWORD>(bytes.size());
+  if (data == nullptr) return ERROR_SUCCESS;
+  if (bytes.size() > room) return ERROR_MORE_DATA;
+  std::memcpy(data, bytes.data(), bytes.size());
+  // A text that was stored without its terminator gets one where there is room.
+  if (found->second.type == platform::REG_SZ && bytes.size() < room) data[bytes.size()] = 0;
+  return ERROR_SUCCESS;
+}
+
+LONG RegCloseKey(HKEY key) {
+  if (key == nullptr) return errorInvalidHandle;
+  if (!IsRoot(key)) delete reinterpret_cast<const RegistryValues*>(key);
+  return ERROR_SUCCESS;
+}

@@ -1,0 +1,72 @@
+// Special folders, and which targets go to the user's viewer.
+#include "shell.h"
+
+#include <strings.h>
+
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include "files.h"
+#include "native_path.h"
+#include "viewer.h"
+#include "xdg_folders.h"
+
+namespace {
+
+std::string FolderOf(int folder) {
+  switch (folder) {
+    case CSIDL_LOCAL_APPDATA:
+      return platform::DataHome();
+    case CSIDL_PERSONAL:
+      return platform::DocumentsFolder();
+    default:
+      return {};
+  }
+}
+
+bool IsFolder(const std::string& path) {
+  const DWORD attributes = GetFileAttributesA(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+// Creates an absolute path with its parents; true if it is a folder at the end.
+bool MakeFolders(const std::string& path) {
+  if (IsFolder(path)) return true;
+  for (std::size_t end = path.find('/', 1); end != std::string::npos; end = path.find('/', end + 1)) {
+    CreateDirectoryA(path.substr(0, end).c_str(), nullptr);
+  }
+  return CreateDirectoryA(path.c_str(), nullptr) || IsFolder(path);
+}
+
+bool IsWebAddress(const char* target) {
+  return strncasecmp(target, "http://", 7) == 0 || strncasecmp(target, "https://", 8) == 0;
+}
+
+// What the viewer gets for a target: a web address as it stands, a document by its path. Empty for what it is not to
+// see: other kinds of address, and anything that it would take for an option.
+std::string ViewerTarget(const char* target) {
+  if (target == nullptr) return {};
+  for (const char* at = target; *at != '\0'; ++at) {
+    if (static_cast<unsigned char>(*at) < ' ' || *at == 0x7F) return {};
+  }
+  if (IsWebAddress(target)) return target;
+  std::string path = platform::NativePath(target);
+  if (GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES) return {};
+  return path.starts_with('/') ? path : "./" + path;
+}
+
+}  // namespace
+
+BOOL SHGetSpecialFolderPathA(HWND, LPSTR path, int folder, BOOL create) {
+  const std::string name = FolderOf(folder);
+  if (name.empty() || name.size() >= MAX_PATH) return FALSE;
+  if (create && !MakeFolders(name)) return FALSE;
+  std::memcpy(path, name.c_str(), name.size() + 1);
+  return TRUE;
+}
+
+BOOL ShellExecuteExA(SHELLEXECUTEINFOA* info) {
+  const std::string target = ViewerTarget(info->lpFile);
+  return !target.empty() && platform::StartViewer(target.c_str());
+}
