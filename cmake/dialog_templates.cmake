@@ -7,13 +7,14 @@ function(nv_add_dialog_templates target script symbol)
     return()
   endif()
   find_program(NV_LLVM_RC NAMES llvm-rc llvm-rc-14 llvm-rc-15 llvm-rc-16 REQUIRED)
-  set(headers ${PROJECT_SOURCE_DIR}/src/resources)
   set(stem ${CMAKE_CURRENT_BINARY_DIR}/${symbol})
   add_custom_command(
     OUTPUT ${stem}.res
-    COMMAND ${CMAKE_C_COMPILER} -E -P -x c -I${headers} ${script} -o ${stem}.i.rc
+    COMMAND ${CMAKE_C_COMPILER} -E -P -x c -I${PROJECT_SOURCE_DIR}/src/resources -MD -MF ${stem}.d -MT ${stem}.res
+            ${script} -o ${stem}.i.rc
     COMMAND ${NV_LLVM_RC} /no-preprocess /fo ${stem}.res ${stem}.i.rc
-    DEPENDS ${script} ${headers}/resource_ids.h ${headers}/script_constants.h
+    DEPENDS ${script}
+    DEPFILE ${stem}.d
     VERBATIM)
   set(NV_SYMBOL ${symbol})
   set(NV_COMPILED ${stem}.res)

@@ -12,7 +12,7 @@
 namespace user {
 namespace {
 
-constexpr int kIndeterminate = 2;
+constexpr int stateIndeterminate = 2;
 
 LRESULT SetText(Window& window, LPARAM text) {
   window.text = text != 0 ? reinterpret_cast<LPCSTR>(text) : "";
@@ -30,13 +30,13 @@ LRESULT CopyText(const Window& window, WPARAM size, LPARAM buffer) {
 }
 
 int LargestCheckState(LONG_PTR style) {
-  switch (style & kStyleControlType) {
-    case kCheckBox:
-    case kAutoCheckBox:
+  switch (style & styleControlType) {
+    case styleCheckBox:
+    case styleAutoCheckBox:
       return 1;
-    case kThreeState:
-    case kAutoThreeState:
-      return kIndeterminate;
+    case styleThreeState:
+    case styleAutoThreeState:
+      return stateIndeterminate;
     default:
       return 0;
   }
@@ -108,19 +108,19 @@ void NotifyDialog(HWND control, WORD code) {
 }
 
 void NotifyTextChange(HWND edit) {
-  NotifyDialog(edit, kEditUpdate);
-  NotifyDialog(edit, kEditChange);
+  NotifyDialog(edit, codeEditUpdate);
+  NotifyDialog(edit, codeEditChange);
 }
 
 void ClickButton(HWND button) {
   FocusControl(button, false);
   Window* window = Find(button);
   if (window == nullptr || window->dialog || !window->enabled) return;
-  const LONG_PTR type = window->style & kStyleControlType;
-  if (type == kAutoCheckBox || type == kAutoThreeState) {
+  const LONG_PTR type = window->style & styleControlType;
+  if (type == styleAutoCheckBox || type == styleAutoThreeState) {
     SetCheckState(*window, window->checkState < LargestCheckState(window->style) ? window->checkState + 1 : 0);
   }
-  NotifyDialog(button, kButtonClicked);
+  NotifyDialog(button, codeButtonClicked);
 }
 
 }  // namespace user

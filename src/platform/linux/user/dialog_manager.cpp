@@ -19,7 +19,7 @@ void MoveFocus(HWND dialog, WPARAM wParam, LPARAM lParam) {
 }
 
 bool IsDefaultButton(const Window& window) {
-  return window.kind == ControlKind::pushButton && (window.style & kStyleControlType) == kDefaultPushButton;
+  return window.kind == ControlKind::pushButton && (window.style & styleControlType) == styleDefaultPushButton;
 }
 
 int DefaultButtonId(const DialogState& dialog) {
@@ -60,7 +60,8 @@ void PressButton(HWND dialog, int id) {
   const HWND button = GetDlgItem(dialog, id);
   const Window* window = Find(button);
   if (window != nullptr && !window->enabled) return;
-  SendMessageA(dialog, WM_COMMAND, PackWords(static_cast<WORD>(id), kButtonClicked), reinterpret_cast<LPARAM>(button));
+  SendMessageA(dialog, WM_COMMAND, PackWords(static_cast<WORD>(id), codeButtonClicked),
+               reinterpret_cast<LPARAM>(button));
 }
 
 }  // namespace user

@@ -6,15 +6,15 @@
 namespace user {
 namespace {
 
-constexpr WORD kVersion = 1;
-constexpr WORD kSignature = 0xFFFF;
-constexpr WORD kOrdinal = 0xFFFF;  // introduces a number where a text could stand
-constexpr WORD kButtonClass = 0x80;
-constexpr WORD kEditClass = 0x81;
-constexpr WORD kStaticClass = 0x82;
-constexpr std::size_t kFontAttributes = 6;  // bytes: size, weight, italic, character set
+constexpr WORD templateVersion = 1;
+constexpr WORD templateSignature = 0xFFFF;
+constexpr WORD ordinalMark = 0xFFFF;  // introduces a number where a text could stand
+constexpr WORD buttonClass = 0x80;
+constexpr WORD editClass = 0x81;
+constexpr WORD staticClass = 0x82;
+constexpr std::size_t fontAttributesSize = 6;  // bytes: size, weight, italic, character set
 
-constexpr char32_t kReplacement = 0xFFFD;
+constexpr char32_t replacementCharacter = 0xFFFD;
 
 void AppendUtf8(std::string& text, char32_t character) {
   const auto tail = [character](unsigned shift) { return static_cast<char>(0x80 | (character >> shift & 0x3F)); };
@@ -45,7 +45,7 @@ std::string ReadText(ByteReader& reader, char32_t unit) {
       AppendUtf8(text, 0x10000 + ((unit - 0xD800) << 10) + (next - 0xDC00));
       next = reader.Word();
     } else {
-      AppendUtf8(text, IsHighSurrogate(unit) || IsLowSurrogate(unit) ? kReplacement : unit);
+      AppendUtf8(text, IsHighSurrogate(unit) || IsLowSurrogate(unit) ? replacementCharacter : unit);
     }
     unit = next;
   }
@@ -59,7 +59,7 @@ struct TextOrOrdinal {
 
 TextOrOrdinal ReadTextOrOrdinal(ByteReader& reader) {
   const WORD unit = reader.Word();
-  if (unit == kOrdinal) return {{}, reader.Word()};
+  if (unit == ordinalMark) return {{}, reader.Word()};
   return {ReadText(reader, unit), 0};
 }
 
@@ -68,14 +68,14 @@ UnitRect ReadPlace(ByteReader& reader) {
 }
 
 std::optional<ControlKind> ButtonKind(LONG_PTR style) {
-  switch (style & kStyleControlType) {
-    case kPushButton:
-    case kDefaultPushButton:
+  switch (style & styleControlType) {
+    case stylePushButton:
+    case styleDefaultPushButton:
       return ControlKind::pushButton;
-    case kCheckBox:
-    case kAutoCheckBox:
-    case kThreeState:
-    case kAutoThreeState:
+    case styleCheckBox:
+    case styleAutoCheckBox:
+    case styleThreeState:
+    case styleAutoThreeState:
       return ControlKind::checkBox;
     default:
       return std::nullopt;
@@ -84,11 +84,11 @@ std::optional<ControlKind> ButtonKind(LONG_PTR style) {
 
 std::optional<ControlKind> KindOf(WORD windowClass, LONG_PTR style) {
   switch (windowClass) {
-    case kButtonClass:
+    case buttonClass:
       return ButtonKind(style);
-    case kEditClass:
+    case editClass:
       return ControlKind::edit;
-    case kStaticClass:
+    case staticClass:
       return ControlKind::label;
     default:
       return std::nullopt;
@@ -115,7 +115,7 @@ std::optional<ControlTemplate> ReadControl(ByteReader& reader) {
 
 std::optional<DialogTemplate> ParseDialogTemplate(Bytes bytes) {
   ByteReader reader(bytes);
-  if (reader.Word() != kVersion || reader.Word() != kSignature) return std::nullopt;
+  if (reader.Word() != templateVersion || reader.Word() != templateSignature) return std::nullopt;
   reader.DoubleWord();  // help id
   reader.DoubleWord();  // extended style
   DialogTemplate dialog{};
@@ -125,8 +125,8 @@ std::optional<DialogTemplate> ParseDialogTemplate(Bytes bytes) {
   ReadTextOrOrdinal(reader);  // menu
   ReadTextOrOrdinal(reader);  // window class
   dialog.title = ReadTextOrOrdinal(reader).text;
-  if ((dialog.style & kStyleSetFont) != 0) {
-    reader.Take(kFontAttributes);
+  if ((dialog.style & styleSetFont) != 0) {
+    reader.Take(fontAttributesSize);
     ReadText(reader, reader.Word());
   }
   while (dialog.controls.size() < count) {

@@ -10,8 +10,8 @@
 namespace user {
 namespace {
 
-constexpr int kUnitsAcross = 4;  // of the average character
-constexpr int kUnitsDown = 8;
+constexpr int unitsAcross = 4;  // of the average character
+constexpr int unitsDown = 8;
 
 LONG ToPixels(int units, LONG base, int unitsOfBase) {
   const int scaled = units * static_cast<int>(base) * 2 / unitsOfBase;
@@ -19,10 +19,10 @@ LONG ToPixels(int units, LONG base, int unitsOfBase) {
 }
 
 RECT ToPixels(const UnitRect& place, POINT base) {
-  const LONG left = ToPixels(place.x, base.x, kUnitsAcross);
-  const LONG top = ToPixels(place.y, base.y, kUnitsDown);
-  return {left, top, left + ToPixels(place.width, base.x, kUnitsAcross),
-          top + ToPixels(place.height, base.y, kUnitsDown)};
+  const LONG left = ToPixels(place.x, base.x, unitsAcross);
+  const LONG top = ToPixels(place.y, base.y, unitsDown);
+  return {left, top, left + ToPixels(place.width, base.x, unitsAcross),
+          top + ToPixels(place.height, base.y, unitsDown)};
 }
 
 HWND CreateControl(const ControlTemplate& form, HWND dialog, POINT base) {
@@ -34,23 +34,23 @@ HWND CreateControl(const ControlTemplate& form, HWND dialog, POINT base) {
   window.rectangle = ToPixels(form.place, base);
   window.text = platform::FromUtf8(form.text);
   window.procedure = ControlProcedure(form.kind);
-  window.enabled = (form.style & kStyleDisabled) == 0;
+  window.enabled = (form.style & styleDisabled) == 0;
   return window.handle;
 }
 
 ControlView ViewOfControl(const Window& window) {
-  const LONG_PTR type = window.style & kStyleControlType;
+  const LONG_PTR type = window.style & styleControlType;
   ControlView view{};
   view.handle = window.handle;
   view.kind = window.kind;
   view.id = window.id;
   view.rectangle = window.rectangle;
   view.text = platform::ToUtf8(window.text);
-  view.alignRight = window.kind == ControlKind::label && type == kLabelRight;
-  view.password = window.kind == ControlKind::edit && (window.style & kStylePassword) != 0;
-  view.defaultButton = window.kind == ControlKind::pushButton && type == kDefaultPushButton;
-  view.threeState = window.kind == ControlKind::checkBox && (type == kThreeState || type == kAutoThreeState);
-  view.tabStop = (window.style & kStyleTabStop) != 0;
+  view.alignRight = window.kind == ControlKind::label && type == styleLabelRight;
+  view.password = window.kind == ControlKind::edit && (window.style & stylePassword) != 0;
+  view.defaultButton = window.kind == ControlKind::pushButton && type == styleDefaultPushButton;
+  view.threeState = window.kind == ControlKind::checkBox && (type == styleThreeState || type == styleAutoThreeState);
+  view.tabStop = (window.style & styleTabStop) != 0;
   return view;
 }
 

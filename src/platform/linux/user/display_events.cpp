@@ -11,7 +11,7 @@
 namespace user {
 namespace {
 
-constexpr WPARAM kLeftButtonDown = 1;
+constexpr WPARAM leftButtonDown = 1;
 
 // False for windows that are gone, disabled by a dialog of their own, or on their way out.
 bool TakesInput(HWND window) {
@@ -69,7 +69,7 @@ class Events final : public DisplayEvents {
 
   void OnLeftButton(HWND window, bool doubleClick, POINT clientPoint) override {
     if (!TakesInput(window)) return;
-    SendMessageA(window, doubleClick ? WM_LBUTTONDBLCLK : WM_LBUTTONDOWN, kLeftButtonDown, PackPoint(clientPoint));
+    SendMessageA(window, doubleClick ? WM_LBUTTONDBLCLK : WM_LBUTTONDOWN, leftButtonDown, PackPoint(clientPoint));
   }
 };
 

@@ -12,9 +12,9 @@
 namespace user {
 namespace {
 
-constexpr const char* kPlugin = "nvsupport-qt.so";
-constexpr const char* kOpenFunction = "nvsupport_open_display";
-constexpr DWORD kLongestPath = 4096;
+constexpr const char* pluginName = "nvsupport-qt.so";
+constexpr const char* openFunctionName = "nvsupport_open_display";
+constexpr DWORD longestPath = 4096;
 
 // Atomic, because the thread that shows the wait cursor asks for the display of another.
 std::atomic<DWORD> displayThread = 0;
@@ -27,17 +27,17 @@ void SetDisplay(Display* display) {
 }
 
 std::string PluginPath() {
-  char path[kLongestPath];
+  char path[longestPath];
   if (GetModuleFileNameA(GetModuleHandleA(nullptr), path, sizeof path) == 0) return {};
   const std::string module = path;
-  return module.substr(0, module.rfind('/') + 1) + kPlugin;
+  return module.substr(0, module.rfind('/') + 1) + pluginName;
 }
 
 // Never unmapped, because toolkits do not bear that.
 Display* OpenPlugin() {
   void* plugin = dlopen(PluginPath().c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
   if (plugin == nullptr) return nullptr;
-  const auto open = reinterpret_cast<NvOpenDisplay>(dlsym(plugin, kOpenFunction));
+  const auto open = reinterpret_cast<NvOpenDisplay>(dlsym(plugin, openFunctionName));
   Display* display = open != nullptr ? open(&CoreEvents()) : nullptr;
   if (display != nullptr) openPlugin = open;
   dlclose(plugin);

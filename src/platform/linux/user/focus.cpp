@@ -28,9 +28,9 @@ void GiveFocus(HWND control) {
   if (control == focused) return;
   const HWND before = focused;
   focused = control;
-  TellEdit(before, kEditKillFocus);
+  TellEdit(before, codeEditKillFocus);
   // The handler may have moved the focus on.
-  if (focused == control) TellEdit(control, kEditSetFocus);
+  if (focused == control) TellEdit(control, codeEditSetFocus);
 }
 
 void FocusControl(HWND control, bool selectAll) {
@@ -56,7 +56,7 @@ HWND NextTabStop(HWND dialog, HWND from, bool backwards) {
   if (at != order.end()) std::rotate(order.begin(), at + 1, order.end());
   for (const HWND control : order) {
     const Window* candidate = Find(control);
-    if (candidate != nullptr && candidate->enabled && (candidate->style & kStyleTabStop) != 0) return control;
+    if (candidate != nullptr && candidate->enabled && (candidate->style & styleTabStop) != 0) return control;
   }
   return nullptr;
 }

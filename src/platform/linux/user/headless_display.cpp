@@ -11,9 +11,9 @@
 namespace user {
 namespace {
 
-constexpr POINT kBaseUnits{7, 13};
-constexpr POINT kPointer{100, 100};
-constexpr int kMostIdleCalls = 1000;
+constexpr POINT baseUnits{7, 13};
+constexpr POINT pointerPosition{100, 100};
+constexpr int mostIdleCalls = 1000;
 
 struct ShownDialog {
   DialogView view;
@@ -53,7 +53,7 @@ ControlView* ViewOfControl(HWND control) {
 
 class HeadlessDisplay final : public Display {
  public:
-  POINT BaseUnits() override { return kBaseUnits; }
+  POINT BaseUnits() override { return baseUnits; }
   RECT WorkArea() override { return State().screen.workArea; }
   int CaptionHeight() override { return State().screen.captionHeight; }
   int FrameWidth() override { return State().screen.frameWidth; }
@@ -72,7 +72,7 @@ class HeadlessDisplay final : public Display {
   }
 
   void RunModal(HWND dialog, const bool& ended) override {
-    for (int calls = 0; !ended && calls < kMostIdleCalls; ++calls) State().user->OnDialog(dialog);
+    for (int calls = 0; !ended && calls < mostIdleCalls; ++calls) State().user->OnDialog(dialog);
     if (ended) return;
     State().user->OnStuck(dialog);
     EndDialog(dialog, IDCANCEL);
@@ -118,7 +118,7 @@ class HeadlessDisplay final : public Display {
 
   void ShowWaitCursor() override { ++State().record.waitCursorsShown; }
   void RestoreCursor() override { ++State().record.cursorsRestored; }
-  std::optional<POINT> CursorPosition() override { return kPointer; }
+  std::optional<POINT> CursorPosition() override { return pointerPosition; }
 };
 
 HeadlessDisplay display;
@@ -180,7 +180,7 @@ void Drag(HWND dialog, POINT by) {
 }
 
 void Wheel(HWND window, int delta) {
-  CoreEvents().OnWheel(window, delta, kPointer);
+  CoreEvents().OnWheel(window, delta, pointerPosition);
 }
 
 void ClickInside(HWND window, POINT clientPoint, bool doubleClick) {

@@ -11,7 +11,7 @@
 namespace user {
 namespace {
 
-constexpr const char* kDefaultCaption = "Error";
+constexpr const char* defaultCaption = "Error";
 
 int ShowBox(MessageBoxView& box, HWND ownerWindow) {
   Display* display = OpenDisplay();
@@ -34,7 +34,7 @@ int ShowBox(MessageBoxView& box, HWND ownerWindow) {
 int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type) {
   user::MessageBoxView box{};
   box.text = platform::ToUtf8(text != nullptr ? text : "");
-  box.caption = platform::ToUtf8(caption != nullptr ? caption : user::kDefaultCaption);
+  box.caption = platform::ToUtf8(caption != nullptr ? caption : user::defaultCaption);
   box.type = type;
   const int answer = user::ShowBox(box, owner);
   if (answer == 0) std::fprintf(stderr, "%s: %s\n", box.caption.c_str(), box.text.c_str());

@@ -12,22 +12,22 @@
 namespace user {
 namespace {
 
-constexpr DWORD kErrorResourceNotFound = 1814;
-constexpr DWORD kErrorInvalidData = 13;
-constexpr DWORD kErrorNoInteractiveStation = 1459;
-constexpr DWORD kErrorNotEnoughMemory = 8;
-constexpr INT_PTR kFailed = -1;
+constexpr DWORD errorResourceNotFound = 1814;
+constexpr DWORD errorInvalidData = 13;
+constexpr DWORD errorNoInteractiveStation = 1459;
+constexpr DWORD errorNotEnoughMemory = 8;
+constexpr INT_PTR dialogFailed = -1;
 
 // Any value but 0: the display chooses the font.
-constexpr WPARAM kDialogFont = 1;
+constexpr WPARAM dialogFont = 1;
 
 INT_PTR Fail(DWORD error) {
   SetLastError(error);
-  return kFailed;
+  return dialogFailed;
 }
 
 void Initialise(HWND dialog, const DialogTemplate& form, LPARAM initParam) {
-  if ((form.style & kStyleSetFont) != 0) SendMessageA(dialog, WM_SETFONT, kDialogFont, FALSE);
+  if ((form.style & styleSetFont) != 0) SendMessageA(dialog, WM_SETFONT, dialogFont, FALSE);
   const HWND first = NextTabStop(dialog, nullptr, false);
   if (SendMessageA(dialog, WM_INITDIALOG, reinterpret_cast<WPARAM>(first), initParam) == 0) return;
   if (IsWindow(first)) FocusControl(first, true);
@@ -52,7 +52,7 @@ INT_PTR RunDialog(Display& display, const DialogTemplate& form, HWND ownerWindow
   DisabledOwner disabled(display, owner);
   ModalRun run;
   const HWND dialog = CreateDialogWindows(display, form, owner, procedure, run);
-  if (dialog == nullptr) return Fail(kErrorNotEnoughMemory);
+  if (dialog == nullptr) return Fail(errorNotEnoughMemory);
   RunUntilEnded(display, dialog, form, initParam, run);
   disabled.Enable();
   GiveFocus(IsWindow(focusBefore) ? focusBefore : nullptr);
@@ -65,13 +65,13 @@ INT_PTR RunDialog(Display& display, const DialogTemplate& form, HWND ownerWindow
 
 INT_PTR DialogBoxParamA(HINSTANCE module, LPCSTR dialogTemplate, HWND owner, DLGPROC dialogProc, LPARAM initParam) {
   const user::Bytes bytes = user::FindDialogTemplate(module, dialogTemplate);
-  if (bytes.empty()) return user::Fail(user::kErrorResourceNotFound);
+  if (bytes.empty()) return user::Fail(user::errorResourceNotFound);
   const auto form = user::ParseDialogTemplate(bytes);
-  if (!form) return user::Fail(user::kErrorInvalidData);
+  if (!form) return user::Fail(user::errorInvalidData);
   user::Display* display = user::OpenDisplay();
   if (display == nullptr) {
     std::fprintf(stderr, "No display for the dialog \"%s\"\n", form->title.c_str());
-    return user::Fail(user::kErrorNoInteractiveStation);
+    return user::Fail(user::errorNoInteractiveStation);
   }
   return user::RunDialog(*display, *form, owner, dialogProc, initParam);
 }

@@ -13,10 +13,10 @@ extern "C" const unsigned char module_resources_end[];
 namespace user {
 namespace {
 
-constexpr WORD kOrdinal = 0xFFFF;  // introduces a number where a name could stand
-constexpr WORD kDialogType = 5;
-constexpr std::size_t kSizesLength = 8;
-constexpr std::uintptr_t kLargestNumber = 0xFFFF;
+constexpr WORD ordinalMark = 0xFFFF;  // introduces a number where a name could stand
+constexpr WORD dialogType = 5;
+constexpr std::size_t sizesLength = 8;
+constexpr std::uintptr_t largestNumber = 0xFFFF;
 
 using Scripts = std::vector<std::pair<HINSTANCE, Bytes>>;
 
@@ -28,7 +28,7 @@ Scripts& KnownScripts() {
 // A number, or 0 for a name, which is skipped.
 WORD ReadNumberOrName(ByteReader& header) {
   WORD unit = header.Word();
-  if (unit == kOrdinal) return header.Word();
+  if (unit == ordinalMark) return header.Word();
   while (unit != 0) unit = header.Word();
   return 0;
 }
@@ -44,12 +44,12 @@ Bytes FindDialogTemplateIn(Bytes compiledScript, WORD id) {
   while (script.Good() && !script.AtEnd()) {
     const std::uint32_t dataSize = script.DoubleWord();
     const std::uint32_t headerSize = script.DoubleWord();
-    if (headerSize < kSizesLength) return {};
-    ByteReader header(script.Take(headerSize - kSizesLength));
+    if (headerSize < sizesLength) return {};
+    ByteReader header(script.Take(headerSize - sizesLength));
     const WORD type = ReadNumberOrName(header);
     const WORD name = ReadNumberOrName(header);
     const Bytes data = script.Take(dataSize);
-    if (header.Good() && type == kDialogType && name == id) return data;
+    if (header.Good() && type == dialogType && name == id) return data;
     script.Align();
   }
   return {};
@@ -57,7 +57,7 @@ Bytes FindDialogTemplateIn(Bytes compiledScript, WORD id) {
 
 Bytes FindDialogTemplate(HINSTANCE module, LPCSTR name) {
   const auto number = reinterpret_cast<std::uintptr_t>(name);
-  if (module == nullptr || number == 0 || number > kLargestNumber) return {};
+  if (module == nullptr || number == 0 || number > largestNumber) return {};
   for (const auto& [owner, script] : KnownScripts()) {
     const Bytes found = owner == module ? FindDialogTemplateIn(script, static_cast<WORD>(number)) : Bytes();
     if (!found.empty()) return found;

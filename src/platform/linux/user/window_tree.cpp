@@ -9,13 +9,13 @@
 namespace user {
 namespace {
 
-constexpr std::uintptr_t kLargestForeignId = 0xFFFFFFFF;
-constexpr std::uintptr_t kDesktop = kLargestForeignId + 1;
-constexpr std::uintptr_t kHandleStep = 4;
+constexpr std::uintptr_t largestForeignId = 0xFFFFFFFF;
+constexpr std::uintptr_t desktopId = largestForeignId + 1;
+constexpr std::uintptr_t handleStep = 4;
 
 struct WindowTable {
   std::map<HWND, Window> windows;
-  std::uintptr_t last = kDesktop;
+  std::uintptr_t last = desktopId;
 };
 
 WindowTable& Table() {
@@ -27,7 +27,7 @@ WindowTable& Table() {
 
 Window& NewWindow() {
   WindowTable& table = Table();
-  table.last += kHandleStep;
+  table.last += handleStep;
   const HWND handle = reinterpret_cast<HWND>(table.last);
   Window& window = table.windows[handle];
   window.handle = handle;
@@ -70,7 +70,7 @@ std::vector<HWND> OwnedDialogs(HWND owner) {
 
 std::uintptr_t ForeignId(HWND handle) {
   const auto id = reinterpret_cast<std::uintptr_t>(handle);
-  return id <= kLargestForeignId ? id : 0;
+  return id <= largestForeignId ? id : 0;
 }
 
 }  // namespace user
@@ -86,7 +86,7 @@ HWND GetParent(HWND window) {
   const user::Window* found = user::Find(window);
   if (found == nullptr) return nullptr;
   if (!found->dialog) return found->parent;
-  return (found->style & (WS_CHILD | user::kStylePopup)) != 0 ? found->dialog->owner : nullptr;
+  return (found->style & (WS_CHILD | user::stylePopup)) != 0 ? found->dialog->owner : nullptr;
 }
 
 HWND GetWindow(HWND window, UINT relation) {
@@ -96,7 +96,7 @@ HWND GetWindow(HWND window, UINT relation) {
 }
 
 HWND GetDesktopWindow() {
-  return reinterpret_cast<HWND>(user::kDesktop);
+  return reinterpret_cast<HWND>(user::desktopId);
 }
 
 HWND GetDlgItem(HWND dialog, int id) {
