@@ -2,6 +2,7 @@
 #include <exception>
 
 #include "core/module_handle.h"
+#include "core/service_manager.h"
 #include "language/translation_catalogue.h"
 #include "platform/platform.h"
 #include "ui/message.h"
@@ -19,7 +20,9 @@ void Attach(HINSTANCE module) {
   }
 }
 
-void Detach() {}
+void Detach() {
+  CloseSession();
+}
 
 }  // namespace
 }  // namespace nvsupport

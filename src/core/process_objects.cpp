@@ -1,6 +1,7 @@
 // All process-wide objects, in the order in which they come to life; they go in the reverse order. Their
 // declarations stand in the headers of their owners.
 #include "core/module_handle.h"
+#include "core/service_manager.h"
 #include "language/translation_catalogue.h"
 #include "platform/platform.h"
 #include "ui/exceptions.h"
@@ -20,6 +21,7 @@ InstanceSubclasser windowSubclasser{&Window::wndProc};
 std::string messageCaption;
 std::map<std::uint32_t, POINT> dialogPositions;
 CTranslationCatalogue translations;
+CVServiceManager* g_serviceManager = nullptr;
 
 // Last: calls the module's entry when everything above lives, and again before any of it goes.
 static const platform::ModuleEntry moduleEntry;

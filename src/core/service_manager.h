@@ -14,7 +14,7 @@ class CVServiceManager {
   CVServiceManager(const CVServiceManager&) = delete;
   CVServiceManager& operator=(const CVServiceManager&) = delete;
   // Writes nothing: what was not saved is gone.
-  virtual ~CVServiceManager() = default;
+  virtual ~CVServiceManager();
   // The name to propose for this computer when it has none at the account service.
   virtual std::string GetDeviceName() = 0;
 
@@ -23,6 +23,7 @@ class CVServiceManager {
   std::uint32_t GetDeviceId() const { return m_deviceId; }
   // Full path of settings.ini; creates the product's folder.
   std::string GetSettingsPath() const;
+  // Rewrites settings.ini with the user ID, and with the password if it is to be saved. A failure is not reported.
   void SaveProfile() const;
 
   // The account operations. `parent` owns their dialogs and messages, and may be null. They show their failures
@@ -56,6 +57,9 @@ class CServiceManager final : public CVServiceManager {
 
 // The one session, null while there is none. Created and replaced by x3e491215, destroyed at unload.
 extern CVServiceManager* g_serviceManager;
+
+// Destroys the session if there is one.
+void CloseSession();
 
 }  // namespace nvsupport
 

@@ -1,0 +1,31 @@
+// The form in which a password is kept on disk, out of plain sight: up to 16 letters and digits as one code each,
+// laid under a fixed mask. Used by the session, which reads and saves the profile.
+#ifndef NVSUPPORT_ACCOUNT_CREDENTIALS_H
+#define NVSUPPORT_ACCOUNT_CREDENTIALS_H
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace nvsupport {
+
+using Credential = std::array<std::uint8_t, 16>;
+
+// A constant of the program: passwords that were saved under another mask come back wrong. As masked bytes it stands
+// for the empty text.
+inline constexpr Credential credentialMask = {0xb2, 0x5e, 0x07, 0xd9, 0x83, 0x6c, 0xf1, 0x3a,
+                                              0x49, 0xc6, 0x1d, 0xe0, 0x97, 0x24, 0x7b, 0xa8};
+
+// The first 16 letters and digits as codes from 1 to 36, either case alike; 0 behind the last one.
+Credential EncodeCredential(std::string_view text);
+// The text of masked bytes, in lower case. What is no code appends nothing.
+std::string DecodeCredential(const Credential& masked);
+// Lays the mask over the bytes, or takes it off again.
+Credential MaskCredential(const Credential& bytes);
+// Overwrites a text that is to stay in no memory, and empties it.
+void WipeText(std::string& text);
+
+}  // namespace nvsupport
+
+#endif

@@ -1,0 +1,72 @@
+#include "core/service_manager.h"
+
+#include <utility>
+
+#include "account/credentials.h"
+#include "nvsupport/nvsupport.h"
+#include "storage/folders.h"
+#include "storage/scoped_handle.h"
+#include "storage/settings_file.h"
+
+namespace nvsupport {
+namespace {
+
+constexpr std::uint32_t personalComputer = 0x10000000;
+constexpr DWORD maxComputerName = 256;
+
+}  // namespace
+
+CVServiceManager::CVServiceManager(const std::string& productName, std::uint32_t platform, std::uint32_t deviceId)
+    : m_platform(platform), m_productName(productName), m_deviceId(deviceId) {
+  CSettingsFile settings;
+  if (!settings.Load(GetSettingsPath())) return;
+  m_userId = settings.GetText("UserID");
+  if (!settings.HasValue("Passwd")) return;
+  Credential masked = credentialMask;  // bytes that the file does not give stand for no character
+  settings.GetHex("Passwd", masked);
+  m_password = DecodeCredential(masked);
+}
+
+CVServiceManager::~CVServiceManager() {
+  WipeText(m_password);
+}
+
+std::string CVServiceManager::GetSettingsPath() const {
+  return GetSpecialFolder(CSIDL_LOCAL_APPDATA, m_productName + "-Service") + "\\settings.ini";
+}
+
+CServiceManager::CServiceManager(const std::string& productName)
+    : CVServiceManager(productName, personalComputer, platform::GetComputerDeviceId()) {}
+
+std::string CServiceManager::GetDeviceName() {
+  ScopedHandle<HKEY, RegCloseKey> key;
+  constexpr const char* path = "System\\CurrentControlSet\\Control\\ComputerName\\ActiveComputerName";
+  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path, 0, KEY_READ, key.put()) != ERROR_SUCCESS) return {};
+  char name[maxComputerName + 1] = {};  // terminated even when the value is not
+  DWORD size = maxComputerName;
+  auto* bytes = reinterpret_cast<BYTE*>(name);
+  if (RegQueryValueExA(key.get(), "ComputerName", nullptr, nullptr, bytes, &size) != ERROR_SUCCESS) return {};
+  return name;
+}
+
+void CloseSession() {
+  delete std::exchange(g_serviceManager, nullptr);
+}
+
+}  // namespace nvsupport
+
+void x3e491215(const char* product) try {
+  const std::string name = product != nullptr ? product : "";  // a copy: it may be a text of the session that goes
+  nvsupport::CloseSession();
+  nvsupport::g_serviceManager = new nvsupport::CServiceManager(name);
+} catch (...) {
+  // Memory ran out: there is no session.
+}
+
+const char* x0d83f18d(void) {
+  return nvsupport::g_serviceManager != nullptr ? nvsupport::g_serviceManager->GetUserId() : "";
+}
+
+uint32_t x2ed7465a(void) {
+  return nvsupport::g_serviceManager != nullptr ? nvsupport::g_serviceManager->GetDeviceId() : 0;
+}

@@ -1,0 +1,162 @@
+#include "storage/settings_file.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+#include "platform/platform.h"
+#include "storage/format_text.h"
+#include "storage/scoped_handle.h"
+
+namespace nvsupport {
+namespace {
+
+// Characters of a value that stand for themselves beside letters and digits.
+constexpr std::string_view plainMarks = "$-_.!*'()";
+
+bool IsPlain(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
+         plainMarks.find(c) != std::string_view::npos;
+}
+
+// -1 for any other character.
+int HexDigit(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
+}
+
+std::string_view TrimBlanks(std::string_view text) {
+  constexpr std::string_view blanks = " \t\n\r";
+  const std::size_t start = text.find_first_not_of(blanks);
+  if (start == std::string_view::npos) return {};
+  return text.substr(start, text.find_last_not_of(blanks) - start + 1);
+}
+
+bool IsBlankOrComment(std::string_view line) {
+  const std::size_t start = line.find_first_not_of(" \t");
+  return start == std::string_view::npos || line[start] == '#';
+}
+
+// The next line that is neither blank nor a comment; false at the end of the file.
+bool ReadSettingsLine(std::FILE* file, std::string& line) {
+  while (!std::feof(file) && !std::ferror(file)) {
+    line.clear();
+    for (int byte = std::getc(file); byte != EOF && byte != '\n'; byte = std::getc(file)) {
+      if (byte != '\r' && byte != '\0') line += static_cast<char>(byte);
+    }
+    if (!IsBlankOrComment(line)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+std::string EncodeSettingsValue(std::string_view value) {
+  constexpr const char* digits = "0123456789abcdef";
+  std::string encoded;
+  for (const char c : value) {
+    if (IsPlain(c)) {
+      encoded += c;
+    } else if (c == ' ') {
+      encoded += '+';
+    } else {
+      const auto byte = static_cast<unsigned char>(c);
+      encoded += {'%', digits[byte >> 4], digits[byte & 0xF]};
+    }
+  }
+  return encoded;
+}
+
+std::string DecodeSettingsValue(std::string_view encoded) {
+  std::string value;
+  for (std::size_t at = 0; at < encoded.size(); ++at) {
+    if (encoded[at] == '+') {
+      value += ' ';
+    } else if (encoded[at] != '%') {
+      value += encoded[at];
+    } else {
+      if (encoded.size() - at < 3) break;
+      const int high = HexDigit(encoded[at + 1]);
+      const int low = HexDigit(encoded[at + 2]);
+      if (high >= 0 && low >= 0) {
+        value += static_cast<char>(high * 16 + low);
+      } else {
+        value += encoded.substr(at, 3);
+      }
+      at += 2;
+    }
+  }
+  return value;
+}
+
+bool CSettingsFile::Load(const std::string& path) {
+  const ScopedHandle<std::FILE*, std::fclose> file(platform::OpenFileStream(path.c_str(), "r"));
+  if (!file) return false;
+  std::string line;
+  while (ReadSettingsLine(file.get(), line)) ParseSettingsLine(line);
+  return true;
+}
+
+void CSettingsFile::ParseSettingsLine(std::string_view line) {
+  for (;;) {
+    const std::size_t end = line.find('&');
+    const std::string_view pair = line.substr(0, end);
+    const std::size_t equals = std::min(pair.find('='), pair.size());
+    const std::string_view key = TrimBlanks(pair.substr(0, equals));
+    const std::string_view value = TrimBlanks(pair.substr(std::min(equals + 1, pair.size())));
+    if (!key.empty() && !value.empty()) SetText(std::string(key), DecodeSettingsValue(value));
+    if (end == std::string_view::npos) return;
+    line.remove_prefix(end + 1);
+  }
+}
+
+bool CSettingsFile::Save(const std::string& path) const {
+  ScopedHandle<std::FILE*, std::fclose> file(platform::OpenFileStream(path.c_str(), "w"));
+  if (!file) return false;
+  for (const auto& [key, value] : entries) {
+    if (key.empty() || value.empty()) continue;
+    const std::string line = key + '=' + EncodeSettingsValue(value) + '\n';
+    std::fwrite(line.data(), 1, line.size(), file.get());
+  }
+  // What still stands in the stream's buffer may fail as well.
+  std::fflush(file.get());
+  const bool written = !std::ferror(file.get());
+  return std::fclose(file.release()) == 0 && written;
+}
+
+void CSettingsFile::SetText(const std::string& key, const std::string& value) {
+  entries[key] = value;
+}
+
+std::string CSettingsFile::GetText(const std::string& key, const std::string& defaultText) const {
+  const auto entry = entries.find(key);
+  return entry != entries.end() ? entry->second : defaultText;
+}
+
+bool CSettingsFile::HasValue(const std::string& key) const {
+  return !GetText(key).empty();
+}
+
+void CSettingsFile::SetInt(const std::string& key, std::int32_t value) {
+  SetText(key, FormatText("0x%x", static_cast<unsigned>(value)));
+}
+
+std::int32_t CSettingsFile::GetInt(const std::string& key) const {
+  // Base 0 tells the forms apart by their prefix. A negative number was written as its 32 bits.
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(std::strtoll(GetText(key).c_str(), nullptr, 0)));
+}
+
+int CSettingsFile::GetHex(const std::string& key, std::span<std::uint8_t, 16> bytes) const {
+  const std::string digits = GetText(key);
+  const std::size_t count = std::min(digits.size() / 2, bytes.size());
+  for (std::size_t at = 0; at < count; ++at) {
+    const int high = std::max(HexDigit(digits[2 * at]), 0);
+    const int low = std::max(HexDigit(digits[2 * at + 1]), 0);
+    bytes[at] = static_cast<std::uint8_t>(high * 16 + low);
+  }
+  return static_cast<int>(count);
+}
+
+}  // namespace nvsupport
