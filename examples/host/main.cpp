@@ -1,0 +1,66 @@
+// nvhost: a host of the nvsupport library on the command line, written against its public header alone. It shows how
+// a host calls each export and is meant to be copied from.
+#include <cstdio>
+#include <filesystem>
+
+#include "commands.h"
+
+namespace {
+
+constexpr const char* kExitCodes =
+    "Exit codes:\n"
+    "  0    done\n"
+    "  2    wrong arguments\n"
+    "  3    the support library cannot be loaded\n"
+    "  4    a point of the area is out of range (latitude -90 to 90, longitude -400 to 400)\n"
+    "  5    the service answered and has no products for the area\n"
+    "  6    no products, and nothing tells that the service answered\n"
+    "  7    the transfer failed\n"
+    "  8    no session token: the sign-in was cancelled or refused, or the service is out of reach\n"
+    "  9    standard output cannot be written\n"
+    "  130  stopped with Ctrl-C";
+
+std::string LibraryBesideProgram() {
+  return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "nvsupport.so";
+}
+
+int Run(int argc, char** argv) {
+  CLI::App app("Searches the map shop, moves files and signs in, through the nvsupport library.", "nvhost");
+  std::string library = LibraryBesideProgram();
+  app.add_option("--library", library, "The support library to load")->type_name("PATH")->capture_default_str();
+  app.require_subcommand(1);
+  app.fallthrough();
+  app.footer(kExitCodes);
+  nvhost::Work chosen;
+  nvhost::AddSearch(app, chosen);
+  nvhost::AddDownload(app, chosen);
+  nvhost::AddRead(app, chosen);
+  nvhost::AddWhoAmI(app, chosen);
+  nvhost::AddToken(app, chosen);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? nvhost::kDone : nvhost::kWrongArguments;
+  }
+  const nvhost::NvSupport support = [&library] {
+    try {
+      return nvhost::NvSupport(library);
+    } catch (const std::runtime_error& error) {
+      throw nvhost::Failure(nvhost::kNoModule, error.what());
+    }
+  }();
+  chosen(support);
+  if (std::fflush(stdout) != 0) throw nvhost::Failure(nvhost::kCannotWrite, "standard output cannot be written");
+  return nvhost::kDone;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return Run(argc, argv);
+  } catch (const nvhost::Failure& failure) {
+    std::fprintf(stderr, "nvhost: %s\n", failure.what());
+    return failure.code;
+  }
+}

@@ -1,0 +1,37 @@
+// Shows on standard output how far a transfer is: a bar that is drawn anew in a terminal, else a line now and then.
+#ifndef NVHOST_PROGRESS_DISPLAY_H
+#define NVHOST_PROGRESS_DISPLAY_H
+
+#include <nvsupport/nvsupport.h>
+
+#include <chrono>
+#include <string>
+
+namespace nvhost {
+
+// Such as "8.4 MiB".
+std::string FormatBytes(double bytes);
+
+class ProgressDisplay {
+ public:
+  ProgressDisplay();
+
+  // Call it as often as you like; it shows something only when enough time has passed.
+  void Update(const WebProgressCounters& counters);
+  // Takes the bar away, so that a last line can follow.
+  void Clear();
+  double Seconds() const;  // since the transfer began
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  std::string Describe(const WebProgressCounters& counters) const;
+
+  const Clock::time_point begin = Clock::now();
+  Clock::time_point next = begin;  // when to show something again
+  const bool terminal;
+};
+
+}  // namespace nvhost
+
+#endif
