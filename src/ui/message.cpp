@@ -22,7 +22,6 @@ int ShowMessageFormat(HWND parent, UINT type, const char* format, ...) {
 }
 
 int ShowMessageArgs(HWND parent, UINT type, const std::string& format, std::va_list arguments) {
-  // A copy, so that a catalogue which is loaded meanwhile does not matter.
   const std::string translated = TranslateFormat(format);
   const std::string text = FormatTextArgs(translated.c_str(), arguments);
   return MessageBoxA(parent, text.c_str(), messageCaption.c_str(), type);

@@ -8,10 +8,10 @@ namespace nvsupport {
 namespace {
 
 // Screen coordinates left of or above the client area travel as negative 16-bit values.
-int SignedLow(LPARAM value) {
+int SignedLow(WPARAM value) {
   return static_cast<std::int16_t>(LOWORD(value));
 }
-int SignedHigh(LPARAM value) {
+int SignedHigh(WPARAM value) {
   return static_cast<std::int16_t>(HIWORD(value));
 }
 
@@ -32,12 +32,13 @@ LRESULT Window::onNotify(WPARAM wParam, LPARAM lParam) {
 }
 
 LRESULT Window::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+  const auto pair = static_cast<WPARAM>(lParam);
   switch (message) {
     case WM_DESTROY:
       onDestroy();
       break;
     case WM_SIZE:
-      onSize(LOWORD(lParam), HIWORD(lParam));
+      onSize(LOWORD(pair), HIWORD(pair));
       break;
     case WM_PAINT:
       onPaint();
@@ -52,7 +53,7 @@ LRESULT Window::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       break;
     case WM_LBUTTONDOWN:
     case WM_LBUTTONDBLCLK:
-      onLeftButton(message == WM_LBUTTONDBLCLK, SignedLow(lParam), SignedHigh(lParam), wParam);
+      onLeftButton(message == WM_LBUTTONDBLCLK, SignedLow(pair), SignedHigh(pair), wParam);
       break;
     default:
       break;

@@ -1,0 +1,155 @@
+// Where dialogs open.
+#include <gtest/gtest.h>
+
+#include "probe_dialog.h"
+#include "support/played_user.h"
+#include "ui/placement.h"
+
+namespace nvsupport {
+namespace {
+
+constexpr std::uintptr_t hostId = 0x4400001;
+const HWND host = reinterpret_cast<HWND>(hostId);
+
+RECT RectOf(HWND window) {
+  RECT place{};
+  GetWindowRect(window, &place);
+  return place;
+}
+
+class Placement : public ::testing::Test {
+ protected:
+  Placement() { dialogPositions.clear(); }
+
+  // Opens a dialog, drags it if `by` is not zero, closes it; returns where it opened.
+  RECT Open(HWND owner, std::uint32_t id = IDD_PROBE, POINT by = {0, 0}) {
+    RECT opened{};
+    ProbeDialog dialog(id);
+    person.steps = {[&](HWND window) {
+      opened = RectOf(window);
+      if (by.x != 0 || by.y != 0) user::Drag(window, by);
+      EndDialog(window, 1);
+    }};
+    EXPECT_EQ(dialog.run(owner), 1);
+    EXPECT_EQ(dialog.moved, by.x != 0 || by.y != 0);
+    return opened;
+  }
+  RECT OpenUnder(const RECT& owner, std::uint32_t id = IDD_PROBE, POINT by = {0, 0}) {
+    user::Screen().foreignWindows[hostId] = owner;
+    return Open(host, id, by);
+  }
+
+  PlayedUser person;
+};
+
+TEST_F(Placement, CentresOnTheOwnerInsideTheWorkArea) {
+  user::Screen().workArea = {40, 30, 1280, 1000};
+  const auto middle = [](LONG low, LONG high) { return low + (high - low) / 2; };
+  const RECT centred = OpenUnder({100, 150, 1001, 801});
+  EXPECT_NEAR(middle(centred.left, centred.right), 550, 1);
+  EXPECT_NEAR(middle(centred.top, centred.bottom), 475, 1);
+  const LONG width = centred.right - centred.left;
+  const LONG height = centred.bottom - centred.top;
+
+  const struct {
+    const char* what;
+    RECT owner;
+    POINT expected;
+  } cases[] = {
+      {"smaller than the dialog: frame and caption stay in sight", {300, 300, 310, 310}, {304, 322}},
+      {"at the right and bottom", {1250, 990, 1270, 995}, {1280 - width, 1000 - height}},
+      {"beyond the left and top", {-900, -900, -850, -850}, {40, 30}},
+  };
+  for (const auto& row : cases) {
+    SCOPED_TRACE(row.what);
+    const RECT place = OpenUnder(row.owner);
+    EXPECT_EQ(place.left, row.expected.x);
+    EXPECT_EQ(place.top, row.expected.y);
+  }
+  const RECT huge = OpenUnder({100, 150, 1001, 801}, IDD_HUGE);
+  EXPECT_EQ(huge.left, 40);
+  EXPECT_EQ(huge.top, 30);
+}
+
+TEST_F(Placement, CentresOnTheDesktopWithoutAnOwner) {
+  const RECT place = Open(nullptr);
+  RECT desktop{};
+  GetWindowRect(GetDesktopWindow(), &desktop);
+  EXPECT_NEAR(place.left + place.right, desktop.left + desktop.right, 2);
+  EXPECT_NEAR(place.top + place.bottom, desktop.top + desktop.bottom, 2);
+}
+
+TEST_F(Placement, ReopensWhereTheUserLeftIt) {
+  const RECT opened = OpenUnder({100, 100, 700, 600}, IDD_PROBE, {37, -21});
+  const auto expectAt = [&](const RECT& place, LONG x, LONG y) {
+    EXPECT_EQ(place.left, opened.left + x);
+    EXPECT_EQ(place.top, opened.top + y);
+  };
+  expectAt(OpenUnder({100, 100, 700, 600}), 37, -21);
+  expectAt(OpenUnder({200, 150, 800, 650}), 137, 29);  // the owner moved, the offset stays
+  expectAt(OpenUnder({100, 100, 700, 600}), 37, -21);  // openings without a drag changed nothing
+  expectAt(OpenUnder({100, 100, 700, 600}, IDD_PROBE, {3, 4}), 37, -21);
+  expectAt(OpenUnder({100, 100, 700, 600}), 40, -17);
+  EXPECT_EQ(dialogPositions.size(), 1u) << "one entry for one dialog id";
+
+  // A place that is off the screen by now.
+  const RECT back = OpenUnder({1270, 1010, 1870, 1510});
+  EXPECT_EQ(back.right, 1280);
+  EXPECT_EQ(back.bottom, 1024);
+}
+
+TEST_F(Placement, KeepsAScreenPositionForADialogWithoutOwner) {
+  const RECT opened = Open(nullptr, IDD_PROBE, {-50, 60});
+  const RECT again = Open(nullptr);
+  EXPECT_EQ(again.left, opened.left - 50);
+  EXPECT_EQ(again.top, opened.top + 60);
+  EXPECT_EQ(dialogPositions[IDD_PROBE].x, again.left);
+  EXPECT_EQ(dialogPositions[IDD_PROBE].y, again.top);
+}
+
+TEST_F(Placement, KeepsADialogOfADialogRelativeToThatDialog) {
+  ProbeDialog outer;
+  RECT opened{};
+  RECT again{};
+  const auto runInner = [](HWND owner) { ProbeDialog(IDD_CHOICE).run(owner); };
+  person.steps = {
+      [&](HWND window) {
+        runInner(window);
+        user::Drag(window, {60, 70});
+        runInner(window);
+        EndDialog(window, 1);
+      },
+      [&](HWND window) {
+        user::Drag(window, {11, 12});
+        opened = RectOf(window);
+        EndDialog(window, 1);
+      },
+      [&](HWND window) {
+        again = RectOf(window);
+        EndDialog(window, 1);
+      },
+  };
+  outer.run(nullptr);
+  EXPECT_EQ(again.left, opened.left + 60);
+  EXPECT_EQ(again.top, opened.top + 70);
+}
+
+TEST_F(Placement, LeavesAnEmbeddedDialogWhereItsParentPutsIt) {
+  ProbeDialog outer;
+  ProbeDialog embedded(IDD_EMBEDDED);
+  std::size_t movesBefore = 0;
+  person.steps = {
+      [&](HWND window) {
+        movesBefore = user::Record().moves.size();
+        embedded.run(window);
+        EndDialog(window, 1);
+      },
+      [](HWND window) { EndDialog(window, 1); },
+  };
+  outer.run(nullptr);
+  EXPECT_FALSE(embedded.calls.empty());
+  EXPECT_EQ(user::Record().moves.size(), movesBefore);
+}
+
+}  // namespace
+}  // namespace nvsupport
