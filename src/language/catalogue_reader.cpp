@@ -10,7 +10,7 @@ constexpr std::size_t firstReadSize = std::size_t{64} << 10;
 // The characters of either form as 16-bit units, so that one grammar reads both. An odd last byte of the wide form is
 // no character.
 std::u16string DecodeCharacters(std::string_view bytes) {
-  const auto byteAt = [bytes](std::size_t index) { return static_cast<unsigned char>(bytes[index]); };
+  const auto byteAt = [&bytes](std::size_t index) { return static_cast<unsigned char>(bytes[index]); };
   if (!bytes.starts_with(wideCatalogueMark)) {
     std::u16string characters(bytes.size(), u'\0');
     for (std::size_t i = 0; i < bytes.size(); ++i) characters[i] = byteAt(i);
@@ -66,7 +66,7 @@ bool CatalogueReader::Next(CatalogueRecord& record) {
 
   const std::size_t sourceEnd = std::min(characters.find_first_of(u"\t\n", position), characters.size());
   const bool hasTab = sourceEnd < characters.size() && characters[sourceEnd] == u'\t';
-  TakeColumn(sourceEnd, record.source);
+  record.cut = TakeColumn(sourceEnd, record.source);
   if (!hasTab) {
     record.kind = RecordKind::noTab;
     return true;
@@ -75,20 +75,24 @@ bool CatalogueReader::Next(CatalogueRecord& record) {
     record.kind = RecordKind::noSource;
     return true;
   }
-  TakeColumn(std::min(characters.find(u'\n', position), characters.size()), record.translation);
+  record.cut |= TakeColumn(std::min(characters.find(u'\n', position), characters.size()), record.translation);
   record.kind = record.translation.empty() ? RecordKind::noTranslation : RecordKind::entry;
   return true;
 }
 
-void CatalogueReader::TakeColumn(std::size_t end, std::string& column) {
+bool CatalogueReader::TakeColumn(std::size_t end, std::string& column) {
   column.resize(end - position);
-  std::transform(characters.begin() + static_cast<std::ptrdiff_t>(position),
-                 characters.begin() + static_cast<std::ptrdiff_t>(end), column.begin(),
-                 [](char16_t character) { return static_cast<char>(character & 0xFF); });
-  position = end;
-  if (end == characters.size()) return;
-  if (characters[end] == u'\n') ++line;
-  ++position;
+  char16_t highBits = 0;
+  for (char& character : column) {
+    const char16_t unit = characters[position++];
+    character = static_cast<char>(unit & 0xFF);
+    highBits |= unit >> 8;
+  }
+  if (end < characters.size()) {
+    if (characters[end] == u'\n') ++line;
+    ++position;
+  }
+  return highBits != 0;
 }
 
 std::string UnescapeCatalogueText(std::string_view text) {

@@ -33,6 +33,7 @@ struct CatalogueRecord {
   // As they stand in the file, before escapes.
   std::string source;
   std::string translation;
+  bool cut = false;  // a character of a wide file was above U+00FF and has lost its high byte
 };
 
 class CatalogueReader {
@@ -42,8 +43,8 @@ class CatalogueReader {
   bool Next(CatalogueRecord& record);
 
  private:
-  // The text up to `end`, each character cut to its low 8 bits; goes on behind it.
-  void TakeColumn(std::size_t end, std::string& column);
+  // The text up to `end`, each character cut to its low 8 bits; goes on behind it. True if that changed a character.
+  bool TakeColumn(std::size_t end, std::string& column);
 
   std::u16string characters;
   std::size_t position = 0;

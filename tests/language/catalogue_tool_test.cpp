@@ -1,0 +1,104 @@
+// The translators' tool nvcatalogue.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "catalogue_check.h"
+#include "language/catalogue_reader.h"
+#include "source_texts.h"
+#include "support/run_program.h"
+#include "support/temporary_home.h"
+
+namespace nvsupport {
+namespace {
+
+using namespace std::string_literals;
+using testing::RunProgram;
+
+TEST(CatalogueCheck, FindsWhatTheReaderWouldLose) {
+  const struct {
+    std::string line;
+    const char* finding;  // part of the one message; null for a line without fault
+  } cases[] = {
+      {"A\tB", nullptr},
+      {"", nullptr},
+      {"\r", nullptr},
+      {"A\tB\r", nullptr},
+      {"\"say \"\"A\"\"\"\t\"B\"\r", nullptr},
+      {"\\\"A\\\" \\n \\t \\\\\tB", nullptr},
+      {"%d of 100%%\t100%%: %d", nullptr},
+      {"First\tagain", "as in line 1"},
+      {"no tab", "no tab"},
+      {"\tA\tB", "tab with no text"},
+      {"A\t", "nothing stands behind the tab"},
+      {"A\t\r", "translation is empty"},
+      {"\"\tA", "double quote is lost"},
+      {"A \"B\" C\tD", "source text: a double quote is lost"},
+      {"A\tB \"C\"", "translation: a double quote is lost"},
+      {"A\tC:\\maps", "translation: a backslash stays"},
+      {"A\tB\\\r", "translation: a backslash stays"},
+      {"A\rB\tC", "source text: a carriage return is lost"},
+      {"A\tXXXX\r", "placeholder"},
+      {"%d\t%s", "conversions"},
+      {"%s\t100%", "conversions"},
+  };
+  for (const auto& item : cases) {
+    const std::vector<Finding> findings = CheckCatalogue("First\tline\n" + item.line + "\n");
+    if (item.finding == nullptr) {
+      EXPECT_TRUE(findings.empty()) << item.line << ": " << findings.front().message;
+      continue;
+    }
+    ASSERT_FALSE(findings.empty()) << item.line;
+    EXPECT_EQ(findings.front().line, 2u) << item.line;
+    EXPECT_NE(findings.front().message.find(item.finding), std::string::npos) << findings.front().message;
+  }
+}
+
+TEST(CatalogueCheck, FindsMarksAndCharactersThatAreNotRead) {
+  EXPECT_EQ(CheckCatalogue("\xEF\xBB\xBF"
+                           "A\tB\n")
+                .size(),
+            1u);
+  EXPECT_FALSE(CheckCatalogue("\xFE\xFF\0A\0\t\0B"s).empty());
+  EXPECT_EQ(CheckCatalogue("\xFF\xFE"
+                           "A\0\t\0\xAC\x20"s)
+                .size(),
+            1u)
+      << "a Euro sign in a wide file";
+  EXPECT_TRUE(CheckCatalogue("\xFF\xFE"
+                             "A\0\t\0\xE9\0"s)
+                  .empty());
+}
+
+TEST(CatalogueCheck, EscapesSoThatTheReaderGivesTheTextBack) {
+  for (const char* text : {"plain", "a\tb\nc", "say \"A\"", "\"\"", "C:\\new\\", "\\\"", "&OK "}) {
+    EXPECT_EQ(UnescapeCatalogueText(EscapeCatalogueText(text)), text);
+  }
+}
+
+TEST(CatalogueTool, AnswersByItsExitCode) {
+  const testing::TemporaryFolder folder;
+  testing::WriteWholeFile(folder / "bad.txt", "A\tB\nA\tC\n");
+  testing::WriteWholeFile(folder / "good.txt", "A\tB\n");
+  EXPECT_EQ(RunProgram({NV_CATALOGUE_TOOL, "--help"}).exitCode, 0);
+  EXPECT_EQ(RunProgram({NV_CATALOGUE_TOOL, "check", folder / "good.txt"}).exitCode, 0);
+  const testing::ProgramResult bad = RunProgram({NV_CATALOGUE_TOOL, "check", folder / "bad.txt"});
+  EXPECT_EQ(bad.exitCode, 1);
+  EXPECT_TRUE(bad.output.starts_with((folder / "bad.txt") + ":2: ")) << bad.output;
+  EXPECT_EQ(RunProgram({NV_CATALOGUE_TOOL, "check", folder / "none.txt"}).exitCode, 2);
+  EXPECT_EQ(RunProgram({NV_CATALOGUE_TOOL, "translate", folder / "good.txt"}).exitCode, 2);
+}
+
+TEST(CatalogueTool, ListsMissingTextsAsLinesToBeTranslated) {
+  const testing::TemporaryFolder folder;
+  testing::WriteWholeFile(folder / "partial.txt", "Help\tHilfe\n");
+  const testing::ProgramResult first = RunProgram({NV_CATALOGUE_TOOL, "missing", folder / "partial.txt"});
+  EXPECT_EQ(first.exitCode, 1);
+  EXPECT_EQ(std::ranges::count(first.output, '\n'), static_cast<std::ptrdiff_t>(SourceTexts().size()) - 1);
+  testing::WriteWholeFile(folder / "whole.txt", "Help\tHilfe\n" + first.output);
+  const testing::ProgramResult second = RunProgram({NV_CATALOGUE_TOOL, "missing", folder / "whole.txt"});
+  EXPECT_EQ(second.exitCode, 0) << second.output;
+}
+
+}  // namespace
+}  // namespace nvsupport

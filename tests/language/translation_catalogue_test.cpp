@@ -1,0 +1,116 @@
+#include "language/translation_catalogue.h"
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include "language/catalogue_reader.h"
+#include "support/temporary_home.h"
+
+namespace nvsupport {
+namespace {
+
+using testing::ReadWholeFile;
+using testing::WriteWholeFile;
+
+// A home without registry values and a module called nvsupport.so in a folder of its own.
+class Catalogue : public ::testing::Test {
+ protected:
+  Catalogue() {
+    std::filesystem::create_directory(home.folder / "lib");
+    std::filesystem::copy_file(NV_EMPTY_MODULE, home.folder / "lib/nvsupport.so");
+    loaded = dlopen((home.folder / "lib/nvsupport.so").c_str(), RTLD_NOW | RTLD_LOCAL);
+    catalogue->Init(static_cast<HINSTANCE>(dlsym(loaded, "nvsupportTestModule")));
+  }
+  ~Catalogue() override {
+    catalogue.reset();
+    dlclose(loaded);
+  }
+
+  void WriteLanguage(const std::string& name, const std::string& bytes) const {
+    WriteWholeFile(home.folder / ("lib/nvsupport." + name + ".txt"), bytes);
+  }
+
+  testing::TemporaryHome home;
+  void* loaded = nullptr;
+  std::optional<CTranslationCatalogue> catalogue{std::in_place};
+};
+
+TEST_F(Catalogue, ChangesOverOnlyToALanguageThatHasEntries) {
+  WriteLanguage("Deutsch", "Yes\tJa\n");
+  WriteLanguage("Empty", "no tab\n");
+  EXPECT_FALSE(catalogue->SetLanguage("")) << "the language that is in force at first";
+  EXPECT_TRUE(catalogue->SetLanguage("Deutsch"));
+  EXPECT_EQ(catalogue->Translate("Yes"), "Ja");
+
+  WriteLanguage("Deutsch", "Yes\tJawohl\n");
+  EXPECT_FALSE(catalogue->SetLanguage("Deutsch"));
+  EXPECT_EQ(catalogue->Translate("Yes"), "Ja") << "the language in force is not read again";
+
+  EXPECT_FALSE(catalogue->SetLanguage("Suomi"));
+  EXPECT_EQ(catalogue->Translate("Yes"), "Ja") << "a missing file changes nothing";
+  std::filesystem::create_directory(home.folder / "lib/nvsupport.Folder.txt");
+  EXPECT_FALSE(catalogue->SetLanguage("Folder"));
+  EXPECT_EQ(catalogue->Translate("Yes"), "Ja") << "so does one that cannot be read";
+
+  EXPECT_FALSE(catalogue->SetLanguage("Empty"));
+  EXPECT_EQ(catalogue->Translate("Yes"), "Yes") << "a file without entries clears the catalogue";
+  EXPECT_EQ(catalogue->Language(), "Deutsch");
+}
+
+TEST_F(Catalogue, GoesBackToTheSourceTextsInEnglish) {
+  WriteLanguage("Deutsch", "Yes\tJa\n");
+  EXPECT_TRUE(catalogue->SetLanguage("Deutsch"));
+  EXPECT_TRUE(catalogue->SetLanguage("English"));
+  EXPECT_EQ(catalogue->Language(), "English");
+  EXPECT_EQ(catalogue->Translate("Yes"), "Yes");
+
+  EXPECT_TRUE(catalogue->SetLanguage("Deutsch"));
+  WriteLanguage("English", "Yes\tAye\n");
+  EXPECT_TRUE(catalogue->SetLanguage("English"));
+  EXPECT_EQ(catalogue->Translate("Yes"), "Aye") << "a file for English is used like any other";
+}
+
+TEST_F(Catalogue, LooksUpWholeTextsByteForByte) {
+  WriteLanguage("Deutsch", "&Yes\tJa\n\"\tleer\n");
+  ASSERT_TRUE(catalogue->SetLanguage("Deutsch"));
+  for (const char* other : {"Yes", "&Yes ", "&yes", "&Ye"}) EXPECT_EQ(catalogue->Translate(other), other);
+  EXPECT_EQ(catalogue->Translate("&Yes"), "Ja");
+  EXPECT_EQ(catalogue->Translate(""), "leer");
+}
+
+TEST_F(Catalogue, RefusesAFileBeyondItsLimit) {
+  WriteLanguage("Endless", "Yes\tJa\n");
+  std::filesystem::resize_file(home.folder / "lib/nvsupport.Endless.txt", maxCatalogueBytes + 1);
+  EXPECT_FALSE(catalogue->SetLanguage("Endless"));
+  std::filesystem::resize_file(home.folder / "lib/nvsupport.Endless.txt", maxCatalogueBytes);
+  EXPECT_TRUE(catalogue->SetLanguage("Endless"));
+}
+
+TEST_F(Catalogue, WritesEachMissOnceInByteOrder) {
+  const std::string missFile = home.folder / "documents/NVTranslation/nvsupport.txt";
+  WriteWholeFile(missFile, "of an earlier run");
+  catalogue->Translate("OK");
+  catalogue->Translate("OK");
+  catalogue->Translate("\x80\tA\nB");
+  catalogue->Translate("");
+  catalogue->WriteMissFile();
+  const std::string placeholder("\t\0X\0X\0X\0X\0\r\0\n\0", 14);
+  EXPECT_EQ(ReadWholeFile(missFile), "\xFF\xFE" + placeholder + std::string("O\0K\0", 4) + placeholder +
+                                         std::string("\x80\0\\\0t\0A\0\\\0n\0B\0", 14) + placeholder);
+
+  ASSERT_TRUE(catalogue->LoadCatalogueFile(missFile)) << "a miss file is a catalogue";
+  EXPECT_EQ(catalogue->Translate("\x80\tA\nB"), "XXXX");
+}
+
+TEST_F(Catalogue, WritesNoMissFileWithoutMissesOrFolder) {
+  catalogue->Translate("OK");
+  catalogue->WriteMissFile();
+  EXPECT_FALSE(std::filesystem::exists(home.folder / "documents/NVTranslation"));
+
+  std::filesystem::create_directories(home.folder / "documents/NVTranslation");
+  catalogue->WriteMissFile();
+  EXPECT_TRUE(std::filesystem::is_empty(home.folder / "documents/NVTranslation"));
+}
+
+}  // namespace
+}  // namespace nvsupport
