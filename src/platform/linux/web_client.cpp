@@ -1,0 +1,153 @@
+// The published names of the web client: handles of a session, a connection and a request.
+#include "web_client.h"
+
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+#include "web_exchange.h"
+#include "web_message.h"
+
+namespace {
+
+using platform::WebExchange;
+using platform::WebRequest;
+
+constexpr DWORD connectedByNetwork = 2;
+constexpr DWORD zeroTerminated = 0xFFFFFFFF;
+
+// What a handle stands for. Each has all that its parent knew, so handles may be closed in any order.
+struct WebObject {
+  enum class Kind { session, connection, request };
+  Kind kind;
+  WebRequest description;
+  std::unique_ptr<WebExchange> exchange;  // of a request that was sent
+};
+
+// Handles are numbers that are never used again, so a handle that is closed or was never made is just not found.
+class HandleTable {
+ public:
+  HINTERNET Add(WebObject object) {
+    const std::lock_guard lock(mutex);
+    const auto handle = reinterpret_cast<HINTERNET>(++last);
+    objects.emplace(handle, std::make_unique<WebObject>(std::move(object)));
+    return handle;
+  }
+  // Null if the handle is none of that kind. The object lives until its handle is closed.
+  WebObject* Find(HINTERNET handle, WebObject::Kind kind) {
+    const std::lock_guard lock(mutex);
+    const auto found = objects.find(handle);
+    return found != objects.end() && found->second->kind == kind ? found->second.get() : nullptr;
+  }
+  bool Remove(HINTERNET handle) {
+    const std::lock_guard lock(mutex);
+    return objects.erase(handle) != 0;
+  }
+
+ private:
+  std::mutex mutex;
+  std::uintptr_t last = 0;
+  std::unordered_map<HINTERNET, std::unique_ptr<WebObject>> objects;
+};
+
+HandleTable& Handles() {
+  static HandleTable table;
+  return table;
+}
+
+std::string_view TextOf(LPCSTR text, DWORD length) {
+  if (text == nullptr) return {};
+  return length == zeroTerminated ? std::string_view(text) : std::string_view(text, length);
+}
+
+WebExchange* FindExchange(HINTERNET request) {
+  const WebObject* object = Handles().Find(request, WebObject::Kind::request);
+  return object != nullptr ? object->exchange.get() : nullptr;
+}
+
+}  // namespace
+
+BOOL InternetGetConnectedState(LPDWORD flags, DWORD) {
+  if (flags != nullptr) *flags = connectedByNetwork;
+  return TRUE;
+}
+
+BOOL InternetAutodial(DWORD, HWND) {
+  return FALSE;
+}
+
+BOOL InternetAutodialHangup(DWORD) {
+  return FALSE;
+}
+
+HINTERNET InternetOpenA(LPCSTR agent, DWORD, LPCSTR, LPCSTR, DWORD) {
+  WebObject session{.kind = WebObject::Kind::session, .description = {}, .exchange = nullptr};
+  session.description.agent = agent != nullptr ? agent : "";
+  return Handles().Add(std::move(session));
+}
+
+HINTERNET InternetConnectA(HINTERNET internet, LPCSTR host, INTERNET_PORT port, LPCSTR, LPCSTR, DWORD, DWORD,
+                           DWORD_PTR) {
+  const WebObject* session = Handles().Find(internet, WebObject::Kind::session);
+  if (session == nullptr || host == nullptr || *host == '\0') return nullptr;
+  WebObject connection{.kind = WebObject::Kind::connection, .description = session->description, .exchange = nullptr};
+  connection.description.host = host;
+  connection.description.port = port;
+  return Handles().Add(std::move(connection));
+}
+
+HINTERNET HttpOpenRequestA(HINTERNET connection, LPCSTR verb, LPCSTR path, LPCSTR, LPCSTR, LPCSTR*, DWORD flags,
+                           DWORD_PTR) {
+  const WebObject* parent = Handles().Find(connection, WebObject::Kind::connection);
+  if (parent == nullptr) return nullptr;
+  WebObject request{.kind = WebObject::Kind::request, .description = parent->description, .exchange = nullptr};
+  WebRequest& description = request.description;
+  description.path = path != nullptr ? path : "";
+  description.post = verb != nullptr && std::strcmp(verb, "POST") == 0;
+  description.secure = (flags & INTERNET_FLAG_SECURE) != 0;
+  description.followRedirects = (flags & INTERNET_FLAG_NO_AUTO_REDIRECT) == 0;
+  description.noCache = (flags & INTERNET_FLAG_PRAGMA_NOCACHE) != 0;
+  return Handles().Add(std::move(request));
+}
+
+BOOL HttpSendRequestA(HINTERNET request, LPCSTR headers, DWORD headersLength, LPVOID body, DWORD bodyLength) {
+  WebObject* object = Handles().Find(request, WebObject::Kind::request);
+  if (object == nullptr) return FALSE;
+  object->exchange = std::make_unique<WebExchange>();
+  const std::string_view content = body != nullptr ? std::string_view(static_cast<const char*>(body), bodyLength) : "";
+  return object->exchange->Send(object->description, TextOf(headers, headersLength), content);
+}
+
+BOOL HttpQueryInfoA(HINTERNET request, DWORD infoLevel, LPVOID buffer, LPDWORD size, LPDWORD) {
+  const WebExchange* exchange = FindExchange(request);
+  if (exchange == nullptr || !exchange->HasHead() || buffer == nullptr || size == nullptr) return FALSE;
+  if (infoLevel == (HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER)) {
+    const auto status = static_cast<DWORD>(exchange->StatusCode());
+    if (*size < sizeof status) return FALSE;
+    std::memcpy(buffer, &status, sizeof status);
+    *size = sizeof status;
+    return TRUE;
+  }
+  if (infoLevel != HTTP_QUERY_CONTENT_LENGTH || !exchange->ContentLength()) return FALSE;
+  const std::string text = std::to_string(*exchange->ContentLength());
+  if (*size <= text.size()) return FALSE;
+  std::memcpy(buffer, text.c_str(), text.size() + 1);
+  *size = static_cast<DWORD>(text.size());
+  return TRUE;
+}
+
+BOOL InternetReadFile(HINTERNET request, LPVOID buffer, DWORD size, LPDWORD read) {
+  WebExchange* exchange = FindExchange(request);
+  if (exchange == nullptr || buffer == nullptr || read == nullptr) return FALSE;
+  const std::optional<std::size_t> got = exchange->Read(static_cast<char*>(buffer), size);
+  *read = static_cast<DWORD>(got.value_or(0));
+  return got.has_value();
+}
+
+BOOL InternetCloseHandle(HINTERNET handle) {
+  return Handles().Remove(handle);
+}

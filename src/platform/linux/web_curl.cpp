@@ -1,0 +1,103 @@
+// libcurl's initialisation and the options of a transfer.
+#include "web_curl.h"
+
+#include <sys/auxv.h>
+
+#include <cstdlib>
+#include <new>
+#include <sstream>
+
+namespace platform {
+
+WebTimeouts webTimeouts;
+
+namespace {
+
+// libcurl counts the calls, so a host that uses libcurl too is not disturbed.
+class CurlLibrary {
+ public:
+  CurlLibrary() { curl_global_init(CURL_GLOBAL_DEFAULT); }
+  ~CurlLibrary() { curl_global_cleanup(); }
+  CurlLibrary(const CurlLibrary&) = delete;
+  CurlLibrary& operator=(const CurlLibrary&) = delete;
+};
+
+// Sets options one after the other and remembers a failure.
+class Options {
+ public:
+  explicit Options(CURL* transfer) : easy(transfer) {}
+  template <typename Value>
+  void Set(CURLoption option, Value value) {
+    good = curl_easy_setopt(easy, option, value) == CURLE_OK && good;
+  }
+  bool Good() const { return good; }
+
+ private:
+  CURL* easy;
+  bool good = true;
+};
+
+void SetTrust(Options& options) {
+  options.Set(CURLOPT_SSL_VERIFYPEER, 1L);
+  options.Set(CURLOPT_SSL_VERIFYHOST, 2L);
+  const char* file = secure_getenv("SSL_CERT_FILE");
+  const char* folder = secure_getenv("SSL_CERT_DIR");
+  if (file == nullptr && folder == nullptr) return;
+  // Null takes the system's store out.
+  options.Set(CURLOPT_CAINFO, file);
+  options.Set(CURLOPT_CAPATH, folder);
+}
+
+}  // namespace
+
+void UseCurl() {
+  static const CurlLibrary library;
+}
+
+CurlList MakeCurlList(const std::vector<std::string>& lines) {
+  CurlList list;
+  for (const std::string& line : lines) {
+    curl_slist* longer = curl_slist_append(list.get(), line.c_str());
+    if (longer == nullptr) throw std::bad_alloc();
+    static_cast<void>(list.release());
+    list.reset(longer);
+  }
+  return list;
+}
+
+CurlList MakeConnectToList() {
+  const char* variable = secure_getenv("NV_CONNECT_TO");
+  std::istringstream stream(variable != nullptr ? variable : "");
+  std::vector<std::string> entries;
+  for (std::string entry; std::getline(stream, entry, ',');) entries.push_back(entry);
+  return MakeCurlList(entries);
+}
+
+bool SetTransferOptions(CURL* easy, const std::string& url, const WebRequest& request, curl_slist* headers,
+                        curl_slist* connectTo, std::string_view body) {
+  Options options(easy);
+  options.Set(CURLOPT_URL, url.c_str());
+  options.Set(CURLOPT_PATH_AS_IS, 1L);
+  options.Set(CURLOPT_PROTOCOLS_STR, request.secure ? "https" : "http,https");
+  options.Set(CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
+  options.Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+  options.Set(CURLOPT_HTTPHEADER, headers);
+  options.Set(CURLOPT_CONNECT_TO, connectTo);
+  if (request.post) {
+    options.Set(CURLOPT_POST, 1L);
+    options.Set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
+    // Copied: a server may answer before it has the whole body, and the caller's buffer is the caller's again then.
+    options.Set(CURLOPT_COPYPOSTFIELDS, body.empty() ? "" : body.data());
+  }
+  SetTrust(options);
+  options.Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(webTimeouts.connect.count()));
+  options.Set(CURLOPT_BUFFERSIZE, webReceiveSize);
+  options.Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+  // The signals of the process are the host's.
+  options.Set(CURLOPT_NOSIGNAL, 1L);
+  // A process with more rights than its user does not let the user's environment choose the way.
+  if (getauxval(AT_SECURE) != 0) options.Set(CURLOPT_PROXY, "");
+  return options.Good();
+}
+
+}  // namespace platform

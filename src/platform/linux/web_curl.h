@@ -1,0 +1,54 @@
+// libcurl with owners for its handles, and the options that all transfers of the web client share.
+#ifndef NVSUPPORT_PLATFORM_LINUX_WEB_CURL_H
+#define NVSUPPORT_PLATFORM_LINUX_WEB_CURL_H
+
+#include <curl/curl.h>
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "web_message.h"
+
+namespace platform {
+
+// The time-outs of the platform. Tests shorten them.
+struct WebTimeouts {
+  std::chrono::milliseconds connect{60'000};
+  std::chrono::milliseconds silence{60'000};  // without a byte, sent or received
+};
+extern WebTimeouts webTimeouts;
+
+struct EasyDeleter {
+  void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+};
+struct MultiDeleter {
+  void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+};
+struct ListDeleter {
+  void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+};
+using CurlEasy = std::unique_ptr<CURL, EasyDeleter>;
+using CurlMulti = std::unique_ptr<CURLM, MultiDeleter>;
+using CurlList = std::unique_ptr<curl_slist, ListDeleter>;
+
+// Initialises libcurl for as long as the module is loaded, at the first call.
+void UseCurl();
+
+CurlList MakeCurlList(const std::vector<std::string>& lines);
+// Where connections really go, from NV_CONNECT_TO; empty if that is not set.
+CurlList MakeConnectToList();
+
+// Bytes that libcurl takes from a connection at a time.
+inline constexpr long webReceiveSize = 128 * 1024;
+
+// Sets all that does not depend on who receives the reply. The lists must outlive the transfer; the body is copied.
+// False if the transfer cannot be made as it should be.
+bool SetTransferOptions(CURL* easy, const std::string& url, const WebRequest& request, curl_slist* headers,
+                        curl_slist* connectTo, std::string_view body);
+
+}  // namespace platform
+
+#endif

@@ -1,0 +1,164 @@
+// HTTP exchanges on libcurl's multi interface.
+#include "web_exchange.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <utility>
+
+namespace platform {
+namespace {
+
+constexpr std::size_t windowSize = 2 * webReceiveSize;
+constexpr std::size_t headLimit = 256 * 1024;  // bytes of all heads of one exchange, interim replies included
+constexpr int redirectLimit = 10;
+
+bool IsRedirect(long status) {
+  return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
+}
+
+bool KeepsMethod(long status) {
+  return status == 307 || status == 308;
+}
+
+}  // namespace
+
+std::chrono::milliseconds WebExchange::Patience::Left() const {
+  const auto silent = std::chrono::steady_clock::now() - since;
+  return webTimeouts.silence - std::chrono::duration_cast<std::chrono::milliseconds>(silent);
+}
+
+bool WebExchange::Send(WebRequest request, std::string_view extraHeader, std::string_view body) {
+  std::optional<std::string> url = BuildUrl(request);
+  phase = Phase::failed;
+  if (!url) return false;
+  UseCurl();
+  connectTo = MakeConnectToList();
+  window.resize(windowSize);
+  for (int hop = 0; hop <= redirectLimit; ++hop) {
+    if (!SendOnce(*url, request, extraHeader, body)) return false;
+    const std::string target = request.followRedirects ? RedirectTarget() : std::string();
+    if (target.empty()) return true;
+    url = target;
+    request.secure = request.secure || target.starts_with("https:");
+    request.post = request.post && KeepsMethod(StatusCode());
+  }
+  phase = Phase::failed;
+  return false;
+}
+
+void WebExchange::Detach() {
+  if (easy && multi) curl_multi_remove_handle(multi.get(), easy.get());
+}
+
+bool WebExchange::SendOnce(const std::string& url, const WebRequest& request, std::string_view extraHeader,
+                           std::string_view body) {
+  std::optional<std::vector<std::string>> lines = BuildHeaders(request, extraHeader, body.size());
+  phase = Phase::failed;
+  if (!lines) return false;
+  // A name without a value takes a header of libcurl's own out.
+  for (const char* unwanted : {"Accept:", "Content-Type:", "Expect:"}) lines->emplace_back(unwanted);
+
+  Detach();
+  easy.reset(curl_easy_init());
+  multi.reset(curl_multi_init());
+  headers = MakeCurlList(*lines);
+  if (!easy || !multi || !SetTransferOptions(easy.get(), url, request, headers.get(), connectTo.get(), body)) {
+    return false;
+  }
+  curl_easy_setopt(easy.get(), CURLOPT_HEADERFUNCTION, &OnHead);
+  curl_easy_setopt(easy.get(), CURLOPT_HEADERDATA, this);
+  curl_easy_setopt(easy.get(), CURLOPT_WRITEFUNCTION, &OnBody);
+  curl_easy_setopt(easy.get(), CURLOPT_WRITEDATA, this);
+  if (curl_multi_add_handle(multi.get(), easy.get()) != CURLM_OK) return false;
+
+  phase = Phase::head;
+  begin = end = 0;
+  for (Patience patience; phase == Phase::head; Wait(patience)) Advance();
+  return phase != Phase::failed;
+}
+
+std::optional<std::size_t> WebExchange::Read(char* data, std::size_t size) {
+  for (Patience patience; begin == end && phase == Phase::body; Wait(patience)) Advance();
+  if (begin == end) return phase == Phase::ended ? std::optional<std::size_t>(0) : std::nullopt;
+  const std::size_t part = std::min(size, end - begin);
+  std::memcpy(data, window.data() + begin, part);
+  begin += part;
+  return part;
+}
+
+long WebExchange::StatusCode() const {
+  long status = 0;
+  curl_easy_getinfo(easy.get(), CURLINFO_RESPONSE_CODE, &status);
+  return status;
+}
+
+std::optional<std::int64_t> WebExchange::ContentLength() const {
+  curl_off_t length = -1;
+  curl_easy_getinfo(easy.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
+  return length < 0 ? std::nullopt : std::optional<std::int64_t>(length);
+}
+
+std::string WebExchange::RedirectTarget() const {
+  char* target = nullptr;
+  if (!IsRedirect(StatusCode()) || curl_easy_getinfo(easy.get(), CURLINFO_REDIRECT_URL, &target) != CURLE_OK) {
+    return {};
+  }
+  return target != nullptr ? target : "";
+}
+
+void WebExchange::Advance() {
+  if (begin == end) begin = end = 0;
+  if (paused) {
+    paused = false;
+    curl_easy_pause(easy.get(), CURLPAUSE_CONT);
+    if (begin != end) return;
+  }
+  int running = 0;
+  if (curl_multi_perform(multi.get(), &running) != CURLM_OK) return End(CURLE_FAILED_INIT);
+  int left = 0;
+  while (const CURLMsg* message = curl_multi_info_read(multi.get(), &left)) {
+    if (message->msg == CURLMSG_DONE) End(message->data.result);
+  }
+}
+
+void WebExchange::Wait(Patience& patience) {
+  if (phase == Phase::ended || phase == Phase::failed || begin != end) return;
+  if (phase == Phase::body && paused) return;
+  const auto left = patience.Left().count();
+  int events = 0;
+  if (left <= 0 || curl_multi_poll(multi.get(), nullptr, 0, static_cast<int>(left), &events) != CURLM_OK) {
+    return End(CURLE_OPERATION_TIMEDOUT);
+  }
+  if (events > 0) patience.Renew();
+}
+
+void WebExchange::End(CURLcode result) {
+  // A server that closes before the length that it told is taken as having ended; a cut chunk is not.
+  const bool shortBody = result == CURLE_PARTIAL_FILE && ContentLength().has_value();
+  phase = phase == Phase::body && (result == CURLE_OK || shortBody) ? Phase::ended : Phase::failed;
+}
+
+std::size_t WebExchange::OnHead(char* data, std::size_t unit, std::size_t size, void* exchange) {
+  auto* self = static_cast<WebExchange*>(exchange);
+  const std::string_view line(data, unit * size);
+  self->headBytes += line.size();
+  if (self->headBytes > headLimit) return 0;
+  const bool blank = line == "\r\n" || line == "\n";
+  if (blank && self->phase == Phase::head && self->StatusCode() >= 200) self->phase = Phase::body;
+  return line.size();
+}
+
+std::size_t WebExchange::OnBody(char* data, std::size_t unit, std::size_t size, void* exchange) {
+  auto* self = static_cast<WebExchange*>(exchange);
+  const std::size_t arrived = unit * size;
+  if (arrived > self->window.size() - self->end) {
+    self->paused = true;
+    return CURL_WRITEFUNC_PAUSE;
+  }
+  std::memcpy(self->window.data() + self->end, data, arrived);
+  self->end += arrived;
+  return arrived;
+}
+
+}  // namespace platform

@@ -1,0 +1,79 @@
+// One HTTP exchange over libcurl: the request goes out, the head of the reply comes in, the body is pulled. Used by
+// the web client; owns the connection, which ends with the object. libcurl is driven only while the caller waits.
+#ifndef NVSUPPORT_PLATFORM_LINUX_WEB_EXCHANGE_H
+#define NVSUPPORT_PLATFORM_LINUX_WEB_EXCHANGE_H
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "web_curl.h"
+#include "web_message.h"
+
+namespace platform {
+
+class WebExchange {
+ public:
+  WebExchange() = default;
+  WebExchange(const WebExchange&) = delete;
+  WebExchange& operator=(const WebExchange&) = delete;
+  ~WebExchange() { Detach(); }
+
+  // Sends the request, follows redirects if it says so, and waits for the head of the final reply. extraHeader: one
+  // line or nothing. One call per object.
+  bool Send(WebRequest request, std::string_view extraHeader, std::string_view body);
+  // Waits for at least one byte and copies up to `size`; 0 at the end of the body. No value if the transfer failed.
+  std::optional<std::size_t> Read(char* data, std::size_t size);
+
+  bool HasHead() const { return phase != Phase::head; }
+  long StatusCode() const;
+  // Bytes of the body; no value if the reply did not tell.
+  std::optional<std::int64_t> ContentLength() const;
+
+ private:
+  enum class Phase { head, body, ended, failed };
+  // How long the peer has been silent while the caller waits.
+  class Patience {
+   public:
+    std::chrono::milliseconds Left() const;
+    void Renew() { since = std::chrono::steady_clock::now(); }
+
+   private:
+    std::chrono::steady_clock::time_point since = std::chrono::steady_clock::now();
+  };
+
+  static std::size_t OnHead(char* data, std::size_t unit, std::size_t size, void* exchange);
+  static std::size_t OnBody(char* data, std::size_t unit, std::size_t size, void* exchange);
+
+  // Takes the transfer, if there is one, out of the multi handle.
+  void Detach();
+  bool SendOnce(const std::string& url, const WebRequest& request, std::string_view extraHeader, std::string_view body);
+  // Where to go next, empty if this reply is the final one.
+  std::string RedirectTarget() const;
+  // Lets libcurl do what it can without waiting.
+  void Advance();
+  void Wait(Patience& patience);
+  void End(CURLcode result);
+
+  // Each relies on those before it.
+  CurlList headers;
+  CurlList connectTo;
+  CurlMulti multi;
+  CurlEasy easy;
+
+  Phase phase = Phase::head;
+  std::size_t headBytes = 0;
+  bool paused = false;       // libcurl holds back a piece of the body that had no room
+  std::vector<char> window;  // of the body; [begin, end) is received and not yet read
+  std::size_t begin = 0;
+  std::size_t end = 0;
+};
+
+}  // namespace platform
+
+#endif

@@ -1,0 +1,97 @@
+// URL and header lines of an HTTP request.
+#include "web_message.h"
+
+#include <curl/curl.h>
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace platform {
+namespace {
+
+struct UrlDeleter {
+  void operator()(CURLU* url) const { curl_url_cleanup(url); }
+};
+struct TextDeleter {
+  void operator()(char* text) const { curl_free(text); }
+};
+
+constexpr std::string_view blanks = " \t";
+
+// A line end or a zero in the middle of a text could smuggle a second request into the first.
+bool HasControlCharacters(std::string_view text) {
+  return std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; });
+}
+
+std::string_view Trim(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(blanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+// What would end the path within a URL or a request line is escaped; all else goes out as it stands.
+std::string EscapedPath(std::string_view path) {
+  std::string escaped;
+  if (!path.starts_with('/')) escaped = "/";
+  for (const char c : path) {
+    if (c == ' ') {
+      escaped += "%20";
+    } else if (c == '#') {
+      escaped += "%23";
+    } else {
+      escaped += c;
+    }
+  }
+  return escaped;
+}
+
+// "Name:value" as a line of a request.
+std::optional<std::string> HeaderLine(std::string_view text) {
+  while (text.ends_with('\n') || text.ends_with('\r')) text.remove_suffix(1);
+  const std::size_t colon = text.find(':');
+  if (colon == std::string_view::npos || colon == 0 || HasControlCharacters(text)) return std::nullopt;
+  const std::string_view value = Trim(text.substr(colon + 1));
+  if (value.empty()) return std::nullopt;
+  return std::string(text.substr(0, colon)).append(": ").append(value);
+}
+
+}  // namespace
+
+std::optional<std::string> BuildUrl(const WebRequest& request) {
+  if (request.host.empty() || HasControlCharacters(request.host) || HasControlCharacters(request.path)) {
+    return std::nullopt;
+  }
+  const std::unique_ptr<CURLU, UrlDeleter> url(curl_url());
+  // Setting the host as a part of its own checks that it is nothing but a host.
+  char* text = nullptr;
+  if (!url || curl_url_set(url.get(), CURLUPART_SCHEME, request.secure ? "https" : "http", 0) != CURLUE_OK ||
+      curl_url_set(url.get(), CURLUPART_HOST, request.host.c_str(), 0) != CURLUE_OK ||
+      curl_url_set(url.get(), CURLUPART_PORT, std::to_string(request.port).c_str(), 0) != CURLUE_OK ||
+      curl_url_get(url.get(), CURLUPART_URL, &text, CURLU_NO_DEFAULT_PORT) != CURLUE_OK) {
+    return std::nullopt;
+  }
+  const std::unique_ptr<char, TextDeleter> owned(text);
+  std::string base = text;
+  if (base.ends_with('/')) base.pop_back();
+  return base + EscapedPath(request.path);
+}
+
+std::optional<std::vector<std::string>> BuildHeaders(const WebRequest& request, std::string_view extra,
+                                                     std::size_t bodySize) {
+  std::vector<std::string> texts;
+  if (request.post) texts.push_back("Content-Length:" + std::to_string(bodySize));
+  if (!request.agent.empty()) texts.push_back("User-Agent:" + request.agent);
+  if (request.noCache) texts.emplace_back("Pragma:no-cache");
+  if (!extra.empty()) texts.emplace_back(extra);
+
+  std::vector<std::string> lines;
+  for (const std::string& text : texts) {
+    std::optional<std::string> line = HeaderLine(text);
+    if (!line) return std::nullopt;
+    lines.push_back(*std::move(line));
+  }
+  return lines;
+}
+
+}  // namespace platform

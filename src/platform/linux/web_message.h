@@ -1,0 +1,35 @@
+// The text of an HTTP request: its URL and its header lines, checked. Used by the web client; touches no network.
+#ifndef NVSUPPORT_PLATFORM_LINUX_WEB_MESSAGE_H
+#define NVSUPPORT_PLATFORM_LINUX_WEB_MESSAGE_H
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "types.h"
+
+namespace platform {
+
+struct WebRequest {
+  std::string agent;
+  std::string host;
+  WORD port = 0;
+  std::string path;
+  bool post = false;
+  bool secure = false;
+  bool followRedirects = false;
+  bool noCache = false;
+};
+
+// No value for a host or path that cannot be part of a URL.
+std::optional<std::string> BuildUrl(const WebRequest& request);
+
+// The header lines behind Host, in their order. extra: one further header, with or without a line end, or nothing.
+// No value if a line would not be well-formed.
+std::optional<std::vector<std::string>> BuildHeaders(const WebRequest& request, std::string_view extra,
+                                                     std::size_t bodySize);
+
+}  // namespace platform
+
+#endif
