@@ -1,0 +1,89 @@
+// A small HTTP server for tests: it records what it is sent and answers each connection with the bytes of a script.
+// Loopback, a port of the kernel's choice, a thread of its own that ends with the object. With an identity it speaks
+// TLS.
+#ifndef NVSUPPORT_TESTS_SUPPORT_SCRIPTED_SERVER_H
+#define NVSUPPORT_TESTS_SUPPORT_SCRIPTED_SERVER_H
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+struct ssl_ctx_st;  // of OpenSSL
+
+namespace nvsupport::testing {
+
+// The answer to one connection: one request, one reply.
+struct Reply {
+  enum class End { close, reset, hold };  // hold: the connection stays open until the client or the server goes
+
+  std::string bytes;                   // as they go out, head and body
+  End end = End::close;                // what happens behind the last byte
+  std::size_t piece = 0;               // bytes sent at a time; 0: all at once
+  std::chrono::milliseconds pause{0};  // before each piece but the first
+};
+
+// A reply with a Content-Length. headers: further lines, each with its line end.
+Reply HttpReply(int status, std::string_view body, std::string_view headers = {});
+Reply NoReply();
+// The first `count` bytes of a reply, then its end.
+Reply CutAfter(Reply reply, std::size_t count);
+
+// What a TLS server shows of itself.
+struct TlsIdentity {
+  std::string certificate;  // PEM
+  std::string key;          // PEM
+};
+
+class ScriptedServer {
+ public:
+  // Chooses the answer to a request. Called on the server's thread.
+  using Script = std::function<Reply(const std::string& request)>;
+
+  explicit ScriptedServer(Script script, const TlsIdentity* identity = nullptr);
+  // One reply per connection in this order; the last one for all that follow.
+  explicit ScriptedServer(std::vector<Reply> replies, const TlsIdentity* identity = nullptr);
+  ~ScriptedServer();
+  ScriptedServer(const ScriptedServer&) = delete;
+  ScriptedServer& operator=(const ScriptedServer&) = delete;
+
+  std::uint16_t Port() const { return port; }
+  // Value of NV_CONNECT_TO that leads connections for host:port here.
+  std::string ConnectTo(const std::string& host, int hostPort) const;
+  // All requests so far, head and body, each complete before its reply begins.
+  std::vector<std::string> Requests() const;
+  // Connections so far, those without a complete request (or handshake) included.
+  int Connections() const;
+
+ private:
+  class Channel;
+  struct ContextDeleter {
+    void operator()(ssl_ctx_st* context) const;
+  };
+
+  void Serve();
+  void Answer(Channel& channel);
+
+  Script script;
+  std::unique_ptr<ssl_ctx_st, ContextDeleter> context;  // null: plain
+  int listener = -1;
+  std::uint16_t port = 0;
+
+  mutable std::mutex mutex;  // guards what follows
+  std::vector<std::string> requests;
+  int connections = 0;
+  int current = -1;  // descriptor of the connection that is being served
+  bool stopping = false;
+
+  std::thread thread;
+};
+
+}  // namespace nvsupport::testing
+
+#endif
