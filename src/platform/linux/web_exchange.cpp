@@ -30,7 +30,6 @@ std::chrono::milliseconds WebExchange::Patience::Left() const {
 
 bool WebExchange::Send(WebRequest request, std::string_view extraHeader, std::string_view body) {
   std::optional<std::string> url = BuildUrl(request);
-  phase = Phase::failed;
   if (!url) return false;
   UseCurl();
   connectTo = MakeConnectToList();
@@ -43,7 +42,7 @@ bool WebExchange::Send(WebRequest request, std::string_view extraHeader, std::st
     request.secure = request.secure || target.starts_with("https:");
     request.post = request.post && KeepsMethod(StatusCode());
   }
-  phase = Phase::failed;
+  headDone = false;
   return false;
 }
 
@@ -54,12 +53,13 @@ void WebExchange::Detach() {
 bool WebExchange::SendOnce(const std::string& url, const WebRequest& request, std::string_view extraHeader,
                            std::string_view body) {
   std::optional<std::vector<std::string>> lines = BuildHeaders(request, extraHeader, body.size());
-  phase = Phase::failed;
   if (!lines) return false;
   // A name without a value takes a header of libcurl's own out.
   for (const char* unwanted : {"Accept:", "Content-Type:", "Expect:"}) lines->emplace_back(unwanted);
 
   Detach();
+  phase = Phase::failed;
+  headDone = false;
   easy.reset(curl_easy_init());
   multi.reset(curl_multi_init());
   headers = MakeCurlList(*lines);
@@ -72,14 +72,15 @@ bool WebExchange::SendOnce(const std::string& url, const WebRequest& request, st
   curl_easy_setopt(easy.get(), CURLOPT_WRITEDATA, this);
   if (curl_multi_add_handle(multi.get(), easy.get()) != CURLM_OK) return false;
 
-  phase = Phase::head;
+  phase = Phase::running;
+  paused = false;
   begin = end = 0;
-  for (Patience patience; phase == Phase::head; Wait(patience)) Advance();
-  return phase != Phase::failed;
+  Drive([this] { return headDone; });
+  return headDone;
 }
 
 std::optional<std::size_t> WebExchange::Read(char* data, std::size_t size) {
-  for (Patience patience; begin == end && phase == Phase::body; Wait(patience)) Advance();
+  Drive([this] { return begin != end; });
   if (begin == end) return phase == Phase::ended ? std::optional<std::size_t>(0) : std::nullopt;
   const std::size_t part = std::min(size, end - begin);
   std::memcpy(data, window.data() + begin, part);
@@ -107,6 +108,15 @@ std::string WebExchange::RedirectTarget() const {
   return target != nullptr ? target : "";
 }
 
+template <typename Done>
+void WebExchange::Drive(Done done) {
+  Patience patience;
+  while (phase == Phase::running && !done()) {
+    Advance();
+    if (phase == Phase::running && !done()) Wait(patience);
+  }
+}
+
 void WebExchange::Advance() {
   if (begin == end) begin = end = 0;
   if (paused) {
@@ -123,8 +133,6 @@ void WebExchange::Advance() {
 }
 
 void WebExchange::Wait(Patience& patience) {
-  if (phase == Phase::ended || phase == Phase::failed || begin != end) return;
-  if (phase == Phase::body && paused) return;
   const auto left = patience.Left().count();
   int events = 0;
   if (left <= 0 || curl_multi_poll(multi.get(), nullptr, 0, static_cast<int>(left), &events) != CURLM_OK) {
@@ -136,7 +144,7 @@ void WebExchange::Wait(Patience& patience) {
 void WebExchange::End(CURLcode result) {
   // A server that closes before the length that it told is taken as having ended; a cut chunk is not.
   const bool shortBody = result == CURLE_PARTIAL_FILE && ContentLength().has_value();
-  phase = phase == Phase::body && (result == CURLE_OK || shortBody) ? Phase::ended : Phase::failed;
+  phase = headDone && (result == CURLE_OK || shortBody) ? Phase::ended : Phase::failed;
 }
 
 std::size_t WebExchange::OnHead(char* data, std::size_t unit, std::size_t size, void* exchange) {
@@ -145,7 +153,7 @@ std::size_t WebExchange::OnHead(char* data, std::size_t unit, std::size_t size, 
   self->headBytes += line.size();
   if (self->headBytes > headLimit) return 0;
   const bool blank = line == "\r\n" || line == "\n";
-  if (blank && self->phase == Phase::head && self->StatusCode() >= 200) self->phase = Phase::body;
+  if (blank && self->StatusCode() >= 200) self->headDone = true;
   return line.size();
 }
 

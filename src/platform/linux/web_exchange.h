@@ -30,13 +30,14 @@ class WebExchange {
   // Waits for at least one byte and copies up to `size`; 0 at the end of the body. No value if the transfer failed.
   std::optional<std::size_t> Read(char* data, std::size_t size);
 
-  bool HasHead() const { return phase != Phase::head; }
+  // The head of the final reply is there; the two below rely on it.
+  bool HasHead() const { return headDone; }
   long StatusCode() const;
   // Bytes of the body; no value if the reply did not tell.
   std::optional<std::int64_t> ContentLength() const;
 
  private:
-  enum class Phase { head, body, ended, failed };
+  enum class Phase { running, ended, failed };
   // How long the peer has been silent while the caller waits.
   class Patience {
    public:
@@ -55,6 +56,9 @@ class WebExchange {
   bool SendOnce(const std::string& url, const WebRequest& request, std::string_view extraHeader, std::string_view body);
   // Where to go next, empty if this reply is the final one.
   std::string RedirectTarget() const;
+  // Works and waits in turn until `done` or the transfer ends.
+  template <typename Done>
+  void Drive(Done done);
   // Lets libcurl do what it can without waiting.
   void Advance();
   void Wait(Patience& patience);
@@ -66,7 +70,8 @@ class WebExchange {
   CurlMulti multi;
   CurlEasy easy;
 
-  Phase phase = Phase::head;
+  Phase phase = Phase::failed;
+  bool headDone = false;
   std::size_t headBytes = 0;
   bool paused = false;       // libcurl holds back a piece of the body that had no room
   std::vector<char> window;  // of the body; [begin, end) is received and not yet read
