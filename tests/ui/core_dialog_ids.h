@@ -1,0 +1,17 @@
+/* Ids of core_dialogs.rc. */
+#ifndef NVSUPPORT_TESTS_UI_CORE_DIALOG_IDS_H
+#define NVSUPPORT_TESTS_UI_CORE_DIALOG_IDS_H
+
+#define IDD_ALL_CONTROLS 301
+#define IDD_PLAIN 302
+#define IDD_UNKNOWN_CONTROL 303
+
+#define IDC_NAME_EDIT 10
+#define IDC_SECRET_EDIT 11
+#define IDC_TWO_STATES 12
+#define IDC_THREE_STATES 13
+#define IDC_MANUAL_BOX 14
+#define IDC_DISABLED 15
+#define IDC_OTHER 16
+
+#endif

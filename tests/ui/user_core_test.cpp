@@ -1,0 +1,399 @@
+// The user core on the headless display: message orders, keys, focus, controls, handles.
+#include <gtest/gtest-spi.h>
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <thread>
+
+#include "core_probe.h"
+#include "support/played_user.h"
+
+namespace {
+
+using user::Key;
+using Seen = std::vector<std::string>;
+
+HWND Item(HWND dialog, int id) {
+  return GetDlgItem(dialog, id);
+}
+
+std::string ItemText(HWND dialog, int id) {
+  char text[100];
+  GetDlgItemTextA(dialog, id, text, sizeof text);
+  return text;
+}
+
+TEST(UserCore, SendsAnOpeningAndEndingDialogItsMessagesInTheirOrder) {
+  PlayedUser person;
+  person.steps = {[](HWND dialog) { user::Click(Item(dialog, IDOK)); }};
+  CoreProbe probe([](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) -> INT_PTR {
+    if (message == WM_INITDIALOG) {
+      EXPECT_EQ(GetWindowLongPtrA(dialog, GWLP_USERDATA), 0);
+      EXPECT_EQ(reinterpret_cast<HWND>(wParam), Item(dialog, IDC_NAME_EDIT));
+      SetWindowTextA(Item(dialog, IDC_NAME_EDIT), "x");
+      return TRUE;
+    }
+    if (message == WM_COMMAND && wParam == IDOK) {
+      EXPECT_EQ(reinterpret_cast<HWND>(lParam), Item(dialog, IDOK));
+      EndDialog(dialog, 5);
+      EndDialog(dialog, 6);
+      EXPECT_TRUE(IsWindow(dialog));
+    }
+    EXPECT_TRUE(IsWindow(dialog));
+    return FALSE;
+  });
+  EXPECT_EQ(probe.Run(IDD_ALL_CONTROLS), 5);
+  EXPECT_EQ(probe.seen, (Seen{"SETFONT", "INITDIALOG", "COMMAND 10 400", "COMMAND 10 300", "COMMAND 10 100",
+                              "COMMAND 10 200", "COMMAND 1 0", "DESTROY", "NCDESTROY"}));
+  EXPECT_FALSE(IsWindow(probe.dialog));
+}
+
+TEST(UserCore, TellsAFocusedEditThatItLosesTheFocusOnTheWayOut) {
+  PlayedUser person;
+  person.steps = {[](HWND dialog) { user::CloseBox(dialog); }};
+  CoreProbe probe(EndOnButton);
+  EXPECT_EQ(probe.Run(IDD_ALL_CONTROLS), IDCANCEL);
+  EXPECT_EQ(probe.seen, (Seen{"SETFONT", "INITDIALOG", "COMMAND 10 100", "CLOSE", "COMMAND 2 0", "COMMAND 10 200",
+                              "DESTROY", "NCDESTROY"}));
+}
+
+TEST(UserCore, ChoosesTheButtonForAKeyByTheFocus) {
+  const struct {
+    int focus;
+    Key key;
+    int command;
+  } cases[] = {
+      {IDC_NAME_EDIT, Key::enter, IDOK},  {IDC_TWO_STATES, Key::enter, IDOK}, {IDC_OTHER, Key::enter, IDC_OTHER},
+      {IDCANCEL, Key::enter, IDCANCEL},   {IDC_OTHER, Key::space, IDC_OTHER}, {IDC_NAME_EDIT, Key::escape, IDCANCEL},
+      {IDC_OTHER, Key::escape, IDCANCEL},
+  };
+  for (const auto& row : cases) {
+    SCOPED_TRACE(row.focus);
+    PlayedUser person;
+    person.steps = {[&](HWND dialog) {
+      SendMessageA(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(dialog, row.focus)), 1);
+      user::Press(dialog, row.key);
+    }};
+    CoreProbe probe([](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+      if (message == WM_COMMAND && HIWORD(wParam) == 0) {
+        EXPECT_EQ(reinterpret_cast<HWND>(lParam), Item(dialog, LOWORD(wParam)));
+      }
+      return EndOnButton(dialog, message, wParam, lParam);
+    });
+    EXPECT_EQ(probe.Run(IDD_ALL_CONTROLS), row.command);
+  }
+}
+
+TEST(UserCore, MovesTheFocusInTemplateOrderPastWhatCannotTakeIt) {
+  PlayedUser person;
+  std::vector<int> visited;
+  person.steps = {[&](HWND dialog) {
+    for (int presses = 0; presses < 9; ++presses) {
+      for (const int id : {10, 11, 12, 13, 14, 15, 1, 2, 16}) {
+        if (Item(dialog, id) == user::FocusedControl(dialog)) visited.push_back(id);
+      }
+      user::Press(dialog, Key::tab);
+    }
+    SendMessageA(dialog, WM_NEXTDLGCTL, 1, 0);
+    EXPECT_EQ(user::FocusedControl(dialog), Item(dialog, IDC_NAME_EDIT));
+    EXPECT_EQ(user::Record().selectedWhole, Item(dialog, IDC_NAME_EDIT));
+    EndDialog(dialog, 1);
+  }};
+  CoreProbe(EndOnButton).Run(IDD_ALL_CONTROLS);
+  EXPECT_EQ(visited, (std::vector<int>{10, 11, 12, 13, 14, 1, 2, 16, 10}));
+}
+
+TEST(UserCore, LeavesTheFocusWhereAHandlerThatGivesZeroPutIt) {
+  PlayedUser person;
+  HWND focused = nullptr;
+  person.steps = {[&](HWND dialog) {
+    focused = user::FocusedControl(dialog);
+    EXPECT_EQ(focused, Item(dialog, IDC_SECRET_EDIT));
+    EndDialog(dialog, 1);
+  }};
+  CoreProbe probe([](HWND dialog, UINT message, WPARAM, LPARAM) -> INT_PTR {
+    if (message == WM_INITDIALOG) {
+      SendMessageA(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(dialog, IDC_SECRET_EDIT)), 1);
+    }
+    return FALSE;
+  });
+  probe.Run(IDD_ALL_CONTROLS);
+  EXPECT_EQ(user::Record().selectedWhole, focused);
+}
+
+TEST(UserCore, ChangesACheckBoxBeforeItTellsTheDialog) {
+  PlayedUser person;
+  std::vector<LRESULT> states;
+  CoreProbe probe([&](HWND, UINT message, WPARAM wParam, LPARAM lParam) -> INT_PTR {
+    if (message == WM_COMMAND) states.push_back(SendMessageA(reinterpret_cast<HWND>(lParam), BM_GETCHECK, 0, 0));
+    return message == WM_COMMAND && HIWORD(wParam) == 0;
+  });
+  person.steps = {[&](HWND dialog) {
+    for (const int id : {IDC_TWO_STATES, IDC_THREE_STATES, IDC_MANUAL_BOX}) {
+      user::Click(Item(dialog, id));
+      user::Press(dialog, Key::space);
+      SendDlgItemMessageA(dialog, id, BM_CLICK, 0, 0);
+    }
+    EXPECT_EQ(states, (std::vector<LRESULT>{1, 0, 1, 1, 2, 0, 0, 0, 0}));
+    for (const auto& [id, largest] : {std::pair{IDC_TWO_STATES, 1}, {IDC_THREE_STATES, 2}, {IDOK, 0}}) {
+      SendDlgItemMessageA(dialog, id, BM_SETCHECK, 7, 0);
+      EXPECT_EQ(SendDlgItemMessageA(dialog, id, BM_GETCHECK, 0, 0), largest);
+      EXPECT_EQ(user::CheckStateShown(Item(dialog, id)), largest);
+    }
+    states.clear();
+    user::Click(Item(dialog, IDC_DISABLED));
+    EXPECT_TRUE(states.empty());
+    EndDialog(dialog, 1);
+  }};
+  probe.Run(IDD_ALL_CONTROLS);
+}
+
+TEST(UserCore, KeepsTextsInStepWithTheDisplay) {
+  PlayedUser person;
+  person.steps = {[](HWND dialog) {
+    user::Type(Item(dialog, IDC_SECRET_EDIT), "Gr\xC3\xBC\xC3\x9F\x65");
+    EXPECT_EQ(ItemText(dialog, IDC_SECRET_EDIT), "Gr\xC3\xBC\xC3\x9F\x65");
+    EXPECT_EQ(SendDlgItemMessageA(dialog, IDC_SECRET_EDIT, WM_GETTEXTLENGTH, 0, 0), 7);
+    char four[5] = "####";
+    EXPECT_EQ(GetDlgItemTextA(dialog, IDOK, four, 2), 1u);
+    EXPECT_STREQ(four, "O");
+    EXPECT_EQ(GetDlgItemTextA(dialog, 999, four, 4), 0u);
+    EXPECT_STREQ(four, "");
+    SetWindowTextA(dialog, "caf\xE9");  // not valid in the code page
+    EXPECT_EQ(user::ViewOf(dialog)->title, "caf\xC3\xA9");
+    EXPECT_EQ(user::ViewOf(dialog)->controls[0].text, "&Name \xE2\x82\xAC");
+    EndDialog(dialog, 1);
+  }};
+  CoreProbe probe(EndOnButton);
+  EXPECT_EQ(probe.Run(IDD_ALL_CONTROLS), 1);
+  EXPECT_EQ(std::vector(probe.seen.begin() + 4, probe.seen.begin() + 7),
+            (Seen{"COMMAND 11 100", "COMMAND 11 400", "COMMAND 11 300"}));
+}
+
+TEST(UserCore, OpensADialogInsideADialog) {
+  PlayedUser person;
+  CoreProbe* outside = nullptr;
+  CoreProbe inner([&](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_INITDIALOG) {
+      EXPECT_EQ(GetParent(dialog), outside->dialog);
+      EXPECT_EQ(GetWindow(dialog, GW_OWNER), outside->dialog);
+      EXPECT_FALSE(user::IsEnabledOnDisplay(outside->dialog));
+    }
+    if (message == WM_DESTROY) {
+      EXPECT_TRUE(user::IsEnabledOnDisplay(outside->dialog));
+    }
+    return EndOnButton(dialog, message, wParam, lParam);
+  });
+  CoreProbe outer([&](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) -> INT_PTR {
+    if (message != WM_COMMAND || LOWORD(wParam) != IDC_OTHER) return EndOnButton(dialog, message, wParam, lParam);
+    EXPECT_EQ(inner.Run(IDD_ALL_CONTROLS, Item(dialog, IDC_NAME_EDIT)), IDOK);
+    return TRUE;
+  });
+  outside = &outer;
+  person.steps = {
+      [](HWND dialog) { SendMessageA(dialog, WM_COMMAND, IDC_OTHER, 0); },
+      [&](HWND dialog) {
+        EXPECT_EQ(user::ViewOf(dialog)->owner, outer.dialog);
+        user::Click(Item(outer.dialog, IDOK));  // does not reach a disabled dialog
+        user::CloseBox(outer.dialog);
+        user::Press(dialog, Key::enter);
+      },
+      [](HWND dialog) { user::Press(dialog, Key::escape); },
+  };
+  EXPECT_EQ(outer.Run(IDD_ALL_CONTROLS), IDCANCEL);
+  EXPECT_EQ(outer.seen, (Seen{"SETFONT", "INITDIALOG", "COMMAND 10 100", "COMMAND 16 0", "COMMAND 10 200",
+                              "COMMAND 10 100", "COMMAND 2 0", "COMMAND 10 200", "DESTROY", "NCDESTROY"}));
+}
+
+TEST(UserCore, SurvivesHandlersThatDestroyTheirDialog) {
+  const PlayedUser::Step close = [](HWND dialog) { user::CloseBox(dialog); };
+  const PlayedUser::Step end = [](HWND dialog) { EndDialog(dialog, 1); };
+  const struct {
+    UINT trigger;
+    std::deque<PlayedUser::Step> steps;
+    INT_PTR result;
+  } cases[] = {
+      {WM_SETFONT, {}, 0},    {WM_INITDIALOG, {}, 0}, {WM_COMMAND, {}, 0},
+      {WM_CLOSE, {close}, 0}, {WM_DESTROY, {end}, 1}, {WM_NCDESTROY, {end}, 1},
+  };
+  for (const auto& row : cases) {
+    SCOPED_TRACE(row.trigger);
+    PlayedUser person;
+    person.steps = row.steps;
+    CoreProbe probe([&](HWND dialog, UINT message, WPARAM, LPARAM) -> INT_PTR {
+      if (message == row.trigger) DestroyWindow(dialog);
+      return TRUE;
+    });
+    EXPECT_EQ(probe.Run(IDD_ALL_CONTROLS), row.result);
+    EXPECT_FALSE(IsWindow(probe.dialog));
+    EXPECT_EQ(user::ViewOf(probe.dialog), nullptr);
+  }
+}
+
+TEST(UserCore, TakesAnInnerDialogDownWithItsOwner) {
+  PlayedUser person;
+  CoreProbe inner(EndOnButton);
+  std::optional<INT_PTR> innerResult;
+  CoreProbe outer([&](HWND dialog, UINT message, WPARAM wParam, LPARAM) -> INT_PTR {
+    if (message == WM_COMMAND && wParam == IDC_OTHER) innerResult = inner.Run(IDD_PLAIN, dialog);
+    return TRUE;
+  });
+  person.steps = {[](HWND dialog) { user::Click(Item(dialog, IDC_OTHER)); },
+                  [&](HWND) { DestroyWindow(outer.dialog); }};
+  EXPECT_EQ(outer.Run(IDD_ALL_CONTROLS), 0);
+  EXPECT_EQ(innerResult, 0);
+  EXPECT_EQ(inner.seen, (Seen{"INITDIALOG", "DESTROY", "NCDESTROY"}));
+}
+
+TEST(UserCore, AnswersStaleAndUnknownHandlesWithNothing) {
+  PlayedUser person;
+  std::vector<HWND> handles = {nullptr, reinterpret_cast<HWND>(0x1234), reinterpret_cast<HWND>(~std::uintptr_t{0})};
+  person.steps = {[&](HWND dialog) {
+    handles.push_back(dialog);
+    handles.push_back(Item(dialog, IDC_NAME_EDIT));
+    user::Press(dialog, Key::enter);
+  }};
+  CoreProbe(EndOnButton).Run(IDD_ALL_CONTROLS);
+  for (const HWND handle : handles) {
+    RECT rectangle{};
+    char text[10];
+    EXPECT_FALSE(IsWindow(handle));
+    EXPECT_FALSE(DestroyWindow(handle));
+    EXPECT_FALSE(EndDialog(handle, 1));
+    EXPECT_FALSE(GetWindowRect(handle, &rectangle));
+    EXPECT_FALSE(SetWindowTextA(handle, "x"));
+    EXPECT_FALSE(EnumChildWindows(
+        handle, [](HWND, LPARAM) { return TRUE; }, 0));
+    EXPECT_FALSE(SetWindowPos(handle, nullptr, 1, 1, 0, 0, SWP_NOSIZE));
+    EXPECT_EQ(GetWindowTextA(handle, text, sizeof text), 0);
+    EXPECT_EQ(GetParent(handle), nullptr);
+    EXPECT_EQ(GetDlgItem(handle, IDOK), nullptr);
+    EXPECT_EQ(SendMessageA(handle, WM_CLOSE, 0, 0), 0);
+    EXPECT_EQ(SetWindowLongPtrA(handle, GWLP_USERDATA, 1), 0);
+    EXPECT_EQ(GetWindowLongPtrA(handle, GWLP_USERDATA), 0);
+    user::Click(handle);
+    user::Type(handle, "x");
+    user::Drag(handle, {1, 1});
+    user::Wheel(handle, 120);
+  }
+}
+
+TEST(UserCore, TakesAWindowOfTheHostAsOwner) {
+  const HWND host = reinterpret_cast<HWND>(0x4400001);
+  for (const bool known : {true, false}) {
+    PlayedUser person;
+    if (known) user::Screen().foreignWindows[0x4400001] = {200, 100, 600, 500};
+    person.steps = {[&](HWND dialog) {
+      EXPECT_EQ(GetParent(dialog), known ? host : nullptr);
+      EXPECT_EQ(user::ViewOf(dialog)->foreignOwner, known ? 0x4400001u : 0u);
+      EXPECT_EQ(IsWindow(host), known);
+      POINT points[2] = {{0, 0}, {5, 5}};
+      MapWindowPoints(host, nullptr, points, 2);
+      EXPECT_EQ(points[1].x, known ? 205 : 5);
+      MapWindowPoints(nullptr, dialog, points, 1);
+      EXPECT_EQ(points[0].y, (known ? 100 : 0) - 22);
+      EndDialog(dialog, 1);
+    }};
+    EXPECT_EQ(CoreProbe().Run(IDD_PLAIN, host), 1);
+  }
+}
+
+TEST(UserCore, MeasuresAndMovesInPixels) {
+  PlayedUser person;
+  person.steps = {[](HWND dialog) {
+    EXPECT_TRUE(SetWindowPos(dialog, nullptr, 30, 40, 0, 0, SWP_NOSIZE | SWP_NOZORDER));
+    RECT frame{};
+    GetWindowRect(dialog, &frame);
+    EXPECT_EQ(frame.right - frame.left, 175 + 8);
+    EXPECT_EQ(frame.bottom - frame.top, 163 + 8 + 18);
+    RECT edit{};
+    GetWindowRect(Item(dialog, IDC_NAME_EDIT), &edit);
+    EXPECT_EQ(edit.left, 30 + 4 + 35);
+    EXPECT_EQ(edit.bottom, 40 + 22 + 23);
+    user::Drag(dialog, {-5, 7});
+    GetWindowRect(dialog, &frame);
+    EXPECT_EQ(frame.top, 47);
+    user::Wheel(Item(dialog, IDC_NAME_EDIT), -120);
+    EndDialog(dialog, 1);
+  }};
+  short delta = 0;
+  LONG left = 0;
+  CoreProbe probe([&](HWND, UINT message, WPARAM wParam, LPARAM lParam) -> INT_PTR {
+    if (message == WM_MOUSEWHEEL) delta = static_cast<short>(HIWORD(wParam));
+    if (message == WM_MOVING) left = reinterpret_cast<const RECT*>(lParam)->left;
+    return FALSE;
+  });
+  probe.Run(IDD_ALL_CONTROLS);
+  EXPECT_EQ(left, 25);
+  EXPECT_EQ(delta, -120);
+  EXPECT_EQ(probe.seen, (Seen{"SETFONT", "INITDIALOG", "MOVING", "MOVE", "MOUSEWHEEL", "DESTROY", "NCDESTROY"}));
+}
+
+TEST(UserCore, ShowsAMessageBoxOverItsOwner) {
+  PlayedUser person;
+  CoreProbe probe(EndOnButton);
+  person.steps = {[&](HWND dialog) {
+    probe.seen.clear();
+    EXPECT_EQ(MessageBoxA(dialog, "caf\xE9", nullptr, MB_ICONERROR), 1);
+    EXPECT_TRUE(user::IsEnabledOnDisplay(dialog));
+    EXPECT_EQ(probe.seen, (Seen{"COMMAND 10 200", "COMMAND 10 100"}));
+    EndDialog(dialog, 1);
+  }};
+  probe.Run(IDD_ALL_CONTROLS);
+  ASSERT_EQ(person.boxes.size(), 1u);
+  EXPECT_EQ(person.boxes[0].owner, probe.dialog);
+  EXPECT_EQ(person.boxes[0].text, "caf\xC3\xA9");
+  EXPECT_EQ(person.boxes[0].caption, "Error");
+  EXPECT_EQ(person.boxes[0].type, MB_ICONERROR);
+}
+
+TEST(UserCore, FailsWhereThereIsNothingToShow) {
+  const HINSTANCE module = GetModuleHandleA(nullptr);
+  {
+    PlayedUser person;
+    EXPECT_EQ(DialogBoxParamA(nullptr, MAKEINTRESOURCEA(101), nullptr, EndOnButton, 0), -1);
+    EXPECT_NE(GetLastError(), 0u);
+    SetLastError(0);
+    EXPECT_EQ(DialogBoxParamA(module, MAKEINTRESOURCEA(999), nullptr, EndOnButton, 0), -1);
+    EXPECT_NE(GetLastError(), 0u);
+    EXPECT_EQ(DialogBoxParamA(module, "by name", nullptr, EndOnButton, 0), -1);
+    EXPECT_EQ(CoreProbe().Run(IDD_UNKNOWN_CONTROL), -1);
+  }
+  SetLastError(0);
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(CoreProbe().Run(IDD_ALL_CONTROLS), -1);
+  EXPECT_EQ(MessageBoxA(nullptr, "the text", "the caption", MB_OK), 0);
+  const std::string written = testing::internal::GetCapturedStderr();
+  EXPECT_NE(GetLastError(), 0u);
+  EXPECT_NE(written.find("All controls"), std::string::npos);
+  EXPECT_NE(written.find("the caption: the text"), std::string::npos);
+}
+
+TEST(UserCore, ClosesADialogThatItsUserForgets) {
+  EXPECT_NONFATAL_FAILURE(
+      {
+        PlayedUser person;
+        CoreProbe(EndOnButton).Run(IDD_PLAIN);
+      },
+      "left open");
+}
+
+TEST(UserCore, LetsAJoinedThreadShowTheWaitCursor) {
+  PlayedUser person;
+  const DWORD owner = GetCurrentThreadId();
+  const auto show = [owner](bool join) {
+    if (join) AttachThreadInput(GetCurrentThreadId(), owner, TRUE);
+    SetCursor(LoadCursorA(nullptr, IDC_WAIT));
+    if (join) AttachThreadInput(GetCurrentThreadId(), owner, FALSE);
+    SetCursor(LoadCursorA(nullptr, IDC_WAIT));
+  };
+  std::thread(show, false).join();
+  EXPECT_EQ(user::Record().waitCursorsShown, 0);
+  std::thread(show, true).join();
+  EXPECT_EQ(user::Record().waitCursorsShown, 1);
+  POINT point{};
+  EXPECT_TRUE(GetCursorPos(&point) && SetCursorPos(point.x, point.y));
+  EXPECT_EQ(user::Record().cursorsRestored, 1);
+}
+
+}  // namespace
