@@ -1,0 +1,335 @@
+#include <gtest/gtest.h>
+#include <nvsupport/nvsupport.h>
+
+#include <chrono>
+#include <cstring>
+#include <limits>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "map_shop_reply.h"
+#include "support/documented_bytes.h"
+#include "support/scripted_server.h"
+#include "support/short_timeouts.h"
+#include "support/temporary_home.h"
+
+namespace nvsupport {
+namespace {
+
+using namespace std::string_literals;
+using testing::CutAfter;
+using testing::HttpReply;
+using testing::Int32;
+using testing::MapShopReply;
+using testing::OfferedItem;
+using testing::Reply;
+using testing::ReplyOf;
+using testing::ReplyWith;
+using testing::Text;
+
+constexpr std::int32_t huge = std::numeric_limits<std::int32_t>::max();
+
+struct Found {
+  std::vector<MapShopItem> items;
+  std::int32_t closingValue;
+};
+
+Found Search(const std::vector<MapShopPoint>& area = {}) {
+  const NVMapShopHandle handle = NSMapShopSearch(area.data(), static_cast<std::int32_t>(area.size()));
+  Found found{};
+  MapShopItem item;
+  while (NSMapShopGetNext(handle, &item)) found.items.push_back(item);
+  found.closingValue = NSMapShopClose(handle);
+  return found;
+}
+
+// The map shop service for as long as it lives: answers each search with the next reply.
+class Service {
+ public:
+  explicit Service(std::vector<Reply> replies) : server(std::move(replies)) {}
+  explicit Service(const std::string& body) : Service(std::vector{HttpReply(200, body)}) {}
+
+  std::vector<std::string> Requests() const { return server.Requests(); }
+  std::string LastRequestBody() const {
+    const std::string request = server.Requests().back();
+    return request.substr(request.find("\r\n\r\n") + 4);
+  }
+
+ private:
+  testing::ScriptedServer server;
+  testing::ScopedVariable connectTo{"NV_CONNECT_TO", server.ConnectTo(NV_SERVICE_HOST, 80)};
+};
+
+Found SearchAnswered(const std::string& body) {
+  const Service service(body);
+  return Search();
+}
+
+TEST(MapShopSearch, SendsThePointsAsTheyStandInMemory) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const std::vector<MapShopPoint> areas[] = {
+      {},
+      {{50.5, 14.25}},
+      {{90, 400}, {-90, -400}, {0, 399.5}},
+      {{nan, nan}},
+  };
+  for (const auto& area : areas) {
+    const Service service(ReplyWith({}, 5).bytes);
+    EXPECT_EQ(Search(area).closingValue, 5);
+    const auto count = static_cast<std::int32_t>(area.size());
+    const std::string points(reinterpret_cast<const char*>(area.data()), area.size() * sizeof(MapShopPoint));
+    EXPECT_EQ(service.LastRequestBody(), Int32(101) + Int32(4) + Int32(count) + points + Int32(0)) << count;
+  }
+}
+
+TEST(MapShopSearch, SpeaksAsTheFormatDocumentShows) {
+  const Service service(testing::DocumentedBytes(NV_WIRE_FORMAT_PAGE, "reply"));
+  const Found found = Search({{50.5, 14.25}});
+  EXPECT_EQ(service.LastRequestBody(), testing::DocumentedBytes(NV_WIRE_FORMAT_PAGE, "request"));
+  ASSERT_EQ(found.items.size(), 1u);
+  EXPECT_STREQ(found.items[0].title, "Package: Caf\xE9");
+  EXPECT_EQ(found.items[0].firstValue, 7);
+  EXPECT_STREQ(found.items[0].shortText, "");
+  EXPECT_STREQ(found.items[0].fileReference, "a.nvPKG");
+  EXPECT_EQ(found.items[0].secondValue, -2);
+  EXPECT_EQ(found.closingValue, 9);
+}
+
+TEST(MapShopSearch, AsksNobodyAboutAnAreaOutOfRange) {
+  const MapShopPoint good{50, 14};
+  const double infinity = std::numeric_limits<double>::infinity();
+  const MapShopPoint wrong[] = {{90.001, 0}, {-90.001, 0}, {0, 400.5}, {0, -400.5}, {infinity, 0}, {0, -infinity}};
+  const Service service(ReplyWith({}, 5).bytes);
+  for (const MapShopPoint& point : wrong) {
+    const Found found = Search({good, good, point});
+    EXPECT_TRUE(found.items.empty());
+    EXPECT_EQ(found.closingValue, 0);
+  }
+  for (const std::int32_t count : {1, -1, std::numeric_limits<std::int32_t>::min()}) {
+    EXPECT_EQ(NSMapShopClose(NSMapShopSearch(nullptr, count)), 0) << count;
+  }
+  EXPECT_TRUE(service.Requests().empty());
+}
+
+TEST(MapShopSearch, LaysTheRecordOutForTheHost) {
+  const OfferedItem offered{"Title", 0x01020304, "Short", "file.map", -0x01020304};
+  const Found found = SearchAnswered(ReplyWith({offered}, 9, {11, 12, 13}).bytes);
+  ASSERT_EQ(found.items.size(), 1u);
+  const auto* record = reinterpret_cast<const char*>(&found.items[0]);
+  EXPECT_EQ(std::string(record, 4), "\4\3\2\1"s);
+  EXPECT_STREQ(record + 4, "Title");
+  EXPECT_STREQ(record + 204, "Short");
+  EXPECT_STREQ(record + 304, "file.map");
+  EXPECT_EQ(std::string(record + 1304, 4), "\xFC\xFC\xFD\xFE"s);
+  EXPECT_EQ(found.closingValue, 9);
+}
+
+TEST(MapShopSearch, MarksPackagesByTheSuffixOfTheirFile) {
+  const auto title = [](std::size_t length) { return std::string(length, 'T'); };
+  const struct {
+    std::string file, title, shown;
+  } cases[] = {
+      {".nvpkg", "Sea", "Package: Sea"},
+      {"nvpkg", "Sea", "Sea"},
+      {"folder/a.NvPkG", "Sea", "Package: Sea"},
+      {"a-nvpkg", "Sea", "Sea"},
+      {"a.nvpkg2", "Sea", "Sea"},
+      {"", "Sea", "Sea"},
+      {"a.nvpkg", "", "Package: "},
+      {"a.nvpkg", title(189), "Package: " + title(189)},
+      {"a.nvpkg", title(190), "Package: " + title(190)},
+      {"a.nvpkg", title(191), "Package: " + title(190)},
+      {"a.nvpkg", title(199), "Package: " + title(190)},
+      {"a.nvpkg", title(5000), "Package: " + title(190)},
+      {"a.map", title(199), title(199)},
+      {std::string(993, 'f') + ".nvpkg", "Sea", "Package: Sea"},
+      {std::string(994, 'f') + ".nvpkg", "Sea", "Sea"},
+  };
+  std::vector<OfferedItem> offered;
+  for (const auto& each : cases) offered.push_back({each.title, 0, "", each.file, 0});
+  const Found found = SearchAnswered(ReplyWith(offered, 0).bytes);
+  ASSERT_EQ(found.items.size(), offered.size());
+  for (std::size_t i = 0; i < offered.size(); ++i) {
+    EXPECT_EQ(found.items[i].title, cases[i].shown) << cases[i].file;
+    EXPECT_EQ(found.items[i].fileReference, cases[i].file.substr(0, 999));
+  }
+}
+
+TEST(MapShopSearch, CutsTextsThatAreLongerThanTheirFields) {
+  const std::string text(2000, 'x');
+  const Found found = SearchAnswered(ReplyWith({{text, 1, text, text, 2}, {"b", 3, "c", "d", 4}}, 5).bytes);
+  ASSERT_EQ(found.items.size(), 2u);
+  EXPECT_EQ(found.items[0].title, text.substr(0, 199));
+  EXPECT_EQ(found.items[0].shortText, text.substr(0, 99));
+  EXPECT_EQ(found.items[0].fileReference, text.substr(0, 999));
+  EXPECT_EQ(found.items[0].secondValue, 2);
+  EXPECT_STREQ(found.items[1].fileReference, "d");
+  EXPECT_EQ(found.closingValue, 5);
+}
+
+// The low bytes of a value as far as they lie in front of `cut`; the missing ones are 0.
+std::int32_t ValueCutAt(std::int32_t value, std::size_t begin, std::size_t cut) {
+  const std::size_t arrived = cut > begin ? std::min<std::size_t>(cut - begin, 4) : 0;
+  const std::uint64_t mask = (std::uint64_t{1} << (8 * arrived)) - 1;
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(value) & static_cast<std::uint32_t>(mask));
+}
+
+TEST(MapShopSearch, KeepsWhatCameBeforeAReplyBrokeOffAtAnyByte) {
+  const std::vector<OfferedItem> offered = {{"Norrland", 0x11223344, "N", "n.map", 0x55667788},
+                                            {"H\xF6hen", -2, "", "h.nvpkg", -3},
+                                            {"", 0x7F000001, "short", "", 0x01020304}};
+  const std::int32_t closing = 0x0A0B0C0D;
+  const MapShopReply reply = ReplyWith(offered, closing, {1, 2});
+  const Reply answer = HttpReply(200, reply.bytes);
+  const std::size_t head = answer.bytes.size() - reply.bytes.size();
+  std::vector<Reply> answers;
+  for (std::size_t size = head; size <= answer.bytes.size(); ++size) answers.push_back(CutAfter(answer, size));
+  const Service service(answers);
+  for (std::size_t cut = 0; cut <= reply.bytes.size(); ++cut) {
+    const Found found = Search();
+    // An item counts once the first byte of its last value is there: the road gives partial values as they came.
+    std::size_t whole = 0;
+    while (whole < offered.size() && cut > reply.lastValues[whole]) ++whole;
+    ASSERT_EQ(found.items.size(), whole) << cut;
+    for (std::size_t i = 0; i < whole; ++i) {
+      const MapShopItem& item = found.items[i];
+      EXPECT_EQ(item.title, (i == 1 ? "Package: " : "") + offered[i].title) << cut;
+      EXPECT_EQ(item.firstValue, offered[i].firstValue) << cut;
+      EXPECT_EQ(item.shortText, offered[i].shortText) << cut;
+      EXPECT_EQ(item.fileReference, offered[i].file) << cut;
+      EXPECT_EQ(item.secondValue, ValueCutAt(offered[i].secondValue, reply.lastValues[i], cut)) << cut;
+    }
+    EXPECT_EQ(found.closingValue, ValueCutAt(closing, reply.bytes.size() - 4, cut)) << cut;
+  }
+}
+
+TEST(MapShopSearch, PaysForHostileCountsOnlyWithTheBytesThatCame) {
+  const std::string item = ReplyOf(0).Add({"a", 1, "b", "c", 2}).bytes.substr(12);
+  const struct {
+    std::string reply;
+    std::size_t items;
+    std::int32_t closing;
+  } cases[] = {
+      {Int32(0) + Int32(huge) + Int32(1) + Int32(2), 0, 0},
+      {Int32(0) + Int32(-1) + Int32(1) + item + Int32(7), 1, 7},
+      {Int32(0) + Int32(0) + Int32(huge) + item + item, 2, 0},
+      {Int32(0) + Int32(0) + Int32(huge), 0, 0},
+      {Int32(0) + Int32(0) + Int32(-1) + Int32(7), 0, 7},
+      {Int32(0) + Int32(0) + Int32(0) + Int32(7) + "more", 0, 7},
+      {Int32(1) + Int32(0) + Int32(1) + item + Int32(7), 0, 0},
+      {Int32(-1), 0, 0},
+  };
+  for (const auto& each : cases) {
+    const auto start = std::chrono::steady_clock::now();
+    const Found found = SearchAnswered(each.reply);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+    EXPECT_EQ(found.items.size(), each.items);
+    EXPECT_EQ(found.closingValue, each.closing);
+  }
+}
+
+std::string Chunked(const std::string& body) {
+  std::string chunks = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
+  for (const char byte : body) chunks += "1\r\n"s + byte + "\r\n";
+  return chunks + "0\r\n\r\n";
+}
+
+TEST(MapShopSearch, TakesAnyHttpReplyForWhatItsBodyHolds) {
+  const std::string body = ReplyWith({{"a", 1, "b", "c", 2}}, 5).bytes;
+  const Reply whole = HttpReply(200, body);
+  const std::size_t head = whole.bytes.size() - body.size();
+  Reply trickling = whole;
+  trickling.piece = 16;
+  trickling.pause = std::chrono::milliseconds(2);
+  const struct {
+    const char* what;
+    Reply reply;
+    std::size_t items;
+    std::int32_t closing;
+  } cases[] = {
+      {"an error page", HttpReply(500, "<html>Internal Server Error</html>"), 0, 0},
+      {"a reply under an error status", HttpReply(404, body), 1, 5},
+      {"no body", HttpReply(200, ""), 0, 0},
+      {"no content", {.bytes = "HTTP/1.1 204 No Content\r\n\r\n"}, 0, 0},
+      {"chunks of one byte", {.bytes = Chunked(body)}, 1, 5},
+      {"chunks that end early", CutAfter({.bytes = Chunked(body)}, Chunked(body).size() - 5 - 6 * 4), 1, 0},
+      {"no length", {.bytes = "HTTP/1.1 200 OK\r\n\r\n" + body}, 1, 5},
+      {"a few bytes at a time", trickling, 1, 5},
+      {"a close in the head", CutAfter(whole, head - 5), 0, 0},
+      {"a close without a word", {}, 0, 0},
+      {"a reset", {.bytes = {}, .end = Reply::End::reset}, 0, 0},
+      {"no HTTP", {.bytes = body}, 0, 0},
+  };
+  for (const auto& each : cases) {
+    const Service service(std::vector{each.reply});
+    const Found found = Search();
+    EXPECT_EQ(found.items.size(), each.items) << each.what;
+    EXPECT_EQ(found.closingValue, each.closing) << each.what;
+  }
+}
+
+TEST(MapShopSearch, GivesUpOnAServerThatFallsSilent) {
+  const testing::ShortTimeouts timeouts;
+  Reply reply = HttpReply(200, ReplyWith({{"a", 1, "b", "c", 2}}, 5).bytes);
+  reply.end = Reply::End::hold;
+  const struct {
+    Reply reply;
+    std::size_t items;
+  } cases[] = {{testing::NoReply(), 0}, {CutAfter(reply, 10), 0}, {CutAfter(reply, reply.bytes.size() - 4), 1}};
+  for (const auto& each : cases) {
+    const Service service(std::vector{each.reply});
+    const auto start = std::chrono::steady_clock::now();
+    const Found found = Search();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    EXPECT_EQ(found.items.size(), each.items);
+    EXPECT_EQ(found.closingValue, 0);
+  }
+}
+
+TEST(MapShopSearch, EndsAReplyAtAStringOverTheLimit) {
+  const std::string whole = ReplyOf(3).Add({"first", 1, "s", "f", 2}).bytes;
+  const std::string rest = Int32(0) + Text("s") + Text("f") + Int32(0) + Int32(0) + Int32(0) + Int32(9);
+  for (const std::uint32_t length : {100001u, 0xFFFFFFFFu}) {
+    const std::string broken[] = {whole + Int32(length) + rest, whole + Text("t") + Int32(0) + Int32(length) + rest,
+                                  whole + Text("t") + Int32(0) + Text("s") + Int32(length) + rest};
+    for (const std::string& reply : broken) {
+      const Found found = SearchAnswered(reply);
+      EXPECT_EQ(found.items.size(), 1u);
+      EXPECT_EQ(found.closingValue, 0);
+    }
+  }
+  const OfferedItem longest{std::string(100000, 't'), 1, "s", "f", 2};
+  EXPECT_EQ(SearchAnswered(ReplyWith({longest}, 9).bytes).closingValue, 9) << "the limit itself is allowed";
+}
+
+TEST(MapShopSearch, TakesABigReplyInItsOrder) {
+  constexpr std::int32_t count = 100000;
+  MapShopReply reply = ReplyOf(count);
+  for (std::int32_t i = 0; i < count; ++i) reply.Add({"title", i, "", "file", -i});
+  const Found found = SearchAnswered(reply.Close(3).bytes);
+  ASSERT_EQ(found.items.size(), static_cast<std::size_t>(count));
+  for (std::int32_t i = 0; i < count; ++i) ASSERT_EQ(found.items[static_cast<std::size_t>(i)].firstValue, i);
+  EXPECT_EQ(found.closingValue, 3);
+}
+
+TEST(MapShopSearch, GivesEachHandleItsOwnResults) {
+  const Service service(ReplyWith({{"a", 1, "", "", 0}}, 5).bytes);
+  const NVMapShopHandle first = NSMapShopSearch(nullptr, 0);
+  const NVMapShopHandle second = NSMapShopSearch(nullptr, 0);
+  MapShopItem item;
+  EXPECT_TRUE(NSMapShopGetNext(first, &item));
+  EXPECT_EQ(NSMapShopClose(first), 5);
+  EXPECT_TRUE(NSMapShopGetNext(second, &item));
+  std::memset(&item, '#', sizeof item);
+  const MapShopItem before = item;
+  EXPECT_FALSE(NSMapShopGetNext(second, &item));
+  EXPECT_FALSE(NSMapShopGetNext(second, &item));
+  EXPECT_EQ(std::memcmp(&item, &before, sizeof item), 0) << "the end leaves the host's record alone";
+  EXPECT_EQ(NSMapShopClose(second), 5);
+  EXPECT_FALSE(NSMapShopGetNext(nullptr, &item));
+  EXPECT_EQ(NSMapShopClose(nullptr), 0);
+}
+
+}  // namespace
+}  // namespace nvsupport
