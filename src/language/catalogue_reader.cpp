@@ -24,6 +24,11 @@ std::u16string DecodeCharacters(std::string_view bytes) {
   return characters;
 }
 
+constexpr auto endsSource = [](char16_t character) { return character == u'\t' || character == u'\n'; };
+
+// Characters that UnescapeCatalogueText does not just copy.
+constexpr auto isMark = [](char character) { return character == '\r' || character == '"' || character == '\\'; };
+
 // The character that a backslash and this one stand for; nothing if they stand for themselves.
 std::optional<char> EscapedCharacter(char escape) {
   switch (escape) {
@@ -38,6 +43,28 @@ std::optional<char> EscapedCharacter(char escape) {
     default:
       return std::nullopt;
   }
+}
+
+// Undoes the mark at the front of a text; returns how many characters it takes up.
+std::size_t TakeMark(std::string_view text, std::string& plain) {
+  const bool last = text.size() == 1;
+  if (text[0] == '\r') return 1;
+  if (text[0] == '"') {
+    // Two quotes of a quoted cell are one quote of its text; a quote alone encloses the cell.
+    if (last || text[1] != '"') return 1;
+    plain += '"';
+    return 2;
+  }
+  if (last) {
+    plain += '\\';
+    return 1;
+  }
+  if (const std::optional<char> escaped = EscapedCharacter(text[1])) {
+    plain += *escaped;
+  } else {
+    plain += text.substr(0, 2);
+  }
+  return 2;
 }
 
 }  // namespace
@@ -64,7 +91,9 @@ bool CatalogueReader::Next(CatalogueRecord& record) {
   record.line = line;
   if (position == characters.size()) return false;
 
-  const std::size_t sourceEnd = std::min(characters.find_first_of(u"\t\n", position), characters.size());
+  const auto from = characters.begin() + static_cast<std::ptrdiff_t>(position);
+  const auto sourceEnd =
+      static_cast<std::size_t>(std::find_if(from, characters.end(), endsSource) - characters.begin());
   const bool hasTab = sourceEnd < characters.size() && characters[sourceEnd] == u'\t';
   record.cut = TakeColumn(sourceEnd, record.source);
   if (!hasTab) {
@@ -98,27 +127,14 @@ bool CatalogueReader::TakeColumn(std::size_t end, std::string& column) {
 std::string UnescapeCatalogueText(std::string_view text) {
   std::string plain;
   plain.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const bool last = i + 1 == text.size();
-    if (text[i] == '\r') continue;
-    if (text[i] == '"') {
-      // Two quotes of a quoted cell are one quote of its text; a quote alone encloses the cell.
-      if (!last && text[i + 1] == '"') plain += text[++i];
-      continue;
-    }
-    if (text[i] != '\\' || last) {
-      plain += text[i];
-      continue;
-    }
-    const char escape = text[++i];
-    if (const std::optional<char> escaped = EscapedCharacter(escape)) {
-      plain += *escaped;
-    } else {
-      plain += '\\';
-      plain += escape;
-    }
+  while (true) {
+    // Texts are long and marks are few, so what lies between them is copied in one piece.
+    const auto mark = std::find_if(text.begin(), text.end(), isMark);
+    plain.append(text.begin(), mark);
+    if (mark == text.end()) return plain;
+    text.remove_prefix(static_cast<std::size_t>(mark - text.begin()));
+    text.remove_prefix(TakeMark(text, plain));
   }
-  return plain;
 }
 
 }  // namespace nvsupport
