@@ -64,7 +64,12 @@ TEST(SourceTexts, AreTheTextsOfTheTemplatesAndTheSources) {
   Texts shown = TemplateTexts();
   EXPECT_GE(shown.size(), 24u) << "the templates are not where the test looks for them";
   shown.merge(MessageTexts());
-  EXPECT_EQ(Texts(SourceTexts().begin(), SourceTexts().end()), shown);
+  const Texts listed(SourceTexts().begin(), SourceTexts().end());
+  std::vector<std::string> difference;
+  std::ranges::set_symmetric_difference(listed, shown, std::back_inserter(difference));
+  for (const std::string& text : difference) {
+    ADD_FAILURE() << (listed.contains(text) ? "shown nowhere: " : "not in the list: ") << text;
+  }
 }
 
 class ShippedCatalogue : public ::testing::TestWithParam<std::string> {};
