@@ -9,6 +9,7 @@
 #include "ui/message.h"
 #include "ui/placement.h"
 #include "ui/window.h"
+#include "wire/serializable.h"
 
 namespace nvsupport {
 
@@ -17,6 +18,8 @@ HINSTANCE resourceLibrary = nullptr;
 StackOverflowException stackOverflowException;
 MemoryException memoryException;
 
+CSerializable::Type* serializableTypes = nullptr;
+CSerializableList::ListType CSerializableList::cType;
 InstanceSubclasser windowSubclasser{&Window::wndProc};
 std::string messageCaption;
 std::map<std::uint32_t, POINT> dialogPositions;
