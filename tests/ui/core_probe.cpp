@@ -9,6 +9,9 @@ extern "C" const unsigned char core_dialogs_end[];
 
 namespace {
 
+[[maybe_unused]] const bool resourcesAdded =
+    (user::AddResources(GetModuleHandleA(nullptr), user::Bytes(core_dialogs_begin, core_dialogs_end)), true);
+
 // Open dialogs, the newest last: messages before WM_INITDIALOG are its.
 std::vector<CoreProbe*> running;
 
@@ -32,16 +35,12 @@ std::string Describe(UINT message, WPARAM wParam) {
 }  // namespace
 
 INT_PTR CoreProbe::Run(WORD id, HWND owner) {
-  const HINSTANCE module = GetModuleHandleA(nullptr);
-  static const bool added = [module] {
-    user::AddResources(module, user::Bytes(core_dialogs_begin, core_dialogs_end));
-    return true;
-  }();
-  running.push_back(this);
-  const INT_PTR result =
-      added ? DialogBoxParamA(module, MAKEINTRESOURCEA(id), owner, Procedure, reinterpret_cast<LPARAM>(this)) : 0;
-  running.pop_back();
-  return result;
+  const struct Running {
+    explicit Running(CoreProbe* probe) { running.push_back(probe); }
+    ~Running() { running.pop_back(); }
+  } whileRunning(this);
+  return DialogBoxParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(id), owner, Procedure,
+                         reinterpret_cast<LPARAM>(this));
 }
 
 INT_PTR CALLBACK CoreProbe::Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {

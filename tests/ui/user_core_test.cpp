@@ -2,6 +2,7 @@
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
+#include <new>
 #include <optional>
 #include <thread>
 
@@ -228,6 +229,24 @@ TEST(UserCore, SurvivesHandlersThatDestroyTheirDialog) {
     EXPECT_FALSE(IsWindow(probe.dialog));
     EXPECT_EQ(user::ViewOf(probe.dialog), nullptr);
   }
+}
+
+TEST(UserCore, LeavesNoDialogBehindWhenAHandlerThrows) {
+  PlayedUser person;
+  CoreProbe inner([](HWND, UINT message, WPARAM, LPARAM) -> INT_PTR {
+    if (message == WM_CLOSE) throw std::bad_alloc();
+    return TRUE;
+  });
+  CoreProbe outer([&](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) -> INT_PTR {
+    if (message != WM_COMMAND || wParam != IDC_OTHER) return EndOnButton(dialog, message, wParam, lParam);
+    EXPECT_THROW(inner.Run(IDD_PLAIN, dialog), std::bad_alloc);
+    return TRUE;
+  });
+  person.steps = {[](HWND dialog) { user::Click(Item(dialog, IDC_OTHER)); },
+                  [](HWND dialog) { user::CloseBox(dialog); }, [](HWND dialog) { user::CloseBox(dialog); }};
+  EXPECT_EQ(outer.Run(IDD_ALL_CONTROLS), IDCANCEL);
+  EXPECT_FALSE(IsWindow(inner.dialog));
+  EXPECT_EQ(user::ViewOf(inner.dialog), nullptr);
 }
 
 TEST(UserCore, TakesAnInnerDialogDownWithItsOwner) {

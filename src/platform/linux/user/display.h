@@ -76,6 +76,7 @@ class Display {
   // Makes the dialog's window with all its controls, not yet shown. False if that is not possible.
   virtual bool CreateDialogWindow(const DialogView& dialog) = 0;
   virtual void ShowDialogWindow(HWND dialog) = 0;
+  // Comes after RunModal, or during it from within an event of this or another dialog, when a handler destroys one.
   virtual void DestroyDialogWindow(HWND dialog) = 0;
   // Runs the user's events until `ended` becomes true.
   virtual void RunModal(HWND dialog, const bool& ended) = 0;
@@ -85,6 +86,7 @@ class Display {
   virtual void SetText(HWND window, const std::string& text) = 0;
   virtual void SetCheck(HWND checkBox, int state) = 0;
   virtual void SetEnabled(HWND window, bool enabled) = 0;
+  // Also before the dialog is shown. The OnFocus that follows tells the core nothing new.
   virtual void SetFocus(HWND control, bool selectAll) = 0;
   // The frame's top left corner on the screen.
   virtual void MoveDialogWindow(HWND dialog, POINT topLeft) = 0;
@@ -106,7 +108,8 @@ class Display {
 
 // The one function that a display plugin exports: gives its display for these events, null when there is no usable
 // display. The plugin keeps the display; a later call, by the module loaded again, replaces `events`. Null events
-// end the use of the display before the module goes.
+// end the use of the display before the module goes, which at the end of a process is after the plugin's own objects
+// are gone.
 extern "C" using NvOpenDisplay = user::Display * (*)(user::DisplayEvents * events);
 
 #endif

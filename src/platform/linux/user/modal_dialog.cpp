@@ -21,6 +21,18 @@ constexpr INT_PTR dialogFailed = -1;
 // Any value but 0: the display chooses the font.
 constexpr WPARAM dialogFont = 1;
 
+// Takes a dialog down with the run that shows it, even if an exception of a handler ends that.
+class DialogLife {
+ public:
+  explicit DialogLife(HWND opened) : dialog(opened) {}
+  DialogLife(const DialogLife&) = delete;
+  DialogLife& operator=(const DialogLife&) = delete;
+  ~DialogLife() { DestroyWindow(dialog); }
+
+ private:
+  HWND dialog;
+};
+
 INT_PTR Fail(DWORD error) {
   SetLastError(error);
   return dialogFailed;
@@ -53,6 +65,7 @@ INT_PTR RunDialog(Display& display, const DialogTemplate& form, HWND ownerWindow
   ModalRun run;
   const HWND dialog = CreateDialogWindows(display, form, owner, procedure, run);
   if (dialog == nullptr) return Fail(errorNotEnoughMemory);
+  const DialogLife life(dialog);
   RunUntilEnded(display, dialog, form, initParam, run);
   disabled.Enable();
   GiveFocus(IsWindow(focusBefore) ? focusBefore : nullptr);
