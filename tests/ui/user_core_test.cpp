@@ -368,6 +368,7 @@ TEST(UserCore, ShowsAMessageBoxOverItsOwner) {
 
 TEST(UserCore, FailsWhereThereIsNothingToShow) {
   const HINSTANCE module = GetModuleHandleA(nullptr);
+  testing::internal::CaptureStderr();
   {
     PlayedUser person;
     EXPECT_EQ(DialogBoxParamA(nullptr, MAKEINTRESOURCEA(101), nullptr, EndOnButton, 0), -1);
@@ -377,14 +378,17 @@ TEST(UserCore, FailsWhereThereIsNothingToShow) {
     EXPECT_NE(GetLastError(), 0u);
     EXPECT_EQ(DialogBoxParamA(module, "by name", nullptr, EndOnButton, 0), -1);
     EXPECT_EQ(CoreProbe().Run(IDD_UNKNOWN_CONTROL), -1);
+    // A display serves the thread that opened it.
+    std::thread([] { EXPECT_EQ(MessageBoxA(nullptr, "from a worker", "thread", MB_OK), 0); }).join();
+    EXPECT_TRUE(person.boxes.empty());
   }
   SetLastError(0);
-  testing::internal::CaptureStderr();
   EXPECT_EQ(CoreProbe().Run(IDD_ALL_CONTROLS), -1);
   EXPECT_EQ(MessageBoxA(nullptr, "the text", "the caption", MB_OK), 0);
   const std::string written = testing::internal::GetCapturedStderr();
   EXPECT_NE(GetLastError(), 0u);
   EXPECT_NE(written.find("All controls"), std::string::npos);
+  EXPECT_NE(written.find("thread: from a worker"), std::string::npos);
   EXPECT_NE(written.find("the caption: the text"), std::string::npos);
 }
 

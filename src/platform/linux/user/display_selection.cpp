@@ -30,12 +30,14 @@ std::string PluginPath() {
   char path[longestPath];
   if (GetModuleFileNameA(GetModuleHandleA(nullptr), path, sizeof path) == 0) return {};
   const std::string module = path;
-  return module.substr(0, module.rfind('/') + 1) + pluginName;
+  const std::size_t folderEnd = module.rfind('/');
+  return folderEnd != std::string::npos ? module.substr(0, folderEnd + 1) + pluginName : std::string();
 }
 
 // Never unmapped, because toolkits do not bear that.
 Display* OpenPlugin() {
-  void* plugin = dlopen(PluginPath().c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+  const std::string path = PluginPath();
+  void* plugin = path.empty() ? nullptr : dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
   if (plugin == nullptr) return nullptr;
   const auto open = reinterpret_cast<NvOpenDisplay>(dlsym(plugin, openFunctionName));
   Display* display = open != nullptr ? open(&CoreEvents()) : nullptr;
