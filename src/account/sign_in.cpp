@@ -1,5 +1,6 @@
 // Sign-in: the dialog that asks for user ID and password, and operation 8 that proves them to the account service.
 #include "account/account_service.h"
+#include "account/credentials.h"
 #include "core/service_manager.h"
 #include "resources/resource_ids.h"
 #include "storage/open_document.h"
@@ -45,7 +46,7 @@ bool CVServiceManager::Login(HWND parent) {
       TakeCredentials();
       m_session->m_savePassword = isChecked(IDC_SAVE_PASSWORD);
       if (!m_session->VerifyAccount(hwnd)) {
-        m_session->m_password.clear();
+        WipeText(m_session->m_password);
         return;
       }
       m_session->SaveProfile();

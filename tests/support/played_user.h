@@ -7,13 +7,24 @@
 
 #include <deque>
 #include <functional>
+#include <string>
+#include <utility>
 #include <vector>
 
+#include "platform/platform.h"
 #include "platform/linux/user/headless_display.h"
 
 class PlayedUser final : public user::HeadlessUser {
  public:
   using Step = std::function<void(HWND dialog)>;
+
+  // What a step mostly does: fill an edit, push a button or tick a box, by the control's id.
+  static Step Types(int id, std::string text) {
+    return [id, text = std::move(text)](HWND dialog) { user::Type(Control(dialog, id), text); };
+  }
+  static Step Clicks(int id) {
+    return [id](HWND dialog) { user::Click(Control(dialog, id)); };
+  }
 
   PlayedUser() { user::UseHeadlessDisplay(this); }
   PlayedUser(const PlayedUser&) = delete;
@@ -30,13 +41,23 @@ class PlayedUser final : public user::HeadlessUser {
     step(dialog);
   }
   int OnMessageBox(const user::MessageBoxView& box) override {
+    const user::DialogView* const owner = user::ViewOf(box.owner);
     boxes.push_back(box);
-    return 1;
+    boxOwners.push_back(owner != nullptr ? owner->title : "");
+    return IDOK;
   }
   void OnStuck(HWND) override { ADD_FAILURE() << "a dialog was left open"; }
 
   std::deque<Step> steps;                   // what the user will do
   std::vector<user::MessageBoxView> boxes;  // what the user was told
+  std::vector<std::string> boxOwners;       // by the same index: title of the dialog that owned the box
+
+ private:
+  static HWND Control(HWND dialog, int id) {
+    const HWND control = GetDlgItem(dialog, id);
+    EXPECT_NE(control, nullptr) << "no control " << id;
+    return control;
+  }
 };
 
 #endif
