@@ -11,8 +11,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/platform.h"
 #include "platform/linux/user/headless_display.h"
+#include "platform/platform.h"
 
 class PlayedUser final : public user::HeadlessUser {
  public:

@@ -36,12 +36,19 @@ class NoMoreThreads {
 
 TEST(BusyCursor, NeverShowsForAShortCall) {
   const PlayedUser person;
-  for (int call = 0; call < 5; ++call) {
-    const BusyCursor cursor;
-    std::this_thread::sleep_for(milliseconds(20));
+  for (int call = 1; call <= 5; ++call) {
+    const int shownBefore = user::Record().waitCursorsShown;
+    const Clock::time_point start = Clock::now();
+    {
+      const BusyCursor cursor;
+      std::this_thread::sleep_for(milliseconds(20));
+    }
+    const bool wasShort = Clock::now() - start < milliseconds(150);  // a busy machine may have stretched it
+    if (wasShort) {
+      EXPECT_EQ(user::Record().waitCursorsShown, shownBefore);
+    }
+    EXPECT_EQ(user::Record().cursorsRestored, call);
   }
-  EXPECT_EQ(user::Record().waitCursorsShown, 0);
-  EXPECT_EQ(user::Record().cursorsRestored, 5);
 }
 
 TEST(BusyCursor, ShowsAfterItsDelayAndGoesWithTheCall) {
