@@ -1,0 +1,47 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that are missing, through sudo when not root. Does nothing when all are there.
+#
+# install-packages.sh build   what building and the demo need
+# install-packages.sh test    that, and what the tests and the other builds need
+set -euo pipefail
+
+readonly build_packages=(
+  ca-certificates cmake g++ llvm ninja-build pkg-config
+  libbenchmark-dev libcli11-dev libcurl4-openssl-dev libgtest-dev libsodium-dev libsqlite3-dev nlohmann-json3-dev
+  qt6-base-dev
+  lighttpd lighttpd-mod-openssl openssl
+)
+readonly test_packages=(
+  clang clang-format clang-tidy curl g++-mingw-w64-x86-64 gettext xauth xdotool xvfb
+)
+
+case ${1:-} in
+build) wanted=("${build_packages[@]}") ;;
+test) wanted=("${build_packages[@]}" "${test_packages[@]}") ;;
+*)
+  echo "usage: install-packages.sh build|test" >&2
+  exit 2
+  ;;
+esac
+
+is_installed() { [[ $(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null) == installed ]]; }
+
+missing=()
+for package in "${wanted[@]}"; do
+  is_installed "$package" || missing+=("$package")
+done
+((${#missing[@]})) || exit 0
+
+as_root=()
+if ((EUID != 0)); then
+  command -v sudo >/dev/null || { echo "missing packages, and no sudo to install them: ${missing[*]}" >&2; exit 1; }
+  as_root=(sudo)
+fi
+echo "Installing ${missing[*]}"
+"${as_root[@]}" apt-get update -q
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}"
+
+# The package starts a web server of its own on port 80 and at every boot; only the program is wanted.
+if [[ " ${missing[*]} " == *" lighttpd "* && -d /run/systemd/system ]]; then
+  "${as_root[@]}" systemctl disable --now lighttpd || true
+fi
