@@ -12,7 +12,7 @@ namespace nvsupport::service {
 
 class AccountService {
  public:
-  static constexpr std::size_t kLargestRequest = 16 * 1024;
+  static constexpr std::size_t kLargestRequest = 16UL * 1024;
   static constexpr std::size_t kLongestText = 1000;  // characters of each text of a request
 
   // now: seconds since 1970. sessionLifetime: seconds for which a session token is good.

@@ -11,7 +11,7 @@ namespace {
 
 // An interactive cost: some 20 ms on a desktop machine and few enough bytes for many processes at a time.
 constexpr unsigned long long kHashPasses = 2;
-constexpr std::size_t kHashMemory = 19 * 1024 * 1024;
+constexpr std::size_t kHashMemory = 19UL * 1024 * 1024;
 constexpr std::size_t kTokenHashBytes = 32;
 constexpr std::string_view kTokenAlphabet = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 

@@ -10,7 +10,7 @@
 
 namespace nvsupport::service {
 
-inline constexpr std::size_t kLargestSearch = 1024 * 1024;  // bytes of a request, some 65,000 points
+inline constexpr std::size_t kLargestSearch = 1024UL * 1024;  // bytes of a request, some 65,000 points
 
 // Answers a request with the products whose area meets the box around its points, in the order of `products`.
 std::string AnswerSearch(std::string_view request, const std::vector<Product>& products);

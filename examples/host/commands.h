@@ -15,6 +15,7 @@ namespace nvhost {
 
 enum ExitCode {
   kDone = 0,
+  kUnexpected = 1,
   kWrongArguments = 2,
   kNoModule = 3,
   kAreaOutOfRange = 4,

@@ -10,6 +10,7 @@ namespace {
 constexpr const char* kExitCodes =
     "Exit codes:\n"
     "  0    done\n"
+    "  1    an unexpected failure, such as no memory left\n"
     "  2    wrong arguments\n"
     "  3    the support library cannot be loaded\n"
     "  4    a point of the area is out of range (latitude -90 to 90, longitude -400 to 400)\n"
@@ -62,5 +63,8 @@ int main(int argc, char** argv) {
   } catch (const nvhost::Failure& failure) {
     std::fprintf(stderr, "nvhost: %s\n", failure.what());
     return failure.code;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "nvhost: unexpected failure: %s\n", error.what());
+    return nvhost::kUnexpected;
   }
 }

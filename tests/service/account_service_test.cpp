@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <array>
 #include <future>
 #include <vector>
 
@@ -117,14 +118,15 @@ TEST(AccountProgram, OpensTheAccountPageUntilTheSessionEnds) {
 TEST(AccountProgram, MakesEachAccountOnceWhenManyAskAtATime) {
   const TemporaryFolder folder;
   const std::string database = folder / "accounts.sqlite";
-  std::vector<std::future<std::uint32_t>> replies;
+  constexpr std::size_t kRequests = 16;
+  std::array<std::future<std::uint32_t>, kRequests> replies;
   // Two ask for each user ID, each with an address of its own; nothing of the file exists yet.
-  for (int i = 0; i < 16; ++i) {
-    replies.push_back(std::async(std::launch::async, [&database, i] {
+  for (std::size_t i = 0; i < kRequests; ++i) {
+    replies[i] = std::async(std::launch::async, [&database, i] {
       const std::string request =
           CreateAccount("user" + std::to_string(i / 2), "secret", "user" + std::to_string(i) + "@norvane.example");
       return WordAt(Post("svcapp.cgi", database, request).body, 0);
-    }));
+    });
   }
   for (std::size_t i = 0; i < replies.size(); i += 2) {
     const std::uint32_t first = replies[i].get();

@@ -43,6 +43,7 @@ CgiReply RunCgi(const std::string& program, const std::vector<std::string>& envi
   posix_spawn_file_actions_adddup2(&actions, output.descriptor, STDOUT_FILENO);
   posix_spawn_file_actions_adddup2(&actions, errors.descriptor, STDERR_FILENO);
   std::vector<char*> variables;
+  variables.reserve(environment.size() + 1);
   for (const std::string& variable : environment) variables.push_back(const_cast<char*>(variable.c_str()));
   variables.push_back(nullptr);
   char* arguments[] = {const_cast<char*>(path.c_str()), nullptr};
@@ -67,6 +68,6 @@ CgiReply Post(const std::string& program, const std::string& database, const std
   return RunCgi(program,
                 {"REQUEST_METHOD=POST", "HTTPS=on", "CONTENT_LENGTH=" + std::to_string(body.size()),
                  "NV_SERVICE_DATABASE=" + database, "NV_SERVICE_SESSION_SECONDS=" + sessionSeconds,
-                 "NV_SERVICE_PRODUCTS=" NV_PRODUCTS},
+                 std::string("NV_SERVICE_PRODUCTS=") + NV_PRODUCTS},
                 body);
 }
