@@ -9,6 +9,7 @@
 #include "ui/message.h"
 #include "ui/placement.h"
 #include "ui/window.h"
+#include "webfile/web_file_connection.h"
 #include "wire/serializable.h"
 
 namespace nvsupport {
@@ -24,6 +25,7 @@ InstanceSubclasser windowSubclasser{&Window::wndProc};
 std::string messageCaption;
 std::map<std::uint32_t, POINT> dialogPositions;
 CTranslationCatalogue translations;
+InternetHandle webSession{InternetOpenA("Norvane", INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0)};
 CVServiceManager* g_serviceManager = nullptr;
 
 // Last: calls the module's entry when everything above lives, and again before any of it goes.

@@ -1,7 +1,9 @@
 // The published names of the web client: handles of a session, a connection and a request.
 #include "web_client.h"
 
+#include <charconv>
 #include <cstring>
+#include <exception>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -84,24 +86,28 @@ BOOL InternetAutodialHangup(DWORD) {
   return FALSE;
 }
 
-HINTERNET InternetOpenA(LPCSTR agent, DWORD, LPCSTR, LPCSTR, DWORD) {
+HINTERNET InternetOpenA(LPCSTR agent, DWORD, LPCSTR, LPCSTR, DWORD) try {
   WebObject session{.kind = WebObject::Kind::session, .description = {}, .exchange = nullptr};
   session.description.agent = agent != nullptr ? agent : "";
   return Handles().Add(std::move(session));
+} catch (const std::exception&) {
+  return nullptr;
 }
 
 HINTERNET InternetConnectA(HINTERNET internet, LPCSTR host, INTERNET_PORT port, LPCSTR, LPCSTR, DWORD, DWORD,
-                           DWORD_PTR) {
+                           DWORD_PTR) try {
   const WebObject* session = Handles().Find(internet, WebObject::Kind::session);
   if (session == nullptr || host == nullptr || *host == '\0') return nullptr;
   WebObject connection{.kind = WebObject::Kind::connection, .description = session->description, .exchange = nullptr};
   connection.description.host = host;
   connection.description.port = port;
   return Handles().Add(std::move(connection));
+} catch (const std::exception&) {
+  return nullptr;
 }
 
 HINTERNET HttpOpenRequestA(HINTERNET connection, LPCSTR verb, LPCSTR path, LPCSTR, LPCSTR, LPCSTR*, DWORD flags,
-                           DWORD_PTR) {
+                           DWORD_PTR) try {
   const WebObject* parent = Handles().Find(connection, WebObject::Kind::connection);
   if (parent == nullptr) return nullptr;
   WebObject request{.kind = WebObject::Kind::request, .description = parent->description, .exchange = nullptr};
@@ -112,14 +118,18 @@ HINTERNET HttpOpenRequestA(HINTERNET connection, LPCSTR verb, LPCSTR path, LPCST
   description.followRedirects = (flags & INTERNET_FLAG_NO_AUTO_REDIRECT) == 0;
   description.noCache = (flags & INTERNET_FLAG_PRAGMA_NOCACHE) != 0;
   return Handles().Add(std::move(request));
+} catch (const std::exception&) {
+  return nullptr;
 }
 
-BOOL HttpSendRequestA(HINTERNET request, LPCSTR headers, DWORD headersLength, LPVOID body, DWORD bodyLength) {
+BOOL HttpSendRequestA(HINTERNET request, LPCSTR headers, DWORD headersLength, LPVOID body, DWORD bodyLength) try {
   WebObject* object = Handles().Find(request, WebObject::Kind::request);
   if (object == nullptr) return FALSE;
   object->exchange = std::make_unique<WebExchange>();
   const std::string_view content = body != nullptr ? std::string_view(static_cast<const char*>(body), bodyLength) : "";
   return object->exchange->Send(object->description, TextOf(headers, headersLength), content);
+} catch (const std::exception&) {
+  return FALSE;
 }
 
 BOOL HttpQueryInfoA(HINTERNET request, DWORD infoLevel, LPVOID buffer, LPDWORD size, LPDWORD) {
@@ -133,10 +143,12 @@ BOOL HttpQueryInfoA(HINTERNET request, DWORD infoLevel, LPVOID buffer, LPDWORD s
     return TRUE;
   }
   if (infoLevel != HTTP_QUERY_CONTENT_LENGTH || !exchange->ContentLength()) return FALSE;
-  const std::string text = std::to_string(*exchange->ContentLength());
-  if (*size <= text.size()) return FALSE;
-  std::memcpy(buffer, text.c_str(), text.size() + 1);
-  *size = static_cast<DWORD>(text.size());
+  auto* text = static_cast<char*>(buffer);
+  // One byte is kept for the terminator.
+  const auto [end, error] = std::to_chars(text, text + (*size > 0 ? *size - 1 : 0), *exchange->ContentLength());
+  if (error != std::errc()) return FALSE;
+  *end = '\0';
+  *size = static_cast<DWORD>(end - text);
   return TRUE;
 }
 

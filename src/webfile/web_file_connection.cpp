@@ -1,0 +1,72 @@
+// Connection, request and the head of the reply.
+#include "webfile/web_file_connection.h"
+
+#include <charconv>
+#include <cstring>
+
+namespace nvsupport {
+namespace {
+
+constexpr DWORD downloadFlags = INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE | INTERNET_FLAG_NO_AUTO_REDIRECT |
+                                INTERNET_FLAG_NO_COOKIES | INTERNET_FLAG_RESYNCHRONIZE | INTERNET_FLAG_PRAGMA_NOCACHE;
+constexpr DWORD statusUnknown = 1000;
+constexpr std::int64_t lengthUnknown = -1;
+constexpr std::size_t lengthTextSize = 30;  // bytes
+
+}  // namespace
+
+WebFileConnection::WebFileConnection(const char* hostName, bool dialUp, bool overTls)
+    : secure(overTls), host(hostName != nullptr ? hostName : ""), autodial(dialUp) {}
+
+WebFileConnection::~WebFileConnection() {
+  request.reset();
+  connection.reset();
+  if (dialled) InternetAutodialHangup(0);
+}
+
+void WebFileConnection::SetCallback(WebProgressCallback function, void* data) {
+  callback = function;
+  callbackData = data;
+}
+
+bool WebFileConnection::ConnectIfNeeded() {
+  if (state != State::unknown) return state == State::connected;
+  state = State::failed;
+  if (host.empty()) return false;
+  DWORD connected = 0;
+  if (autodial && !InternetGetConnectedState(&connected, 0)) {
+    InternetAutodial(INTERNET_AUTODIAL_FORCE_UNATTENDED, nullptr);
+    dialled = true;
+  }
+  const INTERNET_PORT port = secure ? INTERNET_DEFAULT_HTTPS_PORT : INTERNET_DEFAULT_HTTP_PORT;
+  connection.reset(
+      InternetConnectA(webSession.get(), host.c_str(), port, nullptr, nullptr, INTERNET_SERVICE_HTTP, 0, 0));
+  if (!connection) return false;
+  state = State::connected;
+  return true;
+}
+
+bool WebFileConnection::OpenGet(const char* path) {
+  if (!ConnectIfNeeded()) return false;
+  request.reset(
+      HttpOpenRequestA(connection.get(), "GET", path, nullptr, nullptr, nullptr, WithSecurity(downloadFlags), 0));
+  return HttpSendRequestA(request.get(), nullptr, 0, nullptr, 0) != FALSE;
+}
+
+std::int32_t WebFileConnection::StatusCode() const {
+  DWORD status = statusUnknown;
+  DWORD size = sizeof status;
+  HttpQueryInfoA(request.get(), HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER, &status, &size, nullptr);
+  return static_cast<std::int32_t>(status);
+}
+
+std::int64_t WebFileConnection::ContentLength() const {
+  char text[lengthTextSize] = {};
+  DWORD size = sizeof text;
+  if (!HttpQueryInfoA(request.get(), HTTP_QUERY_CONTENT_LENGTH, text, &size, nullptr)) return lengthUnknown;
+  std::int64_t length = lengthUnknown;
+  std::from_chars(text, text + strnlen(text, sizeof text), length);
+  return length;
+}
+
+}  // namespace nvsupport

@@ -1,0 +1,79 @@
+// Downloads: the body of a reply into a file.
+#include <exception>
+#include <string>
+
+#include "webfile/web_file_connection.h"
+
+namespace nvsupport {
+namespace {
+
+using FileHandle = ScopedHandle<HANDLE, &CloseHandle>;
+
+constexpr char temporaryExtension[] = ".TMP";
+
+// Null if the file cannot be written. A leftover of the same name is emptied.
+FileHandle CreateTemporaryFile(const std::string& name) {
+  const HANDLE file =
+      CreateFileA(name.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  return FileHandle(file != INVALID_HANDLE_VALUE ? file : nullptr);
+}
+
+bool Download(const char* host, const char* path, const char* file, WebProgressCallback callback, void* callbackData,
+              WebProgressCounters* counters) {
+  WebFileConnection connection(host, true, false);
+  connection.SetCallback(callback, callbackData);
+  connection.SetCounters(counters);
+  return connection.DownloadFile(path, file);
+}
+
+}  // namespace
+
+bool WebFileConnection::DownloadFile(const char* path, const char* file) {
+  request.reset();
+  return OpenGet(path) && DownloadToFile(file);
+}
+
+bool WebFileConnection::DownloadToFile(const char* file) {
+  if (StatusCode() >= firstFailureStatus) return false;
+  const std::string temporary = std::string(file) + temporaryExtension;
+  DeleteFileA(file);
+  FileHandle output = CreateTemporaryFile(temporary);
+  if (!output) {
+    request.reset();
+    return false;
+  }
+  if (counters != nullptr) *counters = {.done = 0, .total = ContentLength()};
+  const bool received = ReceiveInto(output.get());
+  // What the system could not store may show as late as here.
+  const bool closed = CloseHandle(output.release()) != FALSE;
+  request.reset();
+  if (received && closed && MoveFileA(temporary.c_str(), file)) return true;
+  DeleteFileA(temporary.c_str());
+  return false;
+}
+
+bool WebFileConnection::ReceiveInto(HANDLE file) {
+  char chunk[transferChunk];
+  while (true) {
+    DWORD got = 0;
+    if (!InternetReadFile(request.get(), chunk, sizeof chunk, &got) || !GoesOn()) return false;
+    if (got == 0) return true;
+    DWORD written = 0;
+    WriteFile(file, chunk, got, &written, nullptr);
+    if (written < got) return false;
+    if (counters != nullptr) counters->done += got;
+  }
+}
+
+}  // namespace nvsupport
+
+bool NSDownloadWebFileProgress(const char* host, const char* path, const char* file, WebProgressCallback callback,
+                               void* callbackData, WebProgressCounters* counters) try {
+  return file != nullptr && nvsupport::Download(host, path, file, callback, callbackData, counters);
+} catch (const std::exception&) {
+  return false;
+}
+
+bool x77fc64c7(const char* host, const char* path, const char* file, WebProgressCallback callback, void* callbackData) {
+  return NSDownloadWebFileProgress(host, path, file, callback, callbackData, nullptr);
+}

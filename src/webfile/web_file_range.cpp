@@ -1,0 +1,61 @@
+// Ranged reads: a stretch of a remote file into memory.
+#include <algorithm>
+#include <exception>
+#include <string>
+
+#include "webfile/web_file_connection.h"
+
+namespace nvsupport {
+namespace {
+
+// Those of a download less the two that ask for a fresh copy.
+constexpr DWORD rangeFlags = INTERNET_FLAG_NO_CACHE_WRITE | INTERNET_FLAG_NO_AUTO_REDIRECT | INTERNET_FLAG_NO_COOKIES |
+                             INTERNET_FLAG_PRAGMA_NOCACHE;
+constexpr std::int32_t noBody = -1;
+
+std::string RangeHeader(std::int64_t offset, std::int32_t length) {
+  // The sum may pass the largest offset; that is for the server to refuse.
+  const auto end = static_cast<std::uint64_t>(offset) + static_cast<std::uint64_t>(std::int64_t{length} - 1);
+  return "Range:bytes=" + std::to_string(offset) + "-" + std::to_string(static_cast<std::int64_t>(end)) + "\n";
+}
+
+}  // namespace
+
+std::int32_t WebFileConnection::ReadRange(const char* path, std::int64_t offset, std::int32_t length, void* buffer) {
+  request.reset();
+  if (!ConnectIfNeeded()) return noBody;
+  request.reset(
+      HttpOpenRequestA(connection.get(), nullptr, path, nullptr, nullptr, nullptr, WithSecurity(rangeFlags), 0));
+  const std::string header = RangeHeader(offset, length);
+  if (!HttpSendRequestA(request.get(), header.c_str(), static_cast<DWORD>(header.size()), nullptr, 0)) return noBody;
+  return ReadBody(buffer, length);
+}
+
+std::int32_t WebFileConnection::ReadBody(void* buffer, std::int32_t length) {
+  if (StatusCode() >= firstFailureStatus) return noBody;
+  auto* position = static_cast<char*>(buffer);
+  std::int32_t received = 0;
+  while (received < length) {
+    const DWORD wanted = std::min(transferChunk, static_cast<DWORD>(length - received));
+    DWORD got = 0;
+    if (!InternetReadFile(request.get(), position, wanted, &got) || got == 0 || !GoesOn()) {
+      received = 0;
+      break;
+    }
+    position += got;
+    received += static_cast<std::int32_t>(got);
+  }
+  request.reset();
+  return received;
+}
+
+}  // namespace nvsupport
+
+int32_t xfa704a3f(const char* host, const char* path, int64_t offset, int32_t length, void* buffer,
+                  WebProgressCallback callback, void* callbackData) try {
+  nvsupport::WebFileConnection connection(host, true, false);
+  connection.SetCallback(callback, callbackData);
+  return connection.ReadRange(path, offset, length, buffer);
+} catch (const std::exception&) {
+  return -1;
+}
