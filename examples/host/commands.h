@@ -40,6 +40,7 @@ void AddDownload(CLI::App& app, Work& chosen);
 void AddRead(CLI::App& app, Work& chosen);
 void AddWhoAmI(CLI::App& app, Work& chosen);
 void AddToken(CLI::App& app, Work& chosen);
+void AddGui(CLI::App& app, Work& chosen);
 
 }  // namespace nvhost
 

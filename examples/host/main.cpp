@@ -38,6 +38,7 @@ int Run(int argc, char** argv) {
   nvhost::AddRead(app, chosen);
   nvhost::AddWhoAmI(app, chosen);
   nvhost::AddToken(app, chosen);
+  nvhost::AddGui(app, chosen);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -1,0 +1,31 @@
+// nvhost-gui: a small host application with a window, which owns the library's dialogs. `nvhost gui` starts it.
+#include <CLI/CLI.hpp>
+
+#include <QApplication>
+#include <cstdio>
+#include <stdexcept>
+#include <string>
+
+#include "main_window.h"
+
+int main(int argc, char** argv) {
+  QApplication application(argc, argv);
+  CLI::App app("A window of a host application on the nvsupport library.", "nvhost-gui");
+  std::string library = (QApplication::applicationDirPath() + "/nvsupport.so").toStdString();
+  std::string product = "Map Viewer";
+  std::string host = NV_SERVICE_HOST;
+  app.add_option("--library", library, "The support library to load")->type_name("PATH")->capture_default_str();
+  app.add_option("--product", product, "Product whose settings to use")->type_name("NAME")->capture_default_str();
+  app.add_option("--host", host, "Server that products are downloaded from")->type_name("HOST")->capture_default_str();
+  CLI11_PARSE(app, argc, argv);
+  try {
+    const nvhost::NvSupport support(library);
+    support.openSession(product.c_str());
+    MainWindow window(support, product, host);
+    window.show();
+    return QApplication::exec();
+  } catch (const std::runtime_error& error) {
+    std::fprintf(stderr, "nvhost-gui: %s\n", error.what());
+    return 3;
+  }
+}
