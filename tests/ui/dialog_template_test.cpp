@@ -11,7 +11,6 @@
 namespace {
 
 using user::Bytes;
-using user::DialogTemplate;
 
 constexpr LONG_PTR tabStop = 0x10000;
 constexpr WORD ownIds[] = {IDD_CREATE_ACCOUNT, IDD_SIGN_IN, IDD_COMPUTER_NAME};
