@@ -1,0 +1,98 @@
+// The module as a host has it: the file that the build made, loaded into a process of its own.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <set>
+#include <sstream>
+#include <string>
+
+#include "mapshop/map_shop_reply.h"
+#include "support/run_program.h"
+#include "support/scripted_server.h"
+#include "support/temporary_home.h"
+
+namespace nvsupport::testing {
+namespace {
+
+class Module : public ::testing::Test {
+ protected:
+  // A job of module_host.c.
+  static ProgramResult RunHost(const std::string& job, int rounds = 0) {
+    return RunProgram({NV_MODULE_HOST, NV_MODULE, job, std::to_string(rounds)});
+  }
+
+  // Runs a job that prints its growth over many rounds.
+  static void ExpectNoGrowth(const std::string& job, int rounds) {
+    const ProgramResult result = RunHost(job, rounds);
+    ASSERT_EQ(result.exitCode, 0) << result.output;
+    long files = -1;
+    long threads = -1;
+    long mappings = -1;
+    long pages = -1;
+    std::istringstream(result.output) >> files >> threads >> mappings >> pages;
+    EXPECT_EQ(files, 0);
+    EXPECT_EQ(threads, 0);
+    if (sanitized) return;  // a sanitizer keeps books about every load, and finds leaks by itself
+    EXPECT_LE(mappings, 4) << "the allocator may take some";
+    EXPECT_LE(pages, 256) << "1 MiB";
+  }
+
+  static constexpr bool sanitized = NV_SANITIZED;
+  const TemporaryHome home;
+};
+
+// With a map shop that offers one product.
+class ModuleOnline : public Module {
+ protected:
+  const ScriptedServer server{{HttpReply(200, ReplyWith({{"Norrland", 1, "N", "n.nvpkg", -2}}, 7).bytes)}};
+
+ private:
+  const ScopedVariable connectTo{"NV_CONNECT_TO", server.ConnectTo(NV_SERVICE_HOST, 80)};
+};
+
+TEST_F(Module, ShowsTheExportsAndNothingElse) {
+  const std::set<std::string> exports = {"x3e491215",       "x0d83f18d",        "x2ed7465a",     "xff99a5e4",
+                                         "NSMapShopSearch", "NSMapShopGetNext", "NSMapShopClose"};
+  const ProgramResult nm = RunProgram({"nm", "-D", "--defined-only", "--format=just-symbols", NV_MODULE});
+  ASSERT_EQ(nm.exitCode, 0);
+  std::istringstream lines(nm.output);
+  std::set<std::string> defined;
+  for (std::string name; lines >> name;) defined.insert(name);
+  EXPECT_EQ(defined, exports);
+}
+
+TEST_F(Module, SetsNothingToWorkAtLoadAndLeavesAtUnload) {
+  const ProgramResult result = RunHost("load");
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.output, "threads 0 files 0 web client starts 0\nunloaded\n");
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(home.folder.path)) {
+    EXPECT_TRUE(entry.is_directory()) << entry.path() << " is left behind";
+  }
+}
+
+TEST_F(Module, LooksUpItsCaptionAtLoadAndNotesTheMissAtUnload) {
+  std::filesystem::create_directories(home.folder / "documents/NVTranslation");
+  EXPECT_EQ(RunHost("load").exitCode, 0);
+  std::string narrow;
+  for (const char byte : ReadWholeFile(home.folder / "documents/NVTranslation/nvsupport.txt")) {
+    if (byte != '\0') narrow += byte;
+  }
+  EXPECT_NE(narrow.find("Account Manager\tXXXX\r\n"), std::string::npos) << narrow;
+}
+
+TEST_F(Module, HoldsNothingMoreAfterManyLoads) {
+  ExpectNoGrowth("cycle", sanitized ? 100 : 1000);
+}
+
+TEST_F(ModuleOnline, ServesAHostInC) {
+  const ProgramResult result = RunHost("use-and-exit");
+  EXPECT_EQ(result.exitCode, 0) << "a host may end without unloading the module";
+  EXPECT_EQ(result.output, "Package: Norrland|N|n.nvpkg|1|-2\nclosing 7\n");
+}
+
+TEST_F(ModuleOnline, HoldsNothingMoreAfterManyLoadsInUse) {
+  ExpectNoGrowth("cycle-in-use", 100);
+}
+
+}  // namespace
+}  // namespace nvsupport::testing
