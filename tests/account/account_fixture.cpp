@@ -1,7 +1,6 @@
 #include "account_fixture.h"
 
 #include <cstdlib>
-#include <ostream>
 
 #include "account/credentials.h"
 #include "nvsupport/nvsupport.h"
@@ -36,14 +35,6 @@ Reply Items(const std::string& body) {
   return HttpReply(200, body);
 }
 
-Step Types(int id, const std::string& text) {
-  return PlayedUser::Types(id, text);
-}
-
-Step Clicks(int id) {
-  return PlayedUser::Clicks(id);
-}
-
 Step Sees(const std::string& title, std::function<void(HWND)> look) {
   return [title, look = std::move(look)](HWND dialog) {
     EXPECT_EQ(TitleOf(dialog), title);
@@ -72,10 +63,6 @@ Steps FillAccount(const std::string& user, const std::string& password) {
 std::string TextOf(HWND dialog, int id) {
   char text[200];
   return {text, GetDlgItemTextA(dialog, id, text, sizeof text)};
-}
-
-void PrintTo(const Credentials& credentials, std::ostream* stream) {
-  *stream << '"' << credentials.user << "\" \"" << credentials.password << '"';
 }
 
 AccountTest::AccountTest()

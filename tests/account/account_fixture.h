@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/service_manager.h"
@@ -31,8 +32,8 @@ std::string Text(const std::string& text);
 // A reply with that body.
 Reply Items(const std::string& body);
 
-Step Types(int id, const std::string& text);
-Step Clicks(int id);
+inline constexpr auto Types = &PlayedUser::Types;
+inline constexpr auto Clicks = &PlayedUser::Clicks;
 // A look at the dialog that is in front, whose title must be this one.
 Step Sees(const std::string& title, std::function<void(HWND)> look = {});
 Steps operator+(Steps left, const Steps& right);
@@ -42,12 +43,7 @@ Steps FillAccount(const std::string& user, const std::string& password);
 
 std::string TextOf(HWND dialog, int id);
 
-struct Credentials {
-  std::string user;
-  std::string password;
-  bool operator==(const Credentials&) const = default;
-};
-void PrintTo(const Credentials& credentials, std::ostream* stream);
+using Credentials = std::pair<std::string, std::string>;  // user ID, password
 
 class AccountTest : public ::testing::Test {
  protected:

@@ -115,7 +115,7 @@ TEST_F(AccountExchange, TellsTheUserOfEachFailureAndLetsHimTryAgain) {
   for (const Failure& row : failures) {
     SCOPED_TRACE(std::string(row.tried->title) + ": " + (row.text != nullptr ? row.text : "no message"));
     row.reply ? Serve({*row.reply}) : ServeNobody();
-    OpenSession(ProfileOf(saved.user, saved.password));
+    OpenSession(ProfileOf(saved.first, saved.second));
     person.boxes.clear();
     person.boxOwners.clear();
     const Steps tryTwice = {Clicks(IDOK), Sees(row.tried->title), Clicks(IDOK), Sees(row.tried->title),
@@ -134,7 +134,7 @@ TEST_F(AccountExchange, TellsTheUserOfEachFailureAndLetsHimTryAgain) {
       ASSERT_EQ(Bodies().size(), 2u);
       EXPECT_EQ(Bodies()[0], Bodies()[1]) << "the edits keep what was typed";
     }
-    EXPECT_EQ(Profile(), ProfileOf(saved.user, saved.password));
+    EXPECT_EQ(Profile(), ProfileOf(saved.first, saved.second));
     EXPECT_EQ(InForce(), row.tried->left);
   }
 }

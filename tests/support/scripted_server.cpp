@@ -73,8 +73,8 @@ Reply CutAfter(Reply reply, std::size_t count) {
   return reply;
 }
 
-void ScriptedServer::ContextDeleter::operator()(SSL_CTX* context) const {
-  SSL_CTX_free(context);
+void ScriptedServer::ContextDeleter::operator()(SSL_CTX* object) const {
+  SSL_CTX_free(object);
 }
 
 // One connection, plain or TLS.

@@ -134,22 +134,5 @@ TEST_F(Placement, KeepsADialogOfADialogRelativeToThatDialog) {
   EXPECT_EQ(again.top, opened.top + 70);
 }
 
-TEST_F(Placement, LeavesAnEmbeddedDialogWhereItsParentPutsIt) {
-  ProbeDialog outer;
-  ProbeDialog embedded(IDD_EMBEDDED);
-  std::size_t movesBefore = 0;
-  person.steps = {
-      [&](HWND window) {
-        movesBefore = user::Record().moves.size();
-        embedded.run(window);
-        EndDialog(window, 1);
-      },
-      [](HWND window) { EndDialog(window, 1); },
-  };
-  outer.run(nullptr);
-  EXPECT_FALSE(embedded.calls.empty());
-  EXPECT_EQ(user::Record().moves.size(), movesBefore);
-}
-
 }  // namespace
 }  // namespace nvsupport

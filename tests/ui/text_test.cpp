@@ -47,14 +47,24 @@ TEST_F(ShownText, OfADialogIsTranslatedBeforeItsOwnInit) {
   dialog.run(nullptr);
 }
 
-TEST_F(ShownText, OfAnEmbeddedDialogIsTranslatedToo) {
+TEST_F(ShownText, OfAnEmbeddedDialogIsTranslatedButItsPlaceIsItsParents) {
   LoadCatalogue("Known text\tBekannt\n");
-  ProbeDialog dialog(IDD_EMBEDDED);
-  person.steps = {[&](HWND window) {
-    EXPECT_EQ(dialog.getItemText(IDC_LABEL), "Bekannt");
-    EndDialog(window, 1);
-  }};
-  dialog.run(nullptr);
+  ProbeDialog outer;
+  ProbeDialog embedded(IDD_EMBEDDED);
+  std::size_t movesBefore = 0;
+  person.steps = {
+      [&](HWND window) {
+        movesBefore = user::Record().moves.size();
+        embedded.run(window);
+        EndDialog(window, 1);
+      },
+      [&](HWND window) {
+        EXPECT_EQ(embedded.getItemText(IDC_LABEL), "Bekannt");
+        EndDialog(window, 1);
+      },
+  };
+  outer.run(nullptr);
+  EXPECT_EQ(user::Record().moves.size(), movesBefore);
 }
 
 TEST_F(ShownText, OfAMessageIsLookedUpByItsSource) {
