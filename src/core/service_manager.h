@@ -37,9 +37,9 @@ class CVServiceManager {
   std::string GetSessionToken(HWND parent);
 
  protected:
+  // Starts with what was saved for the product.
   CVServiceManager(const std::string& productName, std::uint32_t platform, std::uint32_t deviceId);
 
- private:
   std::uint32_t m_platform;  // platform code that computers are registered with
   std::string m_userId;
   std::string m_productName;
