@@ -1,9 +1,13 @@
-// Multi-byte text in a UTF-8 code page, in which the tests run.
+// Multi-byte text, in UTF-8 and in a code page of double-byte characters.
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include "platform/platform.h"
+#include "support/run_program.h"
+#include "support/temporary_home.h"
 
 namespace {
 
@@ -45,6 +49,29 @@ TEST(MultiByteText, CompareFoldsTheLettersAToZAlone) {
   EXPECT_LT(CompareFolded("a", "B"), 0);
   EXPECT_GT(CompareFolded("ab", "A"), 0);
   EXPECT_NE(CompareFolded("\u00c9", "\u00e9"), 0);
+}
+
+// The code page is found once in a process: the checks run in a fresh one, which ends with 0 when they hold.
+void CheckGbk(const std::string& locales) {
+  setenv("LOCPATH", locales.c_str(), 1);
+  setenv("LC_ALL", "zh_CN.GBK", 1);
+  const std::string text = "abc\xd6\xd0";  // a, b, c and U+4E2D
+  EXPECT_EQ(Copy(text, 5), text + "#");
+  EXPECT_EQ(Copy(text, 4), std::string("abc\0#", 5));
+  EXPECT_EQ(platform::ToUtf8(text), "abc\u4e2d");
+  EXPECT_EQ(platform::ToUtf8("\xe9"), "\u00e9");
+  EXPECT_EQ(platform::FromUtf8("abc\u4e2d\u00df!"), text + "?!");
+  std::fflush(nullptr);
+  std::_Exit(testing::Test::HasFailure() ? 1 : 0);  // at once: the C library keeps what it read from LOCPATH
+}
+
+TEST(MultiByteText, FollowsTheCodePageOfTheEnvironment) {
+  const nvsupport::testing::TemporaryFolder folder;
+  const auto made =
+      nvsupport::testing::RunProgram({"localedef", "-c", "-i", "zh_CN", "-f", "GBK", folder / "zh_CN.GBK"});
+  if (made.exitCode < 0 || made.exitCode > 1) GTEST_SKIP() << "this system has no sources of locales";
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(CheckGbk(folder.path.string()), testing::ExitedWithCode(0), "");
 }
 
 }  // namespace
