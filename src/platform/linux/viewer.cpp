@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cstddef>
+#include <cstdlib>
 #include <memory>
 
 namespace {
@@ -18,27 +19,25 @@ struct Request {
   char** arguments;
   const posix_spawn_file_actions_t* actions;
   const posix_spawnattr_t* attributes;
-  int result;
 };
 
-// Runs in the process between, on the host's memory, while the calling thread waits.
+// Runs in the process between; what it returns is that process's exit status.
 int SpawnViewer(void* data) {
-  auto* request = static_cast<Request*>(data);
+  const auto* request = static_cast<Request*>(data);
   pid_t viewer = 0;
-  request->result =
-      posix_spawnp(&viewer, request->arguments[0], request->actions, request->attributes, request->arguments, environ);
-  return 0;
+  return posix_spawnp(&viewer, request->arguments[0], request->actions, request->attributes, request->arguments,
+                      environ) == 0
+             ? EXIT_SUCCESS
+             : EXIT_FAILURE;
 }
 
-// Starts the viewer by a process between, so that it becomes no child of the host. That process sends no signal when
-// it ends, and a wait of the host for any child does not see it.
+// Starts the viewer by a process between, so that it becomes no child of the host. That process is cloned without a
+// signal for its end, so a wait of the host for any child does not see it either.
 bool SpawnDetached(Request& request) {
   const auto stack = std::make_unique<std::max_align_t[]>(stackSize / sizeof(std::max_align_t));
-  const pid_t between =
-      clone(SpawnViewer, stack.get() + stackSize / sizeof(std::max_align_t), CLONE_VM | CLONE_VFORK, &request);
-  if (between < 0) return false;
-  waitpid(between, nullptr, static_cast<int>(__WCLONE));
-  return request.result == 0;
+  const pid_t between = clone(SpawnViewer, stack.get() + stackSize / sizeof(std::max_align_t), 0, &request);
+  int status = EXIT_FAILURE;
+  return between > 0 && waitpid(between, &status, static_cast<int>(__WCLONE)) == between && status == EXIT_SUCCESS;
 }
 
 }  // namespace
@@ -69,7 +68,7 @@ bool StartViewer(const char* target) {
 
   // No handler of the host may run in the process between.
   pthread_sigmask(SIG_SETMASK, &all, &before);
-  Request request{arguments, &actions, &attributes, -1};
+  Request request{arguments, &actions, &attributes};
   const bool started = SpawnDetached(request);
   pthread_sigmask(SIG_SETMASK, &before, nullptr);
 
