@@ -51,8 +51,9 @@ TEST(MultiByteText, CompareFoldsTheLettersAToZAlone) {
   EXPECT_NE(CompareFolded("\u00c9", "\u00e9"), 0);
 }
 
-// The code page is found once in a process: the checks run in a fresh one, which ends with 0 when they hold.
-void CheckGbk(const std::string& locales) {
+// The code page is found once in a process: the checks run in a fresh one, which ends with 0 when they hold. `locales`
+// is that process's own folder.
+void CheckGbk(const std::filesystem::path& locales) {
   setenv("LOCPATH", locales.c_str(), 1);
   setenv("LC_ALL", "zh_CN.GBK", 1);
   const std::string text = "abc\xd6\xd0";  // a, b, c and U+4E2D
@@ -61,6 +62,7 @@ void CheckGbk(const std::string& locales) {
   EXPECT_EQ(platform::ToUtf8(text), "abc\u4e2d");
   EXPECT_EQ(platform::ToUtf8("\xe9"), "\u00e9");
   EXPECT_EQ(platform::FromUtf8("abc\u4e2d\u00df!"), text + "?!");
+  std::filesystem::remove_all(locales);
   std::fflush(nullptr);
   std::_Exit(testing::Test::HasFailure() ? 1 : 0);  // at once: the C library keeps what it read from LOCPATH
 }
@@ -71,7 +73,7 @@ TEST(MultiByteText, FollowsTheCodePageOfTheEnvironment) {
       nvsupport::testing::RunProgram({"localedef", "-c", "-i", "zh_CN", "-f", "GBK", folder / "zh_CN.GBK"});
   if (made.exitCode < 0 || made.exitCode > 1) GTEST_SKIP() << "this system has no sources of locales";
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  EXPECT_EXIT(CheckGbk(folder.path.string()), testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(CheckGbk(folder.path), testing::ExitedWithCode(0), "");
 }
 
 }  // namespace
