@@ -1,5 +1,5 @@
 // A user for the headless display who plays prepared steps, one for each time that a dialog waits, and answers message
-// boxes with OK while noting what they said. In force during its life.
+// boxes while noting what they said. In force during its life.
 #ifndef NVSUPPORT_TESTS_SUPPORT_PLAYED_USER_H
 #define NVSUPPORT_TESTS_SUPPORT_PLAYED_USER_H
 
@@ -44,11 +44,15 @@ class PlayedUser final : public user::HeadlessUser {
     const user::DialogView* const owner = user::ViewOf(box.owner);
     boxes.push_back(box);
     boxOwners.push_back(owner != nullptr ? owner->title : "");
-    return IDOK;
+    if (answers.empty()) return IDOK;
+    const int answer = answers.front();
+    answers.pop_front();
+    return answer;
   }
   void OnStuck(HWND) override { ADD_FAILURE() << "a dialog was left open"; }
 
   std::deque<Step> steps;                   // what the user will do
+  std::deque<int> answers;                  // buttons for the next message boxes; OK when there are no more
   std::vector<user::MessageBoxView> boxes;  // what the user was told
   std::vector<std::string> boxOwners;       // by the same index: title of the dialog that owned the box
 

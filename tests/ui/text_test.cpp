@@ -75,7 +75,8 @@ TEST_F(ShownText, OfAMessageIsLookedUpByItsSource) {
   const HWND owner = reinterpret_cast<HWND>(ownerId);
   user::Screen().foreignWindows[ownerId] = {0, 0, 100, 100};
 
-  EXPECT_EQ(ShowMessage(owner, MB_ICONERROR, "Hello"), IDOK);
+  person.answers = {7};
+  EXPECT_EQ(ShowMessage(owner, MB_ICONERROR, "Hello"), 7);
   ShowMessage(nullptr, MB_OK, "Unknown");
   ShowMessage(nullptr, MB_OK, "");
   ShowMessageFormat(owner, MB_ICONINFORMATION, "Code %d", -7);
