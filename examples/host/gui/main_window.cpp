@@ -165,6 +165,7 @@ void MainWindow::Download() {
   const bool good = support.download(fileHost.c_str(), path.toLocal8Bit().constData(), file.toLocal8Bit().constData(),
                                      callback, this, &counters);
   SetDownloading(false);
+  if (good) progress->setValue(kProgressSteps);
   status->setText(good        ? QString("%1: %2 bytes").arg(file).arg(counters.done)
                   : cancelled ? QString("Cancelled.")
                               : QString("The file could not be downloaded."));
