@@ -11,8 +11,10 @@ thread_local DWORD joinedThread = 0;
 
 }  // namespace
 
-// Shared cursors are known by their number.
+// Shared cursors are known by their number. The wait cursor is loaded by the thread that is going to be blocked.
 HCURSOR LoadCursorA(HINSTANCE module, LPCSTR name) {
+  user::Display* display = user::OpenedDisplay();
+  if (display != nullptr && name == IDC_WAIT) display->NoteCursorWindows();
   return module == nullptr ? reinterpret_cast<HCURSOR>(const_cast<LPSTR>(name)) : nullptr;
 }
 

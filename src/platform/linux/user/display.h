@@ -78,7 +78,7 @@ class Display {
   virtual void ShowDialogWindow(HWND dialog) = 0;
   // Comes after RunModal, or during it from within an event of this or another dialog, when a handler destroys one.
   virtual void DestroyDialogWindow(HWND dialog) = 0;
-  // Runs the user's events until `ended` becomes true.
+  // Runs the user's events until `ended` becomes true. Returns without that when the host quits its event loops.
   virtual void RunModal(HWND dialog, const bool& ended) = 0;
   // Shows a message box until it is answered; returns the id of the button, 0 if it could not be shown.
   virtual int RunMessageBox(const MessageBoxView& box) = 0;
@@ -96,8 +96,9 @@ class Display {
   // The rectangle of a host's own window; nothing if there is no such window.
   virtual std::optional<RECT> ForeignRect(std::uintptr_t window) = 0;
 
-  // Shows the wait cursor on this process's windows. May be called on another thread while the dialogs' thread is
-  // blocked.
+  // Notes the windows that a wait cursor would be shown on, before their thread is blocked.
+  virtual void NoteCursorWindows() {}
+  // Shows the wait cursor on the windows noted. May be called on another thread while the dialogs' thread is blocked.
   virtual void ShowWaitCursor() = 0;
   // Lets the window under the pointer choose its cursor again.
   virtual void RestoreCursor() = 0;

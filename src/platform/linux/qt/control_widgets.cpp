@@ -1,0 +1,161 @@
+#include "control_widgets.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QStyle>
+#include <QStyleOptionButton>
+
+namespace user {
+namespace {
+
+// Clicks are told to the core, which changes the state by its own rules.
+class CheckBox final : public QCheckBox {
+ public:
+  using QCheckBox::QCheckBox;
+
+ protected:
+  void nextCheckState() override {}
+};
+
+QString WithoutMarks(const QString& text) {
+  QString plain;
+  for (qsizetype i = 0; i < text.size(); ++i) {
+    if (text[i] == QLatin1Char('&') && ++i == text.size()) break;
+    plain += text[i];
+  }
+  return plain;
+}
+
+QSize SizeOfLines(const QWidget& widget, const QString& text, int width, int flags) {
+  return widget.fontMetrics().boundingRect(0, 0, width, QWIDGETSIZE_MAX, flags, text).size();
+}
+
+bool FitsInButton(const QPushButton& button, const QString& plain) {
+  QStyleOptionButton option;
+  option.initFrom(&button);
+  const QSize room = button.style()->subElementRect(QStyle::SE_PushButtonContents, &option, &button).size();
+  return SizeOfLines(button, plain, 0, 0).width() <= room.width();
+}
+
+// Of what is as high as its lines the last line's descent may be short of a pixel or two.
+bool FitsInLabel(const QLabel& label, const QString& plain) {
+  const int lineHeight = label.fontMetrics().height();
+  const QSize size = SizeOfLines(label, plain, label.width(), Qt::TextWordWrap);
+  return size.width() <= label.width() && size.height() <= std::max(label.height(), lineHeight);
+}
+
+bool Fits(const QWidget& widget, const QString& plain) {
+  if (const auto* label = qobject_cast<const QLabel*>(&widget)) return FitsInLabel(*label, plain);
+  if (const auto* button = qobject_cast<const QPushButton*>(&widget)) return FitsInButton(*button, plain);
+  if (const auto* box = qobject_cast<const QCheckBox*>(&widget)) return box->sizeHint().width() <= box->width();
+  return true;
+}
+
+QWidget* MakeLabel(const ControlView& view, QDialog& dialog) {
+  auto* label = new QLabel(&dialog);
+  label->setTextFormat(Qt::PlainText);
+  label->setWordWrap(true);
+  label->setAlignment(Qt::AlignTop | (view.alignRight ? Qt::AlignRight : Qt::AlignLeft));
+  return label;
+}
+
+QWidget* MakeEdit(const ControlView& view, QDialog& dialog) {
+  auto* edit = new QLineEdit(&dialog);
+  if (view.password) edit->setEchoMode(QLineEdit::Password);
+  return edit;
+}
+
+QWidget* MakePushButton(const ControlView& view, QDialog& dialog) {
+  auto* button = new QPushButton(&dialog);
+  button->setAutoDefault(true);
+  button->setDefault(view.defaultButton);
+  return button;
+}
+
+QWidget* MakeCheckBox(const ControlView& view, QDialog& dialog) {
+  auto* box = new CheckBox(&dialog);
+  box->setTristate(view.threeState);
+  return box;
+}
+
+QWidget* MakeWidget(const ControlView& view, QDialog& dialog) {
+  switch (view.kind) {
+    case ControlKind::edit:
+      return MakeEdit(view, dialog);
+    case ControlKind::pushButton:
+      return MakePushButton(view, dialog);
+    case ControlKind::checkBox:
+      return MakeCheckBox(view, dialog);
+    default:
+      return MakeLabel(view, dialog);
+  }
+}
+
+// Check boxes are laid out lower than their mark is; they grow around their centre.
+QRect PlaceOf(const ControlView& view, const QWidget& widget) {
+  QRect place = ToQRect(view.rectangle);
+  const int missing = widget.minimumSizeHint().height() - place.height();
+  if (view.kind == ControlKind::checkBox && missing > 0) place.adjust(0, -(missing / 2), 0, missing - missing / 2);
+  return place;
+}
+
+Qt::FocusPolicy FocusPolicyOf(const ControlView& view) {
+  if (view.kind == ControlKind::label) return Qt::NoFocus;
+  return view.tabStop ? Qt::StrongFocus : Qt::ClickFocus;
+}
+
+QWidget* MakeControl(const ControlView& view, QDialog& dialog) {
+  QWidget* widget = MakeWidget(view, dialog);
+  widget->setObjectName(QString::number(view.id));
+  widget->setFocusPolicy(FocusPolicyOf(view));
+  widget->setGeometry(PlaceOf(view, *widget));
+  return widget;
+}
+
+void SetTabOrder(const std::vector<QWidget*>& widgets) {
+  QWidget* before = nullptr;
+  for (QWidget* widget : widgets) {
+    if (widget->focusPolicy() == Qt::NoFocus) continue;
+    if (before != nullptr) QWidget::setTabOrder(before, widget);
+    before = widget;
+  }
+}
+
+void NameEdits(const std::vector<QWidget*>& widgets) {
+  for (std::size_t i = 1; i < widgets.size(); ++i) {
+    auto* label = qobject_cast<QLabel*>(widgets[i - 1]);
+    if (label != nullptr && qobject_cast<QLineEdit*>(widgets[i]) != nullptr) label->setBuddy(widgets[i]);
+  }
+}
+
+}  // namespace
+
+std::vector<QWidget*> MakeControlWidgets(const std::vector<ControlView>& controls, QDialog& dialog) {
+  std::vector<QWidget*> widgets;
+  for (const ControlView& view : controls) widgets.push_back(MakeControl(view, dialog));
+  SetTabOrder(widgets);
+  NameEdits(widgets);
+  for (std::size_t i = 0; i < controls.size(); ++i) ShowControlText(*widgets[i], controls[i].text);
+  return widgets;
+}
+
+void ShowControlText(QWidget& widget, const std::string& text) {
+  const QString marked = QString::fromStdString(text);
+  const QString plain = WithoutMarks(marked);
+  if (auto* edit = qobject_cast<QLineEdit*>(&widget)) return edit->setText(marked);
+  // Only a label that names an edit has a use for marks.
+  if (auto* label = qobject_cast<QLabel*>(&widget)) label->setText(label->buddy() != nullptr ? marked : plain);
+  if (auto* button = qobject_cast<QAbstractButton*>(&widget)) button->setText(marked);
+  const QString tip = Qt::mightBeRichText(plain) ? plain.toHtmlEscaped() : plain;
+  widget.setToolTip(Fits(widget, plain) ? QString() : tip);
+}
+
+void ShowCheckState(QWidget& widget, int state) {
+  constexpr Qt::CheckState states[] = {Qt::Unchecked, Qt::Checked, Qt::PartiallyChecked};
+  auto* box = qobject_cast<QCheckBox*>(&widget);
+  if (box != nullptr && state >= 0 && state < 3) box->setCheckState(states[state]);
+}
+
+}  // namespace user

@@ -1,0 +1,27 @@
+// The widgets that show a dialog's controls.
+#ifndef NVSUPPORT_PLATFORM_LINUX_QT_CONTROL_WIDGETS_H
+#define NVSUPPORT_PLATFORM_LINUX_QT_CONTROL_WIDGETS_H
+
+#include <QDialog>
+#include <QRect>
+#include <string>
+#include <vector>
+
+#include "user/display.h"
+
+namespace user {
+
+inline QRect ToQRect(const RECT& r) {
+  return {r.left, r.top, r.right - r.left, r.bottom - r.top};
+}
+
+// Makes a widget for each control, in their order, owned by the dialog. A label names the edit right behind it.
+std::vector<QWidget*> MakeControlWidgets(const std::vector<ControlView>& controls, QDialog& dialog);
+
+// Text with '&' marks. One that does not fit is also the tool tip, since nothing is resized.
+void ShowControlText(QWidget& widget, const std::string& text);
+void ShowCheckState(QWidget& widget, int state);
+
+}  // namespace user
+
+#endif

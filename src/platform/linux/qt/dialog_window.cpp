@@ -1,0 +1,200 @@
+#include "dialog_window.h"
+
+#include <QAbstractButton>
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScopedValueRollback>
+
+#include "control_widgets.h"
+
+namespace user {
+namespace {
+
+// How long a window manager may take to put a window where it wants it. What moves it later is the user.
+constexpr qint64 settlingTime = 500;  // milliseconds
+
+// Frame widths of a plain desktop.
+constexpr QMargins usualFrame(4, 22, 4, 4);
+
+QMargins& KnownFrame() {
+  static QMargins frame = usualFrame;
+  return frame;
+}
+
+POINT ToPoint(QPoint point) {
+  return {point.x(), point.y()};
+}
+
+bool IsEnter(const QKeyEvent& event) {
+  const bool plain = (event.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+  return plain && (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter);
+}
+
+bool IsEscape(const QKeyEvent& event) {
+  return event.modifiers() == Qt::NoModifier && event.key() == Qt::Key_Escape;
+}
+
+}  // namespace
+
+DialogWindow::DialogWindow(const DialogView& view, DisplayEvents& coreEvents, const X11Connection* x11)
+    : QDialog(nullptr, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint),
+      handle(view.handle),
+      events(&coreEvents),
+      connection(x11) {
+  setWindowTitle(QString::fromStdString(view.title));
+  setFixedSize(view.width, view.height);
+  const std::vector<QWidget*> widgets = MakeControlWidgets(view.controls, *this);
+  for (std::size_t i = 0; i < widgets.size(); ++i) Connect(view.controls[i], *widgets[i]);
+}
+
+void DialogWindow::Connect(const ControlView& view, QWidget& widget) {
+  const HWND control = view.handle;
+  controls[control] = &widget;
+  widget.installEventFilter(this);
+  if (auto* button = qobject_cast<QAbstractButton*>(&widget)) {
+    connect(button, &QAbstractButton::clicked, this,
+            [this, control] { Report([control](DisplayEvents& to) { to.OnClick(control); }); });
+  }
+  if (auto* edit = qobject_cast<QLineEdit*>(&widget)) {
+    connect(edit, &QLineEdit::textEdited, this, [this, control](const QString& text) {
+      Report([control, &text](DisplayEvents& to) { to.OnTextEdited(control, text.toStdString()); });
+    });
+  }
+}
+
+template <class What>
+void DialogWindow::Report(What what) {
+  if (events == nullptr) return;
+  ++reports;
+  what(*events);
+  --reports;
+}
+
+void DialogWindow::SetOwner(OwnerWindow ownerWindow) {
+  owner = std::move(ownerWindow);
+  user::SetOwner(*this, owner.window);
+}
+
+void DialogWindow::Open() {
+  sincePlaced.start();
+  show();
+  clientPlace = geometry().topLeft();
+  raise();
+  activateWindow();
+}
+
+void DialogWindow::Retire() {
+  events = nullptr;
+  isEnded = nullptr;
+  if (windowHandle() != nullptr && windowHandle()->isExposed()) KnownFrame() = windowHandle()->frameMargins();
+  hide();
+  if (owner.window != nullptr && owner.foreign == nullptr) owner.window->requestActivate();
+  if (reports > 0) {
+    deleteLater();
+  } else {
+    delete this;
+  }
+}
+
+void DialogWindow::FocusControl(HWND control, bool selectAll) {
+  const QScopedValueRollback<bool> guard(placing, true);
+  QWidget* widget = controls.at(control);
+  focused = control;
+  widget->setFocus();
+  auto* edit = qobject_cast<QLineEdit*>(widget);
+  if (edit != nullptr && selectAll) edit->selectAll();
+}
+
+void DialogWindow::Place(QPoint topLeft) {
+  const QScopedValueRollback<bool> guard(placing, true);
+  framePlace = topLeft;
+  sincePlaced.start();
+  move(topLeft);
+}
+
+QRect DialogWindow::FrameRectangle() const {
+  return isVisible() ? frameGeometry() : QRect(framePlace, size().grownBy(Frame()));
+}
+
+QRect DialogWindow::ClientRectangle() const {
+  return isVisible() ? geometry() : FrameRectangle().marginsRemoved(Frame());
+}
+
+QMargins DialogWindow::Frame() {
+  return KnownFrame();
+}
+
+bool DialogWindow::eventFilter(QObject* widget, QEvent* event) {
+  // A push button with the focus would answer Enter by itself.
+  if (event->type() == QEvent::KeyPress && qobject_cast<QPushButton*>(widget) != nullptr) {
+    auto* key = static_cast<QKeyEvent*>(event);
+    if (!IsEnter(*key)) return false;
+    keyPressEvent(key);
+    return true;
+  }
+  if (event->type() == QEvent::FocusIn && !placing) {
+    for (const auto& [control, shown] : controls) {
+      if (shown == widget) OnFocusIn(control);
+    }
+  }
+  return false;
+}
+
+void DialogWindow::OnFocusIn(HWND control) {
+  // The same one again when the window becomes the active one.
+  if (std::exchange(focused, control) == control) return;
+  Report([control](DisplayEvents& to) { to.OnFocus(control); });
+}
+
+void DialogWindow::keyPressEvent(QKeyEvent* event) {
+  if (IsEnter(*event)) {
+    Report([this](DisplayEvents& to) { to.OnEnter(handle); });
+  } else if (IsEscape(*event)) {
+    Report([this](DisplayEvents& to) { to.OnEscape(handle); });
+  } else {
+    event->ignore();
+  }
+}
+
+// A host that quits closes all windows first and gives up on one that stays open.
+void DialogWindow::closeEvent(QCloseEvent* event) {
+  Report([this](DisplayEvents& to) { to.OnCloseBox(handle); });
+  event->setAccepted(!event->spontaneous() && isEnded != nullptr && *isEnded);
+}
+
+bool DialogWindow::IsMovedByUser() const {
+  if (sincePlaced.elapsed() > settlingTime) return true;
+  return connection != nullptr && connection->IsPointerButtonDown();
+}
+
+void DialogWindow::moveEvent(QMoveEvent* event) {
+  QDialog::moveEvent(event);
+  // Without a change of the client's place only the frame has become known.
+  const QPoint place = geometry().topLeft();
+  if (!isVisible() || std::exchange(clientPlace, place) == place) return;
+  if (!placing && IsMovedByUser()) Report([this](DisplayEvents& to) { to.OnDragged(handle); });
+}
+
+void DialogWindow::wheelEvent(QWheelEvent* event) {
+  const int delta = event->angleDelta().y();
+  const POINT point = ToPoint(event->globalPosition().toPoint());
+  Report([this, delta, point](DisplayEvents& to) { to.OnWheel(handle, delta, point); });
+}
+
+void DialogWindow::ReportLeftButton(const QMouseEvent& event, bool doubleClick) {
+  if (event.button() != Qt::LeftButton) return;
+  const POINT point = ToPoint(event.position().toPoint());
+  Report([this, doubleClick, point](DisplayEvents& to) { to.OnLeftButton(handle, doubleClick, point); });
+}
+
+void DialogWindow::mousePressEvent(QMouseEvent* event) {
+  ReportLeftButton(*event, false);
+}
+
+void DialogWindow::mouseDoubleClickEvent(QMouseEvent* event) {
+  ReportLeftButton(*event, true);
+}
+
+}  // namespace user

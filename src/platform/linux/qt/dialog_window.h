@@ -1,0 +1,72 @@
+// The window of one dialog: shows what the core says and reports what the user does. It never ends by itself.
+#ifndef NVSUPPORT_PLATFORM_LINUX_QT_DIALOG_WINDOW_H
+#define NVSUPPORT_PLATFORM_LINUX_QT_DIALOG_WINDOW_H
+
+#include <QDialog>
+#include <QElapsedTimer>
+#include <QMargins>
+#include <map>
+
+#include "owner_window.h"
+#include "user/display.h"
+
+namespace user {
+
+class DialogWindow final : public QDialog {
+ public:
+  // `x11` is null when there is no X server; both references outlive the window's use.
+  DialogWindow(const DialogView& view, DisplayEvents& coreEvents, const X11Connection* x11);
+
+  const std::map<HWND, QWidget*>& Controls() const { return controls; }
+  void SetOwner(OwnerWindow ownerWindow);
+  // `ended` tells that the core is done with the dialog; it lives until Retire.
+  void SetRun(const bool& ended) { isEnded = &ended; }
+  // Shows and activates it.
+  void Open();
+  // Hides it, gives the input back to its owner, reports nothing more, and lets the object go once no report is
+  // underway.
+  void Retire();
+
+  void FocusControl(HWND control, bool selectAll);
+  // Places the frame.
+  void Place(QPoint topLeft);
+  QRect FrameRectangle() const;
+  QRect ClientRectangle() const;
+
+  // The frame that the window manager puts around dialogs: a usual one until one was seen.
+  static QMargins Frame();
+
+ protected:
+  bool eventFilter(QObject* widget, QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+  void moveEvent(QMoveEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+
+ private:
+  template <class What>
+  void Report(What what);
+  void Connect(const ControlView& view, QWidget& widget);
+  void OnFocusIn(HWND control);
+  void ReportLeftButton(const QMouseEvent& event, bool doubleClick);
+  bool IsMovedByUser() const;
+
+  HWND handle;
+  DisplayEvents* events;  // null once retired
+  const X11Connection* connection;
+  const bool* isEnded = nullptr;  // null until the dialog runs
+  OwnerWindow owner;
+  std::map<HWND, QWidget*> controls;
+  HWND focused = nullptr;  // the control that the core knows to have the focus
+  bool placing = false;    // within a change of place or focus by the program
+  int reports = 0;         // underway
+  QPoint framePlace;       // where the program wants the frame
+  QPoint clientPlace;      // where the client area was last
+  QElapsedTimer sincePlaced;
+};
+
+}  // namespace user
+
+#endif

@@ -1,0 +1,36 @@
+// Keeps for the host what the making of a QApplication changes in the whole process: the locale, the environment and
+// the X library's error handler. Lives on the stack around it.
+#ifndef NVSUPPORT_PLATFORM_LINUX_QT_HOST_STATE_H
+#define NVSUPPORT_PLATFORM_LINUX_QT_HOST_STATE_H
+
+#include <X11/Xlib.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace user {
+
+class HostState {
+ public:
+  HostState();
+  ~HostState();
+  HostState(const HostState&) = delete;
+  HostState& operator=(const HostState&) = delete;
+
+ private:
+  struct Variable {
+    const char* name;
+    std::optional<std::string> value;  // nothing: was not set
+  };
+
+  void Keep(const char* name);
+
+  std::string locale;
+  XErrorHandler xErrorHandler;
+  std::vector<Variable> variables;
+};
+
+}  // namespace user
+
+#endif

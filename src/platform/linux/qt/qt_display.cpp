@@ -1,0 +1,185 @@
+#include "qt_display.h"
+
+#include <QAbstractEventDispatcher>
+#include <QApplication>
+#include <QCursor>
+#include <QEventLoop>
+#include <QFontMetrics>
+#include <QMessageBox>
+#include <QPointer>
+#include <QScreen>
+
+#include "control_widgets.h"
+#include "user/user.h"
+
+namespace user {
+namespace {
+
+RECT ToRect(const QRect& r) {
+  return {r.left(), r.top(), r.left() + r.width(), r.top() + r.height()};
+}
+
+// Pixels of the device to Qt's, which keep each screen's origin.
+QRect FromDevicePixels(const QRect& device) {
+  const QScreen* found = QGuiApplication::primaryScreen();
+  for (const QScreen* screen : QGuiApplication::screens()) {
+    const QRect place = screen->geometry();
+    if (QRect(place.topLeft(), place.size() * screen->devicePixelRatio()).contains(device.center())) found = screen;
+  }
+  if (found == nullptr) return device;
+  const double ratio = found->devicePixelRatio();
+  const QPoint origin = found->geometry().topLeft();
+  return {origin + (device.topLeft() - origin) / ratio, device.size() / ratio};
+}
+
+QMessageBox::Icon IconOf(UINT type) {
+  if ((type & MB_ICONERROR) != 0) return QMessageBox::Critical;
+  return (type & MB_ICONINFORMATION) != 0 ? QMessageBox::Information : QMessageBox::NoIcon;
+}
+
+}  // namespace
+
+void QtDisplay::Use(DisplayEvents* coreEvents) {
+  if (events == coreEvents) return;
+  const auto left = std::exchange(dialogs, {});
+  for (const auto& [handle, dialog] : left) dialog->Retire();
+  controlOwners.clear();
+  events = coreEvents;
+}
+
+POINT QtDisplay::BaseUnits() {
+  const QFontMetrics font(QApplication::font());
+  const QString letters = QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz");
+  return {(font.horizontalAdvance(letters) / 26 + 1) / 2, font.height()};
+}
+
+RECT QtDisplay::WorkArea() {
+  const QScreen* screen = QGuiApplication::primaryScreen();
+  return screen != nullptr ? ToRect(screen->availableGeometry()) : RECT{};
+}
+
+int QtDisplay::CaptionHeight() {
+  return DialogWindow::Frame().top() - FrameWidth();
+}
+
+int QtDisplay::FrameWidth() {
+  return DialogWindow::Frame().left();
+}
+
+DialogWindow* QtDisplay::Find(HWND dialog) const {
+  const auto found = dialogs.find(dialog);
+  return found != dialogs.end() ? found->second : nullptr;
+}
+
+DialogWindow* QtDisplay::FindOwnerOf(HWND control) const {
+  const auto found = controlOwners.find(control);
+  return found != controlOwners.end() ? found->second : nullptr;
+}
+
+bool QtDisplay::CreateDialogWindow(const DialogView& view) {
+  if (events == nullptr) return false;
+  auto* dialog = new DialogWindow(view, *events, x11.get());
+  dialog->SetOwner(OwnerOf(Find(view.owner), view.foreignOwner, x11.get()));
+  dialogs[view.handle] = dialog;
+  for (const ControlView& control : view.controls) controlOwners[control.handle] = dialog;
+  return true;
+}
+
+void QtDisplay::ShowDialogWindow(HWND dialog) {
+  if (DialogWindow* window = Find(dialog)) window->Open();
+}
+
+void QtDisplay::DestroyDialogWindow(HWND dialog) {
+  DialogWindow* window = Find(dialog);
+  if (window == nullptr) return;
+  dialogs.erase(dialog);
+  std::erase_if(controlOwners, [window](const auto& entry) { return entry.second == window; });
+  window->Retire();
+}
+
+void QtDisplay::RunModal(HWND dialog, const bool& ended) {
+  if (DialogWindow* window = Find(dialog)) window->SetRun(ended);
+  QEventLoop loop;
+  // Whatever has ended the dialog, the user or a timer of the host's, is seen before the thread would sleep.
+  QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &loop, [&] {
+    if (ended) loop.exit();
+  });
+  if (!ended) loop.exec(QEventLoop::DialogExec);
+}
+
+int QtDisplay::RunMessageBox(const MessageBoxView& view) {
+  if (events == nullptr) return 0;
+  DialogWindow* dialog = Find(view.owner);
+  const OwnerWindow owner = OwnerOf(dialog, view.foreignOwner, x11.get());
+  // The owner may go while the box runs, and the box with it.
+  const QPointer<QMessageBox> box = new QMessageBox(dialog);
+  box->setIcon(IconOf(view.type));
+  box->setWindowTitle(QString::fromStdString(view.caption));
+  box->setTextFormat(Qt::PlainText);
+  box->setText(QString::fromStdString(view.text));
+  box->setStandardButtons(QMessageBox::Ok);
+  user::SetOwner(*box, owner.window);
+  box->exec();
+  delete box;
+  if (Find(view.owner) == dialog && dialog != nullptr) dialog->activateWindow();
+  return IDOK;
+}
+
+void QtDisplay::SetText(HWND window, const std::string& text) {
+  if (DialogWindow* dialog = Find(window)) dialog->setWindowTitle(QString::fromStdString(text));
+  if (const DialogWindow* dialog = FindOwnerOf(window)) ShowControlText(*dialog->Controls().at(window), text);
+}
+
+void QtDisplay::SetCheck(HWND checkBox, int state) {
+  if (const DialogWindow* dialog = FindOwnerOf(checkBox)) ShowCheckState(*dialog->Controls().at(checkBox), state);
+}
+
+// A dialog that owns another takes no input by that one's modality, and keeps its looks.
+void QtDisplay::SetEnabled(HWND window, bool enabled) {
+  if (const DialogWindow* dialog = FindOwnerOf(window)) dialog->Controls().at(window)->setEnabled(enabled);
+}
+
+void QtDisplay::SetFocus(HWND control, bool selectAll) {
+  if (DialogWindow* dialog = FindOwnerOf(control)) dialog->FocusControl(control, selectAll);
+}
+
+void QtDisplay::MoveDialogWindow(HWND dialog, POINT topLeft) {
+  if (DialogWindow* window = Find(dialog)) window->Place({topLeft.x, topLeft.y});
+}
+
+RECT QtDisplay::WindowRect(HWND dialog) {
+  const DialogWindow* window = Find(dialog);
+  return window != nullptr ? ToRect(window->FrameRectangle()) : RECT{};
+}
+
+POINT QtDisplay::ClientOrigin(HWND dialog) {
+  const DialogWindow* window = Find(dialog);
+  if (window == nullptr) return {};
+  const QRect client = window->ClientRectangle();
+  return {client.left(), client.top()};
+}
+
+std::optional<RECT> QtDisplay::ForeignRect(std::uintptr_t window) {
+  const std::optional<QRect> found = x11 != nullptr ? x11->WindowRectangle(window) : std::nullopt;
+  if (!found) return std::nullopt;
+  return ToRect(FromDevicePixels(*found));
+}
+
+void QtDisplay::NoteCursorWindows() {
+  waitCursor.NoteWindows();
+}
+
+void QtDisplay::ShowWaitCursor() {
+  waitCursor.Show(x11.get());
+}
+
+void QtDisplay::RestoreCursor() {
+  waitCursor.GiveBack();
+}
+
+std::optional<POINT> QtDisplay::CursorPosition() {
+  const QPoint point = QCursor::pos();
+  return POINT{point.x(), point.y()};
+}
+
+}  // namespace user

@@ -1,0 +1,59 @@
+// The display of Qt Widgets. One for the process; it outlives the module that uses it.
+#ifndef NVSUPPORT_PLATFORM_LINUX_QT_QT_DISPLAY_H
+#define NVSUPPORT_PLATFORM_LINUX_QT_QT_DISPLAY_H
+
+#include <map>
+#include <memory>
+
+#include "dialog_window.h"
+#include "user/display.h"
+#include "wait_cursor.h"
+#include "x11_connection.h"
+
+namespace user {
+
+class QtDisplay final : public Display {
+ public:
+  QtDisplay() : x11(X11Connection::Open()) {}
+  // Null between two loads of the module.
+  void Use(DisplayEvents* coreEvents);
+
+  POINT BaseUnits() override;
+  RECT WorkArea() override;
+  int CaptionHeight() override;
+  int FrameWidth() override;
+
+  bool CreateDialogWindow(const DialogView& dialog) override;
+  void ShowDialogWindow(HWND dialog) override;
+  void DestroyDialogWindow(HWND dialog) override;
+  void RunModal(HWND dialog, const bool& ended) override;
+  int RunMessageBox(const MessageBoxView& box) override;
+
+  void SetText(HWND window, const std::string& text) override;
+  void SetCheck(HWND checkBox, int state) override;
+  void SetEnabled(HWND window, bool enabled) override;
+  void SetFocus(HWND control, bool selectAll) override;
+  void MoveDialogWindow(HWND dialog, POINT topLeft) override;
+  RECT WindowRect(HWND dialog) override;
+  POINT ClientOrigin(HWND dialog) override;
+  std::optional<RECT> ForeignRect(std::uintptr_t window) override;
+
+  void NoteCursorWindows() override;
+  void ShowWaitCursor() override;
+  void RestoreCursor() override;
+  std::optional<POINT> CursorPosition() override;
+
+ private:
+  DialogWindow* Find(HWND dialog) const;
+  DialogWindow* FindOwnerOf(HWND control) const;
+
+  DisplayEvents* events = nullptr;
+  const std::unique_ptr<X11Connection> x11;     // null when there is no X server
+  std::map<HWND, DialogWindow*> dialogs;        // let go by Retire
+  std::map<HWND, DialogWindow*> controlOwners;  // by control
+  WaitCursor waitCursor;
+};
+
+}  // namespace user
+
+#endif

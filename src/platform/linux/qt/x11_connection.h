@@ -1,0 +1,40 @@
+// A connection to the X server beside Qt's own: asks about windows of the host that are not Qt's, and can be used
+// while the thread of the dialogs is blocked. Any thread may call it; the X library locks.
+#ifndef NVSUPPORT_PLATFORM_LINUX_QT_X11_CONNECTION_H
+#define NVSUPPORT_PLATFORM_LINUX_QT_X11_CONNECTION_H
+
+#include <xcb/xcb.h>
+
+#include <QRect>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace user {
+
+class X11Connection {
+ public:
+  // To the server that shows Qt's windows; null when that is no X server.
+  static std::unique_ptr<X11Connection> Open();
+  ~X11Connection();
+  X11Connection(const X11Connection&) = delete;
+  X11Connection& operator=(const X11Connection&) = delete;
+
+  // The client area of a window on the screen, in pixels of the device; nothing if there is no such window.
+  std::optional<QRect> WindowRectangle(std::uintptr_t window) const;
+  bool IsPointerButtonDown() const;
+  // Returns when the server has done it. Windows that are gone by now are passed over.
+  void SetWaitCursor(const std::vector<xcb_window_t>& windows) const;
+
+ private:
+  explicit X11Connection(xcb_connection_t* opened, xcb_screen_t* rootScreen);
+
+  xcb_connection_t* connection;
+  xcb_screen_t* screen;
+  xcb_cursor_t waitCursor = XCB_CURSOR_NONE;
+};
+
+}  // namespace user
+
+#endif

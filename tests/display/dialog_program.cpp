@@ -1,0 +1,115 @@
+// A host without windows of its own that shows dialogs on the real display and tells on its output, line by line, what
+// the library's side of them sees.
+//   dialog OWNER [TIMES]  runs the dialog; between two runs waits for a line on its input
+//   message               shows a message box
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "resources/resource_ids.h"
+#include "ui/busy_cursor.h"
+#include "ui/dialog.h"
+#include "ui/message.h"
+
+namespace nvsupport {
+namespace {
+
+template <class... Values>
+void Tell(const Values&... values) {
+  ((std::cout << values << ' '), ...) << std::endl;
+}
+
+void WaitForLine() {
+  std::string line;
+  std::getline(std::cin, line);
+}
+
+class InnerDialog final : public Dialog {
+ public:
+  InnerDialog() : Dialog(IDD_COMPUTER_NAME) {}
+};
+
+class ProbeDialog final : public Dialog {
+ public:
+  ProbeDialog() : Dialog(IDD_SIGN_IN) {}
+
+  INT_PTR onInitDialog(WPARAM, LPARAM) override {
+    TellPlaces();
+    setItemText(IDC_USER_ID, "given");
+    setItemText(IDC_SAVE_PASSWORD, "Sa&ve");
+    RECT frame{};
+    GetWindowRect(hwnd, &frame);
+    Tell("wanted", frame.left, frame.top);
+    SendMessageA(hwnd, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(hwnd, IDC_USER_ID)), 1);
+    return 0;
+  }
+
+  void onDestroy() override {
+    RECT frame{};
+    GetWindowRect(hwnd, &frame);
+    Tell("user", getItemText(IDC_USER_ID));
+    Tell("password", getItemText(IDC_PASSWORD));
+    Tell("save", isChecked(IDC_SAVE_PASSWORD));
+    Tell("frame", frame.left, frame.top);
+    Dialog::onDestroy();
+  }
+
+  void onDialogCommand(int id, HWND control, int code) override {
+    if (code != 0) return;
+    Tell("clicked", id);
+    if (id == IDC_HELP_PAGE) {
+      const BusyCursor busy;
+      Tell("blocked");
+      WaitForLine();
+    } else if (id == IDC_FORGOT) {
+      const BusyCursor quick;
+    } else if (id == IDC_CREATE_ACCOUNT) {
+      Tell("inner", InnerDialog().run(hwnd));
+    } else {
+      Dialog::onDialogCommand(id, control, code);
+      return;
+    }
+    Tell("done", id);
+  }
+
+ private:
+  // The middle of each control, relative to the dialog's client area.
+  void TellPlaces() const {
+    for (const int id : {IDC_USER_ID, IDC_PASSWORD, IDC_SAVE_PASSWORD, IDC_CREATE_ACCOUNT, IDC_FORGOT, IDC_HELP_PAGE,
+                         IDOK, IDCANCEL}) {
+      RECT place{};
+      GetWindowRect(GetDlgItem(hwnd, id), &place);
+      POINT middle{(place.left + place.right) / 2, (place.top + place.bottom) / 2};
+      MapWindowPoints(nullptr, hwnd, &middle, 1);
+      Tell("control", id, middle.x, middle.y);
+    }
+  }
+};
+
+void RunDialogs(HWND owner, int times) {
+  for (int i = 0; i < times; ++i) {
+    if (i > 0) WaitForLine();
+    ProbeDialog dialog;
+    Tell("result", dialog.run(owner));
+  }
+}
+
+}  // namespace
+}  // namespace nvsupport
+
+int main(int argc, char** argv) {
+  using namespace nvsupport;
+  const std::string job = argc > 1 ? argv[1] : "";
+  if (job == "dialog" && argc > 2) {
+    const auto owner = reinterpret_cast<HWND>(std::strtoull(argv[2], nullptr, 0));
+    RunDialogs(owner, argc > 3 ? std::atoi(argv[3]) : 1);
+  } else if (job == "message") {
+    SetMessageCaption("Caption");
+    Tell("answer", ShowMessage(nullptr, MB_ICONERROR, "<b>Plain</b> text"));
+  }
+  Tell("locale", std::setlocale(LC_ALL, nullptr));
+  return 0;
+}
