@@ -32,11 +32,12 @@ std::string MakeTempFileName(const std::string& suffix) {
 }
 
 void SweepOldTempFiles(const std::string& folder, const std::string& pattern, const FILETIME& stamp) {
-  std::vector<std::string> names;
-  WalkFiles(folder + '\\' + pattern, [&](const WIN32_FIND_DATAA& entry) {
-    if (CompareFileTime(&entry.ftLastWriteTime, &stamp) < 0) names.emplace_back(entry.cFileName);
+  const std::string prefix = folder + '\\';
+  std::vector<std::string> files;
+  WalkFiles(prefix + pattern, [&](const WIN32_FIND_DATAA& entry) {
+    if (CompareFileTime(&entry.ftLastWriteTime, &stamp) < 0) files.push_back(prefix + entry.cFileName);
   });
-  for (const std::string& name : names) DeleteFileA((folder + '\\' + name).c_str());
+  for (const std::string& file : files) DeleteFileA(file.c_str());
 }
 
 }  // namespace nvsupport

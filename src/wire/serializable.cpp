@@ -94,8 +94,8 @@ bool CSerializableList::Read(ChunkReader& reader) {
   if (!ReadNumbers(reader.file, count)) return false;
   for (auto left = static_cast<std::int32_t>(count[0]); left > 0; --left) {
     if (std::unique_ptr<CSerializable> element = reader.ReadChunk()) {
-      push_back(element.get());
-      element.release();
+      push_back(nullptr);  // room first: it may fail while the element still has its owner
+      back() = element.release();
     } else if (std::feof(reader.file) || std::ferror(reader.file)) {
       break;  // whatever the count says, no further element can come
     }

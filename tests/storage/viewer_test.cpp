@@ -40,7 +40,7 @@ class PlayedViewer {
     while (!fs::exists(folder / "out") && std::chrono::steady_clock::now() < end) {
       std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
-    const std::string text = ReadWholeFile(folder / "out");
+    std::string text = ReadWholeFile(folder / "out");
     fs::remove(folder / "out");
     return text;
   }

@@ -18,7 +18,7 @@ using platform::FoldName;
 using platform::RegistryValues;
 
 // More than any hand-written or exported file of an application holds; what lies behind it is not read.
-constexpr std::size_t maxRegistryFile = 4 * 1024 * 1024;
+constexpr std::size_t maxRegistryFile = 4 << 20;
 constexpr const char* fileBelowConfig = "/norvane/registry.reg";
 constexpr std::string_view computerNameKey =
     "hkey_local_machine\\system\\currentcontrolset\\control\\computername\\activecomputername";

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr std::size_t stackSize = 64 * 1024;
+constexpr std::size_t stackSize = 64 << 10;
 
 struct Request {
   char** arguments;

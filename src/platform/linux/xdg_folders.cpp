@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr std::size_t maxUserDirsSize = 64 * 1024;
+constexpr std::size_t maxUserDirsSize = 64 << 10;
 
 std::string WithoutTrailingSeparators(std::string path) {
   while (path.size() > 1 && path.back() == '/') path.pop_back();
@@ -26,11 +26,11 @@ std::string FolderVariable(const char* name) {
 }
 
 std::string Home() {
-  const std::string home = FolderVariable("HOME");
+  std::string home = FolderVariable("HOME");
   if (!home.empty()) return home;
   passwd entry{};
   passwd* found = nullptr;
-  std::vector<char> buffer(16 * 1024);
+  std::vector<char> buffer(16 << 10);
   if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 || found == nullptr) return {};
   return entry.pw_dir != nullptr && entry.pw_dir[0] == '/' ? WithoutTrailingSeparators(entry.pw_dir) : std::string();
 }
