@@ -39,7 +39,8 @@ cmake --preset release >"$work/configure.log" 2>&1 || { cat "$work/configure.log
 cmake --build --preset release
 
 step "Local service (lighttpd on loopback, throw-away certificates)"
-environment=$(NV_BUILD_DIR=$build service/service.sh start "$work/service")
+# Slow enough to see the download at work.
+environment=$(NV_BUILD_DIR=$build NV_SERVICE_KBYTES_PER_SECOND=4096 service/service.sh start "$work/service")
 echo "$environment"
 eval "$environment"
 

@@ -7,6 +7,7 @@ PATH=$PATH:/usr/sbin:/sbin
 readonly service_host=${NV_SERVICE_HOST:-service.norvane.example}
 readonly web_host=${NV_WEB_HOST:-www.norvane.example}
 readonly session_seconds=${NV_SERVICE_SESSION_SECONDS:-3600}
+readonly kbytes_per_second=${NV_SERVICE_KBYTES_PER_SECOND:-0}
 readonly certificate_days=2
 readonly start_tries=20    # of finding two free ports
 readonly answer_tries=100  # tenths of a second
@@ -27,10 +28,11 @@ In DIR: ca.pem (throw-away certificate authority, made anew at each start, its k
 accounts), www/ (pages and files), log/ (access.log, error.log, cgi.log), lighttpd.conf, pid.
 
 Environment:
-  NV_BUILD_DIR                build tree with service/cgi-bin/svcapp.cgi (else build/release, build/dev)
-  NV_SERVICE_HOST             name of the service host (now $service_host)
-  NV_WEB_HOST                 name of the host of the vendor's pages (now $web_host)
-  NV_SERVICE_SESSION_SECONDS  for how long a session token is good (now $session_seconds)
+  NV_BUILD_DIR                  build tree with service/cgi-bin/svcapp.cgi (else build/release, build/dev)
+  NV_SERVICE_HOST               name of the service host (now $service_host)
+  NV_WEB_HOST                   name of the host of the vendor's pages (now $web_host)
+  NV_SERVICE_SESSION_SECONDS    for how long a session token is good (now $session_seconds)
+  NV_SERVICE_KBYTES_PER_SECOND  most that a connection gets, to have time to watch; 0: no limit (now $kbytes_per_second)
 
 Exit code: 0 done, 1 failed, 2 wrong arguments, 3 the service does not run ("env").
 TEXT
@@ -89,7 +91,8 @@ make_www() {
 
 write_configuration() {
   sed -e "s|@DIR@|$dir|g" -e "s|@CGI_BIN@|$1|g" -e "s|@PRODUCTS@|$here/data/products.tsv|g" \
-    -e "s|@SESSION_SECONDS@|$session_seconds|g" -e "s|@HTTP_PORT@|$2|g" -e "s|@HTTPS_PORT@|$3|g" \
+    -e "s|@SESSION_SECONDS@|$session_seconds|g" -e "s|@KBYTES_PER_SECOND@|$kbytes_per_second|g" \
+    -e "s|@HTTP_PORT@|$2|g" -e "s|@HTTPS_PORT@|$3|g" \
     "$here/lighttpd.conf.in" >"$dir/lighttpd.conf"
 }
 

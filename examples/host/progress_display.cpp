@@ -44,7 +44,10 @@ std::string FormatBytes(double bytes) {
   return Format(unit == 0 ? "%.0f %s" : "%.1f %s", bytes, kUnits[unit]);
 }
 
-ProgressDisplay::ProgressDisplay() : terminal(isatty(STDOUT_FILENO) != 0) {}
+ProgressDisplay::ProgressDisplay()
+    : terminal(isatty(STDOUT_FILENO) != 0),
+      pause(terminal ? Clock::duration(kTerminalPause) : Clock::duration(kPlainPause)),
+      next(begin + pause) {}
 
 double ProgressDisplay::Seconds() const {
   return std::chrono::duration<double>(Clock::now() - begin).count();
@@ -66,7 +69,7 @@ std::string ProgressDisplay::Describe(const WebProgressCounters& counters) const
 void ProgressDisplay::Update(const WebProgressCounters& counters) {
   const Clock::time_point now = Clock::now();
   if (now < next) return;
-  next = now + (terminal ? Clock::duration(kTerminalPause) : Clock::duration(kPlainPause));
+  next = now + pause;
   Clear();
   std::fputs(Describe(counters).c_str(), stdout);
   if (!terminal) std::fputc('\n', stdout);

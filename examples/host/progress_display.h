@@ -28,8 +28,9 @@ class ProgressDisplay {
   std::string Describe(const WebProgressCounters& counters) const;
 
   const Clock::time_point begin = Clock::now();
-  Clock::time_point next = begin;  // when to show something again
   const bool terminal;
+  const Clock::duration pause;  // between two looks
+  Clock::time_point next;       // when to show something again
 };
 
 }  // namespace nvhost

@@ -61,7 +61,8 @@ void PrintTable(const Results& results) {
                   std::to_string(item.firstValue), std::to_string(item.secondValue)});
   }
   std::fputs(table.Format().c_str(), stdout);
-  std::printf("%zu products, closing value %d\n", results.items.size(), results.closingValue);
+  const std::size_t count = results.items.size();
+  std::printf("%zu %s, closing value %d\n", count, count == 1 ? "product" : "products", results.closingValue);
 }
 
 void PrintJson(const Results& results) {

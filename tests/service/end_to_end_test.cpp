@@ -1,0 +1,152 @@
+// The library and the example host against the real service behind its real web server.
+#include <gtest/gtest.h>
+#include <nvsupport/nvsupport.h>
+
+#include <array>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "cgi_program.h"
+#include "local_service.h"
+#include "resources/resource_ids.h"
+#include "support/played_user.h"
+
+namespace {
+
+using nvsupport::testing::ReadWholeFile;
+
+constexpr const char* kHost = "service.norvane.example";
+
+TEST(EndToEnd, SearchDeliversTheProductsOfAnArea) {
+  const LocalService service;
+  const MapShopPoint area[] = {{45.8, 6.8}, {46.0, 7.0}};
+  const NVMapShopHandle handle = NSMapShopSearch(area, 2);
+  std::set<std::string> found;
+  for (MapShopItem item; NSMapShopGetNext(handle, &item);) found.insert(item.title);
+  EXPECT_EQ(found, (std::set<std::string>{"Chamonix and Mont Blanc", "Package: The Alps"}));
+  EXPECT_EQ(NSMapShopClose(handle), 38);
+}
+
+TEST(EndToEnd, FilesArriveWholeAndInParts) {
+  const LocalService service;
+  const std::string path = "/files/maps/fuji.nvmap";
+  const std::string served = ReadWholeFile(service.Path("www" + path));
+  ASSERT_EQ(served.size(), 96U * 1024);
+
+  const std::string file = service.Path("fuji.nvmap");
+  ASSERT_TRUE(NSDownloadWebFileProgress(kHost, path.c_str(), file.c_str(), nullptr, nullptr, nullptr));
+  EXPECT_EQ(ReadWholeFile(file), served);
+
+  std::string part(5000, '\0');
+  EXPECT_EQ(xfa704a3f(kHost, path.c_str(), 1234, 5000, part.data(), nullptr, nullptr), 5000);
+  EXPECT_EQ(part, served.substr(1234, 5000));
+}
+
+TEST(EndToEnd, AnAccountIsMadeThroughTheDialogsAndOpensItsPage) {
+  const LocalService service;
+  const nvsupport::testing::TemporaryHome home;
+  PlayedUser person;
+  const auto types = &PlayedUser::Types;
+  const auto clicks = &PlayedUser::Clicks;
+  // Signs in without an account, makes one, gives the computer a name; the later session signs in with other capitals.
+  person.steps = {
+      clicks(IDC_CREATE_ACCOUNT),
+      types(IDC_USER_ID, "Zoë Map"),
+      types(IDC_PASSWORD, "short"),
+      types(IDC_RETYPE_PASSWORD, "short"),
+      types(IDC_EMAIL, "zoe@maps"),
+      clicks(IDOK),
+      types(IDC_PASSWORD, "Secret-7"),
+      types(IDC_RETYPE_PASSWORD, "Secret-7"),
+      clicks(IDOK),
+      types(IDC_EMAIL, "zoe@norvane.example"),
+      clicks(IDOK),
+      types(IDC_COMPUTER_NAME, "Desk & chair"),
+      clicks(IDOK),
+      types(IDC_USER_ID, "ZO MAP"),
+      types(IDC_PASSWORD, "wrong"),
+      clicks(IDOK),
+      types(IDC_PASSWORD, "SECRET7"),
+      clicks(IDOK),
+  };
+  std::array<char, 20> token = {};
+  x3e491215("Product");
+  EXPECT_TRUE(xff99a5e4(nullptr, token.data()));
+  EXPECT_STREQ(x0d83f18d(), "Zoë Map");
+  x3e491215("Other product");
+  EXPECT_TRUE(xff99a5e4(nullptr, token.data()));
+
+  std::vector<std::string> told;
+  for (const auto& box : person.boxes) told.push_back(box.text.substr(0, box.text.find('.')));
+  EXPECT_EQ(told, (std::vector<std::string>{"The password must be at least 6 letters or numbers",
+                                            "You must provide a valid email address", "The Password is not correct"}));
+  const CgiReply page = RunCgi("svcuser.cgi",
+                               {"REQUEST_METHOD=GET", "HTTPS=on", std::string("QUERY_STRING=session=") + token.data(),
+                                "NV_SERVICE_DATABASE=" + service.Path("accounts.sqlite")},
+                               "");
+  EXPECT_EQ(page.httpStatus, 200);
+  EXPECT_NE(page.body.find("<b>Zoë Map</b>"), std::string::npos) << page.body;
+  EXPECT_NE(page.body.find("<li>Desk &amp; chair</li>"), std::string::npos) << page.body;
+  for (const char* log : {"access.log", "error.log", "cgi.log", "lighttpd.log"}) {
+    const std::string text = ReadWholeFile(service.Path(std::string("log/") + log));
+    for (const std::string& secret : std::vector<std::string>{"Secret", "SECRET7", token.data()}) {
+      EXPECT_EQ(text.find(secret), std::string::npos) << secret << " in " << log;
+    }
+  }
+}
+
+TEST(ExampleHost, ShowsWhatTheServiceOffers) {
+  const LocalService service;
+  const CommandResult table = RunCommand(NV_HOST " search 38,-28 39,-27");
+  EXPECT_EQ(table.exitCode, 0);
+  EXPECT_NE(table.output.find("Açores  Topographic 1:50 000  files/maps/acores.nvmap"), std::string::npos)
+      << table.output;
+
+  const CommandResult json = RunCommand(NV_HOST " search --json 45.8,6.8 46.0,7.0");
+  ASSERT_EQ(json.exitCode, 0);
+  const nlohmann::json results = nlohmann::json::parse(json.output);
+  ASSERT_EQ(results["items"].size(), 2U);
+  EXPECT_EQ(results["items"][0]["package"], false);
+  EXPECT_EQ(results["items"][1]["package"], true);
+  EXPECT_EQ(results["items"][1]["firstValue"], 112);
+
+  const std::string file = service.Path("fiji.nvmap");
+  const CommandResult download =
+      RunCommand(NV_HOST " download " + std::string(kHost) + " /files/maps/fiji.nvmap " + file);
+  EXPECT_EQ(download.exitCode, 0) << download.output;
+  const std::string served = ReadWholeFile(service.Path("www/files/maps/fiji.nvmap"));
+  EXPECT_EQ(ReadWholeFile(file), served);
+  EXPECT_EQ(RunCommand(NV_HOST " read " + std::string(kHost) + " /files/maps/fiji.nvmap 7 1000").output,
+            served.substr(7, 1000));
+}
+
+TEST(ExampleHost, TellsFailuresApartByItsExitCode) {
+  const LocalService service;
+  const std::string host = kHost;
+  const struct {
+    std::string command;
+    int exitCode;
+    const char* message;
+  } cases[] = {
+      {"--help", 0, ""},
+      {"", 2, "subcommand"},
+      {"search here", 2, "LATITUDE,LONGITUDE"},
+      {"--library /nowhere/nvsupport.so whoami --product P", 3, "/nowhere/nvsupport.so"},
+      {"search 90.1,0", 4, "out of range"},
+      {"search 0,-30", 5, "no products for this area"},
+      {"download " + host + " /files/none " + service.Path("none"), 7, "cannot be reached or does not give"},
+      {"read " + host + " /files/maps/fiji.nvmap 99999999 10", 7, "does not give these bytes"},
+      {"read " + host + " /files/maps/fiji.nvmap 294900 100", 7, "before all bytes were there"},
+  };
+  for (const auto& row : cases) {
+    const CommandResult result = RunCommand(NV_HOST " " + row.command + " 2>&1");
+    EXPECT_EQ(result.exitCode, row.exitCode) << row.command;
+    EXPECT_NE(result.output.find(row.message), std::string::npos) << row.command << ": " << result.output;
+  }
+  const nvsupport::testing::ScopedVariable nowhere("NV_CONNECT_TO", host + ":80:127.0.0.1:1");
+  EXPECT_EQ(RunCommand(NV_HOST " search 2>/dev/null").exitCode, 6);
+}
+
+}  // namespace
