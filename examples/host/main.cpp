@@ -21,13 +21,17 @@ constexpr const char* kExitCodes =
     "  9    standard output cannot be written\n"
     "  130  stopped with Ctrl-C";
 
-std::string LibraryBesideProgram() {
-  return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "nvsupport.so";
+// The library stands beside the program in a build tree, in the folder for libraries when both are installed.
+std::string FindLibrary() {
+  const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+  const auto beside = folder / "nvsupport.so";
+  const auto installed = (folder / NVHOST_LIBRARY_FOLDER / "nvsupport.so").lexically_normal();
+  return std::filesystem::exists(beside) || !std::filesystem::exists(installed) ? beside : installed;
 }
 
 int Run(int argc, char** argv) {
   CLI::App app("Searches the map shop, moves files and signs in, through the nvsupport library.", "nvhost");
-  std::string library = LibraryBesideProgram();
+  std::string library = FindLibrary();
   app.add_option("--library", library, "The support library to load")->type_name("PATH")->capture_default_str();
   app.require_subcommand(1);
   app.fallthrough();
