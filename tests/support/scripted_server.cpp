@@ -197,7 +197,7 @@ void ScriptedServer::Serve() {
 void ScriptedServer::Answer(Channel& channel) {
   std::string request;
   std::size_t needed = std::string::npos;
-  while (request.size() < needed) {
+  while (request.size() < std::min(needed, enough.load())) {
     char part[16384];
     const long got = channel.Read(part, sizeof part);
     if (got <= 0) return;

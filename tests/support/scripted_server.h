@@ -1,9 +1,10 @@
 // A small HTTP server for tests: it records what it is sent and answers each connection with the bytes of a script.
-// Loopback, a port of the kernel's choice, a thread of its own that ends with the object. With an identity it speaks
-// TLS.
+// Loopback, a port of the kernel's choice, a thread of its own that ends with the object. It serves one connection at a
+// time, the next when the client has closed the one before. With an identity it speaks TLS.
 #ifndef NVSUPPORT_TESTS_SUPPORT_SCRIPTED_SERVER_H
 #define NVSUPPORT_TESTS_SUPPORT_SCRIPTED_SERVER_H
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -53,10 +54,13 @@ class ScriptedServer {
   ScriptedServer(const ScriptedServer&) = delete;
   ScriptedServer& operator=(const ScriptedServer&) = delete;
 
+  // From now on the reply begins when that many bytes of a request are there; the rest stays unread.
+  void AnswerAfter(std::size_t bytes) { enough = bytes; }
+
   std::uint16_t Port() const { return port; }
   // Value of NV_CONNECT_TO that leads connections for host:port here.
   std::string ConnectTo(const std::string& host, int hostPort) const;
-  // All requests so far, head and body, each complete before its reply begins.
+  // All requests so far, head and body, each as far as it was read when its reply begins.
   std::vector<std::string> Requests() const;
   // Connections so far, those without a complete request (or handshake) included.
   int Connections() const;
@@ -74,6 +78,8 @@ class ScriptedServer {
   std::unique_ptr<ssl_ctx_st, ContextDeleter> context;  // null: plain
   int listener = -1;
   std::uint16_t port = 0;
+
+  std::atomic<std::size_t> enough{SIZE_MAX};
 
   mutable std::mutex mutex;  // guards what follows
   std::vector<std::string> requests;
