@@ -215,6 +215,7 @@ void ScriptedServer::Answer(Channel& channel) {
     if (at != 0) std::this_thread::sleep_for(reply.pause);
     if (!channel.Write(std::string_view(reply.bytes).substr(at, piece))) return;
   }
+  std::this_thread::sleep_for(reply.pause);
   channel.End(reply.end);
 }
 

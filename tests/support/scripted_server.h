@@ -27,7 +27,7 @@ struct Reply {
   std::string bytes;                   // as they go out, head and body
   End end = End::close;                // what happens behind the last byte
   std::size_t piece = 0;               // bytes sent at a time; 0: all at once
-  std::chrono::milliseconds pause{0};  // before each piece but the first
+  std::chrono::milliseconds pause{0};  // before each piece but the first, and before the end
 };
 
 // A reply with a Content-Length. headers: further lines, each with its line end.
