@@ -36,7 +36,7 @@ echo "all there"
 
 step "Build"
 cmake --preset release >"$work/configure.log" 2>&1 || { cat "$work/configure.log"; exit 1; }
-cmake --build --preset release
+cmake --build --preset release --target nvsupport nvsupport-qt nvsupport_catalogues nvhost nvhost-gui svcapp svcuser mapstore2
 
 step "Local service (lighttpd on loopback, throw-away certificates)"
 # Slow enough to see the download at work.
@@ -59,5 +59,13 @@ $build/nvhost read $service_host $package_path $range_offset $range_length >"$wo
 od -A d -t x1 "$work/range"
 cmp "$work/range" <(tail -c +$((range_offset + 1)) "$work/alps.nvpkg" | head -c $range_length)
 echo "the same bytes as in the downloaded file"
+
+# The settings of this session's product go to the temporary folder, too.
+export XDG_DATA_HOME=$work/data
+step "Make an account, name the computer and get a session token, through the library's dialogs"
+printf '$ nvhost token --product Demo\n'
+scripts/demo-account.sh $build/nvhost Demo
+echo "good for an hour at https://$service_host/cgi-bin/svcuser.cgi?session=..."
+run $build/nvhost whoami --product Demo
 
 step "Done; the service ends now."

@@ -8,11 +8,11 @@ set -euo pipefail
 readonly build_packages=(
   ca-certificates cmake g++ llvm ninja-build pkg-config
   libbenchmark-dev libcli11-dev libcurl4-openssl-dev libgtest-dev libsodium-dev libsqlite3-dev nlohmann-json3-dev
-  qt6-base-dev
-  lighttpd lighttpd-mod-openssl openssl
+  libxcb1-dev libxcb-xfixes0-dev libxcb-xtest0-dev qt6-base-dev
+  lighttpd lighttpd-mod-openssl openssl xdotool xvfb
 )
 readonly test_packages=(
-  clang clang-format clang-tidy curl g++-mingw-w64-x86-64 gettext xauth xdotool xvfb
+  clang clang-format clang-tidy curl g++-mingw-w64-x86-64 gettext
 )
 
 case ${1:-} in
