@@ -30,8 +30,9 @@ void CTypeSerializer::WriteString(const std::string& text) {
   WriteValue(static_cast<std::uint32_t>(text.size()));
   for (const char character : text) {
     // Widened with its sign, whatever the sign of char is here.
-    const auto unit = static_cast<std::int16_t>(static_cast<signed char>(character));
-    WriteBlock(&unit, UnitSize());
+    const bool negative = static_cast<signed char>(character) < 0;
+    const char unit[2] = {character, negative ? '\xFF' : '\0'};
+    WriteBlock(unit, UnitSize());
   }
 }
 

@@ -38,7 +38,7 @@ class Module : public ::testing::Test {
   }
 
   static constexpr bool sanitized = NV_SANITIZED;
-  const TemporaryHome home;
+  TemporaryHome home;
 };
 
 // With a map shop that offers one product.
