@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
-#include <memory>
+#include <sstream>
 #include <string>
 
 #include "resources/resource_ids.h"
@@ -40,20 +40,15 @@ class ProbeDialog final : public Dialog {
     TellPlaces();
     setItemText(IDC_USER_ID, "given");
     setItemText(IDC_SAVE_PASSWORD, "Sa&ve");
-    RECT frame{};
-    GetWindowRect(hwnd, &frame);
-    Tell("wanted", frame.left, frame.top);
+    EnumChildWindows(hwnd, &MarkPassword, 0);
     SendMessageA(hwnd, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(hwnd, IDC_USER_ID)), 1);
     return 0;
   }
 
   void onDestroy() override {
-    RECT frame{};
-    GetWindowRect(hwnd, &frame);
     Tell("user", getItemText(IDC_USER_ID));
     Tell("password", getItemText(IDC_PASSWORD));
     Tell("save", isChecked(IDC_SAVE_PASSWORD));
-    Tell("frame", frame.left, frame.top);
     Dialog::onDestroy();
   }
 
@@ -78,14 +73,23 @@ class ProbeDialog final : public Dialog {
  private:
   // The middle of each control, relative to the dialog's client area.
   void TellPlaces() const {
+    std::ostringstream places;
     for (const int id : {IDC_USER_ID, IDC_PASSWORD, IDC_SAVE_PASSWORD, IDC_CREATE_ACCOUNT, IDC_FORGOT, IDC_HELP_PAGE,
                          IDOK, IDCANCEL}) {
       RECT place{};
       GetWindowRect(GetDlgItem(hwnd, id), &place);
       POINT middle{(place.left + place.right) / 2, (place.top + place.bottom) / 2};
       MapWindowPoints(nullptr, hwnd, &middle, 1);
-      Tell("control", id, middle.x, middle.y);
+      places << id << ' ' << middle.x << ' ' << middle.y << ' ';
     }
+    Tell("places", places.str());
+  }
+
+  static BOOL CALLBACK MarkPassword(HWND control, LPARAM) {
+    char text[100];
+    GetWindowTextA(control, text, sizeof text);
+    if (std::string(text) == "Password") SetWindowTextA(control, "&Password");
+    return TRUE;
   }
 };
 
@@ -111,5 +115,4 @@ int main(int argc, char** argv) {
     Tell("answer", ShowMessage(nullptr, MB_ICONERROR, "<b>Plain</b> text"));
   }
   Tell("locale", std::setlocale(LC_ALL, nullptr));
-  return 0;
 }

@@ -148,8 +148,8 @@ xcb_window_t XSession::MakeWindow(const Area& area) {
                     static_cast<std::int16_t>(area.y), static_cast<std::uint16_t>(area.width),
                     static_cast<std::uint16_t>(area.height), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0,
                     nullptr);
-  xcb_map_window(connection, window);
   EXPECT_TRUE(WaitUntil([&] {
+    xcb_map_window(connection, window);  // again, because a window manager that starts up misses the first
     const auto ask = xcb_get_window_attributes(connection, window);
     return Own(xcb_get_window_attributes_reply(connection, ask, nullptr))->map_state == XCB_MAP_STATE_VIEWABLE;
   }));
@@ -189,12 +189,27 @@ void XSession::Click(Place place) {
   Press(XCB_BUTTON_RELEASE, 1);
 }
 
-void XSession::Drag(Place from, Place by) {
-  constexpr int steps = 8;
+void XSession::Drag(xcb_window_t window, Place from, Place by) {
+  const Place before = AreaOf(window);
   PointAt(from);
   Press(XCB_BUTTON_PRESS, 1);
-  for (int step = 1; step <= steps; ++step) PointAt({from.x + by.x * step / steps, from.y + by.y * step / steps});
+  // The window manager takes its time to notice that this is no click.
+  int step = 0;
+  EXPECT_TRUE(WaitUntil([&] {
+    step = step % 4 + 1;
+    PointAt({from.x + by.x * step / 8, from.y + by.y * step / 8});
+    return Place(AreaOf(window)) != before;
+  }));
+  PointAt({from.x + by.x, from.y + by.y});
+  EXPECT_TRUE(WaitUntil([&] { return Place(AreaOf(window)) == Place{before.x + by.x, before.y + by.y}; }));
   Press(XCB_BUTTON_RELEASE, 1);
+  // Until the window manager lets go, keys are its own.
+  EXPECT_TRUE(WaitUntil([&] {
+    const auto ask = xcb_grab_keyboard(connection, 0, root, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    return Own(xcb_grab_keyboard_reply(connection, ask, nullptr))->status == XCB_GRAB_STATUS_SUCCESS;
+  }));
+  xcb_ungrab_keyboard(connection, XCB_CURRENT_TIME);
+  Sync();
 }
 
 XSession::Key XSession::KeyOf(std::uint32_t symbol) const {

@@ -55,7 +55,7 @@ class XSession {
 
   void PointAt(Place place);
   void Click(Place place);
-  void Drag(Place from, Place by);
+  void Drag(xcb_window_t window, Place from, Place by);
   void Type(const std::string& text);  // ASCII; '\t' is Tab, '\n' Enter, '\033' Esc
   void TypeWithAlt(char letter);
   void CloseBox(xcb_window_t window);

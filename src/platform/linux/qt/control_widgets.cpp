@@ -10,12 +10,13 @@
 namespace user {
 namespace {
 
-// Clicks are told to the core, which changes the state by its own rules.
+// Takes clicks on all of its rectangle. They are told to the core, which changes the state by its own rules.
 class CheckBox final : public QCheckBox {
  public:
   using QCheckBox::QCheckBox;
 
  protected:
+  bool hitButton(const QPoint& position) const override { return rect().contains(position); }
   void nextCheckState() override {}
 };
 

@@ -12,9 +12,6 @@
 namespace user {
 namespace {
 
-// How long a window manager may take to put a window where it wants it. What moves it later is the user.
-constexpr qint64 settlingTime = 500;  // milliseconds
-
 // Frame widths of a plain desktop.
 constexpr QMargins usualFrame(4, 22, 4, 4);
 
@@ -38,11 +35,10 @@ bool IsEscape(const QKeyEvent& event) {
 
 }  // namespace
 
-DialogWindow::DialogWindow(const DialogView& view, DisplayEvents& coreEvents, const X11Connection* x11)
+DialogWindow::DialogWindow(const DialogView& view, DisplayEvents& coreEvents)
     : QDialog(nullptr, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint),
       handle(view.handle),
-      events(&coreEvents),
-      connection(x11) {
+      events(&coreEvents) {
   setWindowTitle(QString::fromStdString(view.title));
   setFixedSize(view.width, view.height);
   const std::vector<QWidget*> widgets = MakeControlWidgets(view.controls, *this);
@@ -78,9 +74,7 @@ void DialogWindow::SetOwner(OwnerWindow ownerWindow) {
 }
 
 void DialogWindow::Open() {
-  sincePlaced.start();
   show();
-  clientPlace = geometry().topLeft();
   raise();
   activateWindow();
 }
@@ -110,8 +104,9 @@ void DialogWindow::FocusControl(HWND control, bool selectAll) {
 void DialogWindow::Place(QPoint topLeft) {
   const QScopedValueRollback<bool> guard(placing, true);
   framePlace = topLeft;
-  sincePlaced.start();
+  // A plain move would place the client area of a window that has no frame yet.
   move(topLeft);
+  windowHandle()->setFramePosition(topLeft);
 }
 
 QRect DialogWindow::FrameRectangle() const {
@@ -164,17 +159,13 @@ void DialogWindow::closeEvent(QCloseEvent* event) {
   event->setAccepted(!event->spontaneous() && isEnded != nullptr && *isEnded);
 }
 
-bool DialogWindow::IsMovedByUser() const {
-  if (sincePlaced.elapsed() > settlingTime) return true;
-  return connection != nullptr && connection->IsPointerButtonDown();
-}
-
+// A window manager places a window before it shows it; from then on it is the user who moves it.
 void DialogWindow::moveEvent(QMoveEvent* event) {
   QDialog::moveEvent(event);
   // Without a change of the client's place only the frame has become known.
   const QPoint place = geometry().topLeft();
-  if (!isVisible() || std::exchange(clientPlace, place) == place) return;
-  if (!placing && IsMovedByUser()) Report([this](DisplayEvents& to) { to.OnDragged(handle); });
+  if (std::exchange(clientPlace, place) == place || placing || !windowHandle()->isExposed()) return;
+  Report([this](DisplayEvents& to) { to.OnDragged(handle); });
 }
 
 void DialogWindow::wheelEvent(QWheelEvent* event) {

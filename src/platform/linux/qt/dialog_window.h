@@ -3,7 +3,6 @@
 #define NVSUPPORT_PLATFORM_LINUX_QT_DIALOG_WINDOW_H
 
 #include <QDialog>
-#include <QElapsedTimer>
 #include <QMargins>
 #include <map>
 
@@ -14,8 +13,8 @@ namespace user {
 
 class DialogWindow final : public QDialog {
  public:
-  // `x11` is null when there is no X server; both references outlive the window's use.
-  DialogWindow(const DialogView& view, DisplayEvents& coreEvents, const X11Connection* x11);
+  // The events are told until Retire.
+  DialogWindow(const DialogView& view, DisplayEvents& coreEvents);
 
   const std::map<HWND, QWidget*>& Controls() const { return controls; }
   void SetOwner(OwnerWindow ownerWindow);
@@ -51,11 +50,9 @@ class DialogWindow final : public QDialog {
   void Connect(const ControlView& view, QWidget& widget);
   void OnFocusIn(HWND control);
   void ReportLeftButton(const QMouseEvent& event, bool doubleClick);
-  bool IsMovedByUser() const;
 
   HWND handle;
-  DisplayEvents* events;  // null once retired
-  const X11Connection* connection;
+  DisplayEvents* events;          // null once retired
   const bool* isEnded = nullptr;  // null until the dialog runs
   OwnerWindow owner;
   std::map<HWND, QWidget*> controls;
@@ -64,7 +61,6 @@ class DialogWindow final : public QDialog {
   int reports = 0;         // underway
   QPoint framePlace;       // where the program wants the frame
   QPoint clientPlace;      // where the client area was last
-  QElapsedTimer sincePlaced;
 };
 
 }  // namespace user

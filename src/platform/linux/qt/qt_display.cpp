@@ -78,7 +78,7 @@ DialogWindow* QtDisplay::FindOwnerOf(HWND control) const {
 
 bool QtDisplay::CreateDialogWindow(const DialogView& view) {
   if (events == nullptr) return false;
-  auto* dialog = new DialogWindow(view, *events, x11.get());
+  auto* dialog = new DialogWindow(view, *events);
   dialog->SetOwner(OwnerOf(Find(view.owner), view.foreignOwner, x11.get()));
   dialogs[view.handle] = dialog;
   for (const ControlView& control : view.controls) controlOwners[control.handle] = dialog;

@@ -66,13 +66,6 @@ std::optional<QRect> X11Connection::WindowRectangle(std::uintptr_t window) const
   return QRect(place->dst_x, place->dst_y, size->width, size->height);
 }
 
-bool X11Connection::IsPointerButtonDown() const {
-  constexpr int anyButton = XCB_KEY_BUT_MASK_BUTTON_1 | XCB_KEY_BUT_MASK_BUTTON_2 | XCB_KEY_BUT_MASK_BUTTON_3;
-  const auto ask = xcb_query_pointer(connection, screen->root);
-  const Answer<xcb_query_pointer_reply_t> pointer(xcb_query_pointer_reply(connection, ask, nullptr));
-  return pointer != nullptr && (pointer->mask & anyButton) != 0;
-}
-
 void X11Connection::SetWaitCursor(const std::vector<xcb_window_t>& windows) const {
   for (const xcb_window_t window : windows) {
     const auto request = xcb_change_window_attributes_checked(connection, window, XCB_CW_CURSOR, &waitCursor);

@@ -23,7 +23,6 @@ class X11Connection {
 
   // The client area of a window on the screen, in pixels of the device; nothing if there is no such window.
   std::optional<QRect> WindowRectangle(std::uintptr_t window) const;
-  bool IsPointerButtonDown() const;
   // Returns when the server has done it. Windows that are gone by now are passed over.
   void SetWaitCursor(const std::vector<xcb_window_t>& windows) const;
 
