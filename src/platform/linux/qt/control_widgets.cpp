@@ -112,6 +112,7 @@ QWidget* MakeControl(const ControlView& view, QDialog& dialog) {
   widget->setObjectName(QString::number(view.id));
   widget->setFocusPolicy(FocusPolicyOf(view));
   widget->setGeometry(PlaceOf(view, *widget));
+  widget->lower();  // where controls overlap, the first of them is in front and takes the clicks
   return widget;
 }
 
