@@ -231,22 +231,29 @@ TEST(UserCore, SurvivesHandlersThatDestroyTheirDialog) {
   }
 }
 
-TEST(UserCore, LeavesNoDialogBehindWhenAHandlerThrows) {
-  PlayedUser person;
-  CoreProbe inner([](HWND, UINT message, WPARAM, LPARAM) -> INT_PTR {
-    if (message == WM_CLOSE) throw std::bad_alloc();
-    return TRUE;
-  });
-  CoreProbe outer([&](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) -> INT_PTR {
-    if (message != WM_COMMAND || wParam != IDC_OTHER) return EndOnButton(dialog, message, wParam, lParam);
-    EXPECT_THROW(inner.Run(IDD_PLAIN, dialog), std::bad_alloc);
-    return TRUE;
-  });
-  person.steps = {[](HWND dialog) { user::Click(Item(dialog, IDC_OTHER)); },
-                  [](HWND dialog) { user::CloseBox(dialog); }, [](HWND dialog) { user::CloseBox(dialog); }};
-  EXPECT_EQ(outer.Run(IDD_ALL_CONTROLS), IDCANCEL);
-  EXPECT_FALSE(IsWindow(inner.dialog));
-  EXPECT_EQ(user::ViewOf(inner.dialog), nullptr);
+TEST(UserCore, CarriesWhatAHandlerThrowsPastTheDisplayToItsCaller) {
+  for (const UINT trigger : {WM_SETFONT, WM_INITDIALOG, WM_CLOSE, WM_DESTROY, WM_NCDESTROY}) {
+    SCOPED_TRACE(trigger);
+    PlayedUser person;
+    CoreProbe inner([&](HWND, UINT message, WPARAM, LPARAM) -> INT_PTR {
+      if (message == trigger) throw std::bad_alloc();
+      return FALSE;
+    });
+    CoreProbe outer([&](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) -> INT_PTR {
+      if (message != WM_COMMAND || wParam != IDC_OTHER) return EndOnButton(dialog, message, wParam, lParam);
+      EXPECT_THROW(inner.Run(IDD_ALL_CONTROLS, dialog), std::bad_alloc);
+      return TRUE;
+    });
+    const PlayedUser::Step close = [](HWND dialog) { EXPECT_NO_THROW(user::CloseBox(dialog)); };
+    const PlayedUser::Step end = [](HWND dialog) { EndDialog(dialog, 1); };
+    person.steps = {[](HWND dialog) { user::Click(Item(dialog, IDC_OTHER)); }};
+    if (trigger == WM_CLOSE) person.steps.push_back(close);
+    if (trigger == WM_DESTROY || trigger == WM_NCDESTROY) person.steps.push_back(end);
+    person.steps.push_back(close);
+    EXPECT_EQ(outer.Run(IDD_ALL_CONTROLS), IDCANCEL);
+    EXPECT_FALSE(IsWindow(inner.dialog));
+    EXPECT_EQ(user::ViewOf(inner.dialog), nullptr);
+  }
 }
 
 TEST(UserCore, TakesAnInnerDialogDownWithItsOwner) {

@@ -78,18 +78,23 @@ void DisableOnDisplay(Display& display, const DialogState& dialog) {
   }
 }
 
+// Whatever becomes of them, the window goes.
+void SendLastMessage(HWND handle, UINT message) {
+  ModalRun::Contain([=] { SendMessageA(handle, message, 0, 0); });
+}
+
 // The last messages to a window; it is gone from the core after them.
 void TakeDown(HWND handle) {
   Window* window = Find(handle);
   if (window == nullptr || window->destroying) return;
   window->destroying = true;
   for (const HWND owned : OwnedDialogs(handle)) DestroyWindow(owned);
-  SendMessageA(handle, WM_DESTROY, 0, 0);
+  SendLastMessage(handle, WM_DESTROY);
   ForgetFocus(handle);
   window = Find(handle);
   const std::vector<HWND> controls = window->dialog ? window->dialog->controls : std::vector<HWND>();
   for (const HWND control : controls) TakeDown(control);
-  SendMessageA(handle, WM_NCDESTROY, 0, 0);
+  SendLastMessage(handle, WM_NCDESTROY);
   RemoveWindow(handle);
 }
 

@@ -24,52 +24,66 @@ LPARAM PackPoint(POINT point) {
   return static_cast<LPARAM>(PackWords(static_cast<WORD>(point.x), static_cast<WORD>(point.y)));
 }
 
+// No exception of a handler travels through the display that tells of the user's doings.
+template <typename Action>
+void IfItTakesInput(HWND window, Action action) {
+  ModalRun::Contain([&] {
+    if (TakesInput(window)) action();
+  });
+}
+
 class Events final : public DisplayEvents {
  public:
   void OnClick(HWND control) override {
-    if (TakesInput(control)) ClickButton(control);
+    IfItTakesInput(control, [=] { ClickButton(control); });
   }
 
   void OnTextEdited(HWND edit, const std::string& text) override {
-    Window* window = FindControl(edit, ControlKind::edit);
-    if (window == nullptr || !TakesInput(edit)) return;
-    window->text = platform::FromUtf8(text);
-    NotifyTextChange(edit);
+    IfItTakesInput(edit, [&] {
+      Window* window = FindControl(edit, ControlKind::edit);
+      if (window == nullptr) return;
+      window->text = platform::FromUtf8(text);
+      NotifyTextChange(edit);
+    });
   }
 
   void OnFocus(HWND control) override {
-    if (TakesInput(control)) GiveFocus(control);
+    IfItTakesInput(control, [=] { GiveFocus(control); });
   }
 
   void OnEnter(HWND dialog) override {
-    if (TakesInput(dialog)) PressEnter(dialog);
+    IfItTakesInput(dialog, [=] { PressEnter(dialog); });
   }
 
   void OnEscape(HWND dialog) override {
-    if (TakesInput(dialog)) PressButton(dialog, IDCANCEL);
+    IfItTakesInput(dialog, [=] { PressButton(dialog, IDCANCEL); });
   }
 
   void OnCloseBox(HWND dialog) override {
-    if (TakesInput(dialog)) SendMessageA(dialog, WM_CLOSE, 0, 0);
+    IfItTakesInput(dialog, [=] { SendMessageA(dialog, WM_CLOSE, 0, 0); });
   }
 
   void OnDragged(HWND dialog) override {
     Display* display = OpenedDisplay();
-    if (display == nullptr || !TakesInput(dialog)) return;
-    RECT rectangle = display->WindowRect(dialog);
-    SendMessageA(dialog, WM_MOVING, 0, reinterpret_cast<LPARAM>(&rectangle));
-    SendMessageA(dialog, WM_MOVE, 0, PackPoint(display->ClientOrigin(dialog)));
+    if (display == nullptr) return;
+    IfItTakesInput(dialog, [=] {
+      RECT rectangle = display->WindowRect(dialog);
+      SendMessageA(dialog, WM_MOVING, 0, reinterpret_cast<LPARAM>(&rectangle));
+      SendMessageA(dialog, WM_MOVE, 0, PackPoint(display->ClientOrigin(dialog)));
+    });
   }
 
   // The wheel is the dialog's, over whichever of its controls it turns: none of them scrolls.
   void OnWheel(HWND window, int delta, POINT screenPoint) override {
-    if (!TakesInput(window)) return;
-    SendMessageA(DialogOf(window), WM_MOUSEWHEEL, PackWords(0, static_cast<WORD>(delta)), PackPoint(screenPoint));
+    IfItTakesInput(window, [=] {
+      SendMessageA(DialogOf(window), WM_MOUSEWHEEL, PackWords(0, static_cast<WORD>(delta)), PackPoint(screenPoint));
+    });
   }
 
   void OnLeftButton(HWND window, bool doubleClick, POINT clientPoint) override {
-    if (!TakesInput(window)) return;
-    SendMessageA(window, doubleClick ? WM_LBUTTONDBLCLK : WM_LBUTTONDOWN, leftButtonDown, PackPoint(clientPoint));
+    IfItTakesInput(window, [=] {
+      SendMessageA(window, doubleClick ? WM_LBUTTONDBLCLK : WM_LBUTTONDOWN, leftButtonDown, PackPoint(clientPoint));
+    });
   }
 };
 

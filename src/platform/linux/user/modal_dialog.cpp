@@ -70,6 +70,7 @@ INT_PTR RunDialog(Display& display, const DialogTemplate& form, HWND ownerWindow
   disabled.Enable();
   GiveFocus(IsWindow(focusBefore) ? focusBefore : nullptr);
   DestroyWindow(dialog);
+  if (run.failure) std::rethrow_exception(run.failure);
   return run.result;
 }
 

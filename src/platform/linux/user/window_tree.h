@@ -10,15 +10,10 @@
 #include <vector>
 
 #include "display.h"
+#include "modal_run.h"
 #include "user.h"
 
 namespace user {
-
-// One modal run of a dialog; lives on the stack of DialogBoxParamA.
-struct ModalRun {
-  bool ended = false;
-  INT_PTR result = 0;
-};
 
 struct DialogState {
   DLGPROC procedure;
