@@ -211,6 +211,16 @@ TEST_F(WebDownload, LeavesNothingWhenTheDiskIsFull) {
     EXPECT_FALSE(std::filesystem::exists(temporary)) << room;
   }
   EXPECT_TRUE(download(100'000));
+
+  // A device that is always full; a small file shows it no sooner than at its close.
+  for (const std::size_t size : {1u, 100'000u}) {
+    RoutedServer sender(HttpReply(200, std::string(size, 'b')));
+    WriteWholeFile(file, old);
+    std::filesystem::create_symlink("/dev/full", temporary);
+    EXPECT_FALSE(Download()) << size;
+    EXPECT_EQ(Destination(), absent) << size;
+    EXPECT_FALSE(std::filesystem::is_symlink(temporary)) << size;
+  }
 }
 
 TEST_F(WebDownload, BeginsAnewAfterAProcessThatWasKilled) {

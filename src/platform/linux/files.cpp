@@ -27,7 +27,10 @@ constexpr mode_t ownersFolder = 0700;
 constexpr mode_t ownersFile = 0600;
 constexpr mode_t anyonesFile = 0666;  // less the user's mask
 
-// A file open for writing from its start.
+constexpr std::size_t gatheredAtMost = 64 * 1024;  // bytes
+
+// A file open for writing from its start. Small writes are gathered, so that a file which comes in many of them costs
+// few calls of the system. A disk that is full thus shows in a later write, or when the file is closed.
 class WrittenFile final : public HandleObject {
  public:
   explicit WrittenFile(int opened) : descriptor(opened) {
@@ -38,30 +41,51 @@ class WrittenFile final : public HandleObject {
 
   bool Close() override {
     if (descriptor < 0) return true;
+    const bool stored = Flush();
     const bool closed = close(descriptor) == 0;
     descriptor = -1;
-    return closed;
+    return stored && closed;
   }
 
-  // Returns the bytes written: fewer than asked for when the disk is full or the file may not grow further.
+  // Returns the bytes taken: fewer than asked for at the file size limit, none once something could not be stored.
   std::size_t Write(const char* data, std::size_t size) {
-    std::size_t done = 0;
-    while (done < size && room > 0) {
-      const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(size - done, room));
-      const ssize_t written = write(descriptor, data + done, part);
-      if (written < 0 && errno == EINTR) continue;
-      if (written <= 0) break;
-      done += static_cast<std::size_t>(written);
-      room -= static_cast<std::uint64_t>(written);
+    const auto taken = static_cast<std::size_t>(std::min<std::uint64_t>(size, room));
+    if (gathered.size() + taken > gatheredAtMost) Flush();
+    if (taken > gatheredAtMost) {
+      Store(data, taken);
+    } else {
+      gathered.append(data, taken);
     }
-    return done;
+    if (lost) return 0;
+    room -= taken;
+    return taken;
   }
 
  private:
+  // True if all that was taken so far is stored.
+  bool Flush() {
+    Store(gathered.data(), gathered.size());
+    gathered.clear();
+    return !lost;
+  }
+
+  void Store(const char* data, std::size_t size) {
+    while (size > 0 && !lost) {
+      const ssize_t written = write(descriptor, data, size);
+      if (written < 0 && errno == EINTR) continue;
+      lost = written <= 0;
+      if (lost) return;
+      data += written;
+      size -= static_cast<std::size_t>(written);
+    }
+  }
+
   int descriptor;
   // Bytes up to the process's file size limit. A write that starts at the limit would raise SIGXFSZ, which ends a
   // host that does not expect it.
   std::uint64_t room = UINT64_MAX;
+  std::string gathered;  // taken and not yet stored
+  bool lost = false;     // something that was taken could not be stored
 };
 
 bool Exists(const char* path) {

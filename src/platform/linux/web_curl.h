@@ -42,7 +42,7 @@ CurlList MakeCurlList(const std::vector<std::string>& lines);
 CurlList MakeConnectToList();
 
 // Bytes that libcurl takes from a connection at a time.
-inline constexpr long webReceiveSize = 128L * 1024;
+inline constexpr long webReceiveSize = 64L * 1024;
 
 // Sets all that does not depend on who receives the reply. The lists must outlive the transfer; the body is copied.
 // False if the transfer cannot be made as it should be.
