@@ -94,11 +94,13 @@ QWidget* MakeWidget(const ControlView& view, QDialog& dialog) {
   }
 }
 
-// Check boxes are laid out lower than their mark is; they grow around their centre.
+// Templates give check boxes any height; their mark needs one, around the same centre.
 QRect PlaceOf(const ControlView& view, const QWidget& widget) {
   QRect place = ToQRect(view.rectangle);
-  const int missing = widget.minimumSizeHint().height() - place.height();
-  if (view.kind == ControlKind::checkBox && missing > 0) place.adjust(0, -(missing / 2), 0, missing - missing / 2);
+  if (view.kind != ControlKind::checkBox) return place;
+  const int height = widget.minimumSizeHint().height();
+  place.setTop(place.top() + (place.height() - height) / 2);
+  place.setHeight(height);
   return place;
 }
 
@@ -114,6 +116,20 @@ QWidget* MakeControl(const ControlView& view, QDialog& dialog) {
   widget->setGeometry(PlaceOf(view, *widget));
   widget->lower();  // where controls overlap, the first of them is in front and takes the clicks
   return widget;
+}
+
+// Two check boxes that a template lays over each other could neither be read nor clicked: they give way, as little as
+// that takes.
+void SeparateCheckBoxes(const std::vector<QWidget*>& widgets) {
+  for (std::size_t i = 1; i < widgets.size(); ++i) {
+    QWidget* upper = widgets[i - 1];
+    QWidget* lower = widgets[i];
+    if (qobject_cast<QCheckBox*>(upper) == nullptr || qobject_cast<QCheckBox*>(lower) == nullptr) continue;
+    const int overlap = upper->geometry().intersected(lower->geometry()).height();
+    if (overlap <= 0) continue;
+    upper->move(upper->x(), upper->y() - overlap / 2);
+    lower->move(lower->x(), lower->y() + overlap - overlap / 2);
+  }
 }
 
 void SetTabOrder(const std::vector<QWidget*>& widgets) {
@@ -137,6 +153,7 @@ void NameEdits(const std::vector<QWidget*>& widgets) {
 std::vector<QWidget*> MakeControlWidgets(const std::vector<ControlView>& controls, QDialog& dialog) {
   std::vector<QWidget*> widgets;
   for (const ControlView& view : controls) widgets.push_back(MakeControl(view, dialog));
+  SeparateCheckBoxes(widgets);
   SetTabOrder(widgets);
   NameEdits(widgets);
   for (std::size_t i = 0; i < controls.size(); ++i) ShowControlText(*widgets[i], controls[i].text);

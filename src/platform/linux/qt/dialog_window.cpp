@@ -75,7 +75,6 @@ void DialogWindow::SetOwner(OwnerWindow ownerWindow) {
 
 void DialogWindow::Open() {
   show();
-  raise();
   activateWindow();
 }
 

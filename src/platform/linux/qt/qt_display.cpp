@@ -47,10 +47,13 @@ void QtDisplay::Use(DisplayEvents* coreEvents) {
   events = coreEvents;
 }
 
+// The width is rounded up: templates are laid out for a font that is narrow for its height, and Qt's usual ones are
+// wide.
 POINT QtDisplay::BaseUnits() {
   const QFontMetrics font(QApplication::font());
   const QString letters = QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz");
-  return {(font.horizontalAdvance(letters) / 26 + 1) / 2, font.height()};
+  const int count = static_cast<int>(letters.size());
+  return {(font.horizontalAdvance(letters) + count - 1) / count, font.height()};
 }
 
 RECT QtDisplay::WorkArea() {

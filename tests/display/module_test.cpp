@@ -1,0 +1,44 @@
+// The module with dialogs in hosts that load and unload it.
+#include <gtest/gtest.h>
+
+#include "display/process.h"
+#include "display/x_session.h"
+
+namespace nvsupport::testing {
+namespace {
+
+TEST(ModuleWithDialogs, IsLoadedAgainByAHostWithoutQt) {
+  XSession screen(XSession::Manager::none);
+  const std::map<std::string, std::string> environment = {{"DISPLAY", screen.Name()}, {"WAYLAND_DISPLAY", ""}};
+  Process host({NV_PLAIN_HOST, NV_MODULE, "3"}, environment);
+  for (const char* mapped : {"00", "11", "11"}) {
+    EXPECT_EQ(host.Find("loaded"), mapped) << "Qt comes with the first window and stays";
+    const xcb_window_t dialog = screen.FindWindow("Sign in to Your Account");
+    EXPECT_TRUE(WaitUntil([&] { return screen.HasFocus(dialog); }));
+    screen.Type("\033");
+    EXPECT_EQ(host.Find("token"), "0");
+    EXPECT_EQ(host.Find("unloaded"), "0");
+    EXPECT_TRUE(screen.IsGone("Sign in to Your Account"));
+  }
+  EXPECT_EQ(host.Join(), 0);
+}
+
+TEST(ModuleWithDialogs, LeavesNothingBehindInAHostWithQt) {
+  Process host({NV_QT_HOST, NV_MODULE, "cycles"}, {{"QT_QPA_PLATFORM", "offscreen"}});
+  EXPECT_EQ(host.Find("widgets"), "0");
+  EXPECT_EQ(host.Find("windows"), "0");
+  EXPECT_LT(std::stoll("0" + host.Find("grown")), 30 * 1024) << "bytes in 30 dialogs";
+  EXPECT_EQ(host.Join(), 0);
+}
+
+TEST(ModuleWithDialogs, EndTheirDialogWhenTheHostQuits) {
+  for (const char* way : {"quit", "exit"}) {
+    Process host({NV_QT_HOST, NV_MODULE, way}, {{"QT_QPA_PLATFORM", "offscreen"}});
+    EXPECT_EQ(host.Find("token"), "0") << way;
+    EXPECT_EQ(host.Find("quitting"), "") << way;
+    EXPECT_EQ(host.Join(), 0) << way;
+  }
+}
+
+}  // namespace
+}  // namespace nvsupport::testing

@@ -1,0 +1,64 @@
+// A host with a QApplication and no visible window of its own, which plays the user itself.
+//   qt_host MODULE cycles   answers the dialog with Esc, 40 times, and tells what the last 30 left behind
+//   qt_host MODULE quit     ends its event loop while the dialog is open
+//   qt_host MODULE exit     the same at once, without asking its windows
+#include <malloc.h>
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QTimer>
+#include <QWidget>
+#include <QWindow>
+
+#include "display/module_cycle.h"
+
+namespace {
+
+void PressEscape() {
+  QWidget* dialog = QApplication::activeModalWidget();
+  if (dialog == nullptr) return;
+  QKeyEvent press(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+  QCoreApplication::sendEvent(dialog, &press);
+}
+
+long long Held() {
+  return static_cast<long long>(mallinfo2().uordblks);
+}
+
+void RunCycles(const char* module) {
+  constexpr int warmUp = 10;
+  constexpr int cycles = 40;
+  long long before = 0;
+  QTimer user;
+  QObject::connect(&user, &QTimer::timeout, PressEscape);
+  user.start(1);
+  for (int i = 0; i < cycles; ++i) {
+    if (i == warmUp) before = Held();
+    nvsupport::testing::RunModuleCycle(module);
+  }
+  user.stop();
+  std::cout << "widgets " << QApplication::allWidgets().size() << std::endl;
+  std::cout << "windows " << QGuiApplication::allWindows().size() << std::endl;
+  std::cout << "grown " << Held() - before << std::endl;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QApplication application(argc, argv);
+  if (argc < 3) return 2;
+  const char* module = argv[1];
+  const std::string job = argv[2];
+  QObject::connect(&application, &QCoreApplication::aboutToQuit, [] { std::cout << "quitting " << std::endl; });
+  QTimer::singleShot(0, [&] {
+    if (job == "quit") QTimer::singleShot(100, &QCoreApplication::quit);
+    if (job == "exit") QTimer::singleShot(100, [] { QCoreApplication::exit(0); });
+    if (job == "cycles") {
+      RunCycles(module);
+      QCoreApplication::quit();
+    } else {
+      nvsupport::testing::RunModuleCycle(module);
+    }
+  });
+  return QApplication::exec();
+}
