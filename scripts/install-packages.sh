@@ -7,12 +7,13 @@ set -euo pipefail
 
 readonly build_packages=(
   ca-certificates cmake g++ llvm ninja-build pkg-config
-  libbenchmark-dev libcli11-dev libcurl4-openssl-dev libgtest-dev libsodium-dev libsqlite3-dev nlohmann-json3-dev
-  libxcb1-dev libxcb-xfixes0-dev libxcb-xtest0-dev qt6-base-dev
-  lighttpd lighttpd-mod-openssl openssl xdotool xvfb
+  libbenchmark-dev libcli11-dev libcurl4-openssl-dev libgtest-dev libsodium-dev libsqlite3-dev libssl-dev
+  nlohmann-json3-dev
+  libx11-dev libxcb-cursor-dev libxcb-xfixes0-dev libxcb-xtest0-dev libxcb1-dev qt6-base-dev
+  fonts-dejavu-core lighttpd lighttpd-mod-openssl openssl xdotool xvfb
 )
 readonly test_packages=(
-  clang clang-format clang-tidy curl g++-mingw-w64-x86-64 gettext
+  clang clang-format clang-tidy curl g++-mingw-w64-x86-64 gettext libclang-rt-14-dev locales openbox
 )
 
 case ${1:-} in
