@@ -26,7 +26,7 @@ namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
 constexpr char host[] = "web.example";
-constexpr std::int64_t mebibyte = 1024 * 1024;
+constexpr std::int64_t mebibyte = std::int64_t{1024} * 1024;
 
 // Sends one file of `size` bytes to whoever asks, from a process of its own that ends with the object.
 class FileServer {
@@ -113,6 +113,7 @@ Cost CostOf(const std::function<bool()>& action, bool& good) {
 
 double Median(const std::vector<Cost>& costs, double Cost::*figure) {
   std::vector<double> values;
+  values.reserve(costs.size());
   for (const Cost& cost : costs) values.push_back(cost.*figure);
   std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2), values.end());
   return values[values.size() / 2];

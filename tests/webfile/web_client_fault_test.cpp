@@ -149,7 +149,7 @@ TEST(WebClientFaults, SurvivesAServerThatGoesWhileItIsSentTo) {
   const TemporaryFolder folder;
   WriteWholeFile(folder / "ca.pem", authority.Certificate());
   const ScopedVariable store("SSL_CERT_FILE", folder / "ca.pem");
-  const std::string body(20'000'000, 'b');
+  const std::string body(8'000'000, 'b');
   for (const DWORD flags : {DWORD{0}, INTERNET_FLAG_SECURE}) {
     RoutedServer server(std::vector<Reply>{{.bytes = "", .end = Reply::End::reset}}, flags != 0 ? &identity : nullptr);
     server.AnswerAfter(1000);
@@ -163,7 +163,7 @@ TEST(WebClientFaults, TakesAReplyThatComesBeforeTheWholeRequestIsSent) {
   server.AnswerAfter(1000);
   Exchange exchange({.verb = "POST"});
   // The body is the test's own and gone when the reply is read.
-  ASSERT_TRUE(exchange.Send({}, std::string(20'000'000, 'b')));
+  ASSERT_TRUE(exchange.Send({}, std::string(8'000'000, 'b')));
   EXPECT_EQ(exchange.Status(), 413u);
   EXPECT_EQ(exchange.Body().substr(0, 8), "too much");
 }

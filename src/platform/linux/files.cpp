@@ -27,7 +27,7 @@ constexpr mode_t ownersFolder = 0700;
 constexpr mode_t ownersFile = 0600;
 constexpr mode_t anyonesFile = 0666;  // less the user's mask
 
-constexpr std::size_t gatheredAtMost = 64 * 1024;  // bytes
+constexpr std::size_t gatheredAtMost = std::size_t{64} * 1024;  // bytes
 
 // A file open for writing from its start. Small writes are gathered, so that a file which comes in many of them costs
 // few calls of the system. A disk that is full thus shows in a later write, or when the file is closed.

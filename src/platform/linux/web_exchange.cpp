@@ -10,7 +10,8 @@ namespace platform {
 namespace {
 
 constexpr std::size_t windowSize = 2 * webReceiveSize;
-constexpr std::size_t headLimit = 256 * 1024;  // bytes of all heads of one exchange, interim replies included
+constexpr std::size_t headLimit =
+    std::size_t{256} * 1024;  // bytes of all heads of one exchange, interim replies included
 constexpr int redirectLimit = 10;
 
 bool IsRedirect(long status) {
