@@ -1,6 +1,7 @@
 // libcurl's initialisation and the options of a transfer.
 #include "web_curl.h"
 
+#include <dlfcn.h>
 #include <sys/auxv.h>
 
 #include <cstdlib>
@@ -54,6 +55,13 @@ void UseCurl() {
   static const CurlLibrary library;
 }
 
+void PinCurl() {
+  Dl_info info{};
+  // The handle stays open: that is the pin.
+  if (dladdr(reinterpret_cast<const void*>(&curl_easy_init), &info) != 0)
+    dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD);
+}
+
 CurlList MakeCurlList(const std::vector<std::string>& lines) {
   CurlList list;
   for (const std::string& line : lines) {
@@ -91,6 +99,8 @@ bool SetTransferOptions(CURL* easy, const std::string& url, const WebRequest& re
   }
   SetTrust(options);
   options.Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(webTimeouts.connect.count()));
+  // libcurl looks names up on a thread, which cannot be interrupted. Waiting for it would outlast the time-out.
+  options.Set(CURLOPT_QUICK_EXIT, 1L);
   options.Set(CURLOPT_BUFFERSIZE, webReceiveSize);
   options.Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
   // The signals of the process are the host's.

@@ -37,6 +37,9 @@ using CurlList = std::unique_ptr<curl_slist, ListDeleter>;
 // Initialises libcurl for as long as the module is loaded, at the first call.
 void UseCurl();
 
+// Keeps libcurl's code in memory to the end of the process.
+void PinCurl();
+
 CurlList MakeCurlList(const std::vector<std::string>& lines);
 // Where connections really go, from NV_CONNECT_TO; empty if that is not set.
 CurlList MakeConnectToList();

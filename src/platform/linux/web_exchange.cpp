@@ -145,6 +145,10 @@ void WebExchange::Wait(Patience& patience) {
 void WebExchange::End(CURLcode result) {
   // A server that closes before the length that it told is taken as having ended; a cut chunk is not.
   const bool shortBody = result == CURLE_PARTIAL_FILE && ContentLength().has_value();
+  // Given up while a name was looked up: the thread that does it ends by itself, and libcurl must be there until then.
+  curl_off_t lookup = 0;
+  curl_easy_getinfo(easy.get(), CURLINFO_NAMELOOKUP_TIME_T, &lookup);
+  if (result == CURLE_OPERATION_TIMEDOUT && lookup == 0) PinCurl();
   phase = headDone && (result == CURLE_OK || shortBody) ? Phase::ended : Phase::failed;
 }
 
