@@ -1,27 +1,22 @@
 // The frame's dialogs, played on the headless display.
 #include <gtest/gtest.h>
 
-#include "probe_dialog.h"
+#include "probes.h"
 #include "support/played_user.h"
 
 namespace nvsupport {
 namespace {
 
 using user::Key;
-using Calls = std::vector<std::string>;
 
 constexpr std::uintptr_t hostId = 0x4400001;
 const HWND hostWindow = reinterpret_cast<HWND>(hostId);
 
-void ClickItem(HWND dialog, int id) {
-  user::Click(GetDlgItem(dialog, id));
-}
-
 // The calls that sending a message to the running dialog leads to.
-Calls CallsFor(UINT message, WPARAM wParam, LPARAM lParam) {
+Noted CallsFor(UINT message, WPARAM wParam, LPARAM lParam) {
   PlayedUser person;
   ProbeDialog dialog;
-  Calls calls;
+  Noted calls;
   person.steps = {[&](HWND window) {
     dialog.calls.clear();
     SendMessageA(window, message, wParam, lParam);
@@ -38,8 +33,8 @@ TEST(Dialog, EndsWithTheValueOfWhatTheUserDid) {
     PlayedUser::Step act;
     INT_PTR result;
   } cases[] = {
-      {"OK", [](HWND window) { ClickItem(window, IDOK); }, 1},
-      {"Cancel", [](HWND window) { ClickItem(window, IDCANCEL); }, 2},
+      {"OK", PlayedUser::Clicks(IDOK), 1},
+      {"Cancel", PlayedUser::Clicks(IDCANCEL), 2},
       {"Enter", [](HWND window) { user::Press(window, Key::enter); }, 1},
       {"Esc", [](HWND window) { user::Press(window, Key::escape); }, 2},
       {"close box", [](HWND window) { user::CloseBox(window); }, 2},
@@ -53,28 +48,19 @@ TEST(Dialog, EndsWithTheValueOfWhatTheUserDid) {
     person.steps = {row.act};
     EXPECT_EQ(dialog.run(nullptr), row.result);
     EXPECT_EQ(dialog.Handle(), nullptr);
-    EXPECT_TRUE(person.boxes.empty());
+    EXPECT_EQ(dialog.calls.front(), "onInitDialog");
+    EXPECT_EQ(dialog.calls.back(), "onDestroy");
   }
 }
 
 TEST(Dialog, RoutesAMessageThroughBothStages) {
-  EXPECT_EQ(CallsFor(WM_COMMAND, 0x0200'000D, 0), (Calls{"onCommand 13 512", "onDialogCommand 13 512"}));
-  EXPECT_EQ(CallsFor(WM_NOTIFY, 5, 0), (Calls{"onNotify 5", "onDialogNotify 5"}));
-  EXPECT_EQ(CallsFor(WM_PAINT, 0, 0), (Calls{"onPaint"}));
-  EXPECT_EQ(CallsFor(WM_TIMER, 77, 0), (Calls{"onTimer 77"}));
-  EXPECT_EQ(CallsFor(WM_SIZE, 0, static_cast<LPARAM>(0xFFFF'8001u)), (Calls{"onSize 32769 65535"}));
-  EXPECT_EQ(CallsFor(WM_LBUTTONDOWN, 3, 0x0007'FFFE), (Calls{"onLeftButton 0 -2 7 3"}));
-  EXPECT_EQ(CallsFor(WM_LBUTTONDBLCLK, 0, static_cast<LPARAM>(0xFFF9'0002u)), (Calls{"onLeftButton 1 2 -7 0"}));
-}
-
-TEST(Dialog, BeginsWithInitAndEndsWithDestroy) {
-  PlayedUser person;
-  ProbeDialog dialog;
-  person.steps = {[](HWND window) { ClickItem(window, IDOK); }};
-  dialog.run(nullptr);
-  ASSERT_FALSE(dialog.calls.empty());
-  EXPECT_EQ(dialog.calls.front(), "onInitDialog");
-  EXPECT_EQ(dialog.calls.back(), "onDestroy");
+  EXPECT_EQ(CallsFor(WM_COMMAND, 0x0200'000D, 0), (Noted{"onCommand 13 512", "onDialogCommand 13 512"}));
+  EXPECT_EQ(CallsFor(WM_NOTIFY, 5, 0), (Noted{"onNotify 5", "onDialogNotify 5"}));
+  EXPECT_EQ(CallsFor(WM_PAINT, 0, 0), (Noted{"onPaint"}));
+  EXPECT_EQ(CallsFor(WM_TIMER, 77, 0), (Noted{"onTimer 77"}));
+  EXPECT_EQ(CallsFor(WM_SIZE, 0, static_cast<LPARAM>(0xFFFF'8001u)), (Noted{"onSize 32769 65535"}));
+  EXPECT_EQ(CallsFor(WM_LBUTTONDOWN, 3, 0x0007'FFFE), (Noted{"onLeftButton 0 -2 7 3"}));
+  EXPECT_EQ(CallsFor(WM_LBUTTONDBLCLK, 0, static_cast<LPARAM>(0xFFF9'0002u)), (Noted{"onLeftButton 1 2 -7 0"}));
 }
 
 TEST(Dialog, WheelGoesToItsTargetAsLongAsThatLives) {
@@ -93,7 +79,7 @@ TEST(Dialog, WheelGoesToItsTargetAsLongAsThatLives) {
   person.steps = {[&](HWND window) {
     dialog.calls.clear();
     wheel(window);
-    EXPECT_EQ(dialog.calls, Calls{"onDialogMessage 522"});
+    EXPECT_EQ(dialog.calls, Noted{"onDialogMessage 522"});
     dialog.calls.clear();
 
     const HWND edit = GetDlgItem(window, IDC_EDIT);
@@ -102,12 +88,12 @@ TEST(Dialog, WheelGoesToItsTargetAsLongAsThatLives) {
       dialog.wheelTarget = edit;
       wheel(window);
       EXPECT_EQ(target.seen, (std::vector<WPARAM>{0x0078'0000}));
-      EXPECT_EQ(dialog.calls, Calls{});
+      EXPECT_EQ(dialog.calls, Noted{});
     }
     EXPECT_FALSE(IsWindow(edit)) << "a Window object takes its window with it";
     wheel(window);
-    EXPECT_EQ(dialog.calls, Calls{"onDialogMessage 522"});
-    ClickItem(window, IDOK);
+    EXPECT_EQ(dialog.calls, Noted{"onDialogMessage 522"});
+    EndDialog(window, 1);
   }};
   dialog.run(nullptr);
 }
@@ -117,41 +103,18 @@ TEST(Dialog, ReadsAndWritesItsControls) {
   ProbeDialog dialog;
   const std::string longText(70000, 'x');
   person.steps = {[&](HWND window) {
-    EXPECT_EQ(dialog.getItemText(IDC_EMPTY_EDIT), "");
+    EXPECT_EQ(dialog.getItemText(IDC_SECRET), "");
     EXPECT_EQ(dialog.getItemText(999), "");
     dialog.setItemText(IDC_EDIT, longText);
     EXPECT_EQ(dialog.getItemText(IDC_EDIT), longText);
-    const HWND box = GetDlgItem(window, IDC_BOX);
+    const HWND box = GetDlgItem(window, IDC_THREE_STATES);
     for (const WPARAM state : {0u, 1u, 2u}) {
       SendMessageA(box, BM_SETCHECK, state, 0);
-      EXPECT_EQ(dialog.isChecked(IDC_BOX), state != 0);
+      EXPECT_EQ(dialog.isChecked(IDC_THREE_STATES), state != 0);
     }
-    ClickItem(window, IDOK);
+    EndDialog(window, 1);
   }};
   dialog.run(nullptr);
-}
-
-TEST(Dialog, RunsInsideAnotherDialog) {
-  PlayedUser person;
-  ProbeDialog outer;
-  ProbeDialog inner;
-  INT_PTR innerResult = 0;
-  person.steps = {
-      [&](HWND window) {
-        innerResult = inner.run(window);
-        EXPECT_TRUE(IsWindow(outer.Handle()));
-        EXPECT_EQ(inner.Handle(), nullptr);
-        ClickItem(window, IDOK);
-      },
-      [&](HWND window) {
-        EXPECT_EQ(window, inner.Handle());
-        EXPECT_EQ(GetParent(window), outer.Handle());
-        EXPECT_FALSE(user::IsEnabledOnDisplay(outer.Handle()));
-        ClickItem(window, IDCANCEL);
-      },
-  };
-  EXPECT_EQ(outer.run(nullptr), 1);
-  EXPECT_EQ(innerResult, 2);
 }
 
 TEST(Dialog, ThatCannotBeShownSaysSo) {

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "probe_dialog.h"
+#include "probes.h"
 #include "support/played_user.h"
 #include "ui/instance_subclasser.h"
 
@@ -68,14 +68,9 @@ TEST(InstanceSubclasser, MakesOneRecordForAWindow) {
     EXPECT_EQ(ProcOf(edit), original);
     EXPECT_EQ(ChainOf(edit), 0);
     EXPECT_FALSE(first.unsubclass(edit));
-  });
-}
 
-TEST(InstanceSubclasser, LeavesAWindowAloneThatHasItsProcedureButNoRecord) {
-  OnAnEdit([](HWND edit) {
-    const WNDPROC original = ProcOf(edit);
     SetProc(edit, &FirstProc);
-    EXPECT_FALSE(first.subclass(edit, nullptr));
+    EXPECT_FALSE(first.subclass(edit, &one)) << "the procedure without a record";
     EXPECT_EQ(ChainOf(edit), 0);
     SetProc(edit, original);
   });
@@ -128,8 +123,6 @@ TEST(InstanceSubclasser, SearchesAThousandAndOneRecordsAndNoFurther) {
     SetChain(edit, nullptr);
   });
 }
-
-using InstanceSubclasserDeathTest = ::testing::Test;
 
 TEST(InstanceSubclasserDeathTest, EndsTheProcessOverAWindowWithoutObject) {
   EXPECT_EXIT(OnAnEdit([](HWND edit) { Window::wndProc(edit, WM_PAINT, 0, 0); }), ::testing::ExitedWithCode(1),

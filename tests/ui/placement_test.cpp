@@ -1,7 +1,7 @@
 // Where dialogs open.
 #include <gtest/gtest.h>
 
-#include "probe_dialog.h"
+#include "probes.h"
 #include "support/played_user.h"
 #include "ui/placement.h"
 
@@ -71,12 +71,11 @@ TEST_F(Placement, CentresOnTheOwnerInsideTheWorkArea) {
   EXPECT_EQ(huge.top, 30);
 }
 
-TEST_F(Placement, CentresOnTheDesktopWithoutAnOwner) {
+TEST_F(Placement, CentresOnTheWholeScreenWithoutAnOwner) {
+  user::Screen().workArea = {100, 0, 1280, 900};
   const RECT place = Open(nullptr);
-  RECT desktop{};
-  GetWindowRect(GetDesktopWindow(), &desktop);
-  EXPECT_NEAR(place.left + place.right, desktop.left + desktop.right, 2);
-  EXPECT_NEAR(place.top + place.bottom, desktop.top + desktop.bottom, 2);
+  EXPECT_NEAR(place.left + place.right, 1280, 1);
+  EXPECT_NEAR(place.top + place.bottom, 1024, 1);
 }
 
 TEST_F(Placement, ReopensWhereTheUserLeftIt) {
@@ -111,7 +110,7 @@ TEST_F(Placement, KeepsADialogOfADialogRelativeToThatDialog) {
   ProbeDialog outer;
   RECT opened{};
   RECT again{};
-  const auto runInner = [](HWND owner) { ProbeDialog(IDD_CHOICE).run(owner); };
+  const auto runInner = [](HWND owner) { ProbeDialog(IDD_PLAIN).run(owner); };
   person.steps = {
       [&](HWND window) {
         runInner(window);

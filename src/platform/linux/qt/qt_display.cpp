@@ -56,6 +56,11 @@ POINT QtDisplay::BaseUnits() {
   return {(font.horizontalAdvance(letters) + count - 1) / count, font.height()};
 }
 
+RECT QtDisplay::ScreenArea() {
+  const QScreen* screen = QGuiApplication::primaryScreen();
+  return screen != nullptr ? ToRect(screen->geometry()) : RECT{};
+}
+
 RECT QtDisplay::WorkArea() {
   const QScreen* screen = QGuiApplication::primaryScreen();
   return screen != nullptr ? ToRect(screen->availableGeometry()) : RECT{};

@@ -19,6 +19,7 @@ class QtDisplay final : public Display {
   void Use(DisplayEvents* coreEvents);
 
   POINT BaseUnits() override;
+  RECT ScreenArea() override;
   RECT WorkArea() override;
   int CaptionHeight() override;
   int FrameWidth() override;

@@ -69,7 +69,8 @@ class Display {
 
   // Average width and height of a character of the dialog font: 4 dialog units across, 8 down.
   virtual POINT BaseUnits() = 0;
-  virtual RECT WorkArea() = 0;
+  virtual RECT ScreenArea() = 0;
+  virtual RECT WorkArea() = 0;      // without panels and docks
   virtual int CaptionHeight() = 0;  // SM_CYSIZE
   virtual int FrameWidth() = 0;     // SM_CXFRAME and SM_CYFRAME
 

@@ -14,7 +14,7 @@ RECT MovedBy(const RECT& rectangle, POINT by) {
 }
 
 std::optional<RECT> RectOf(Display& display, HWND handle) {
-  if (handle == GetDesktopWindow()) return display.WorkArea();
+  if (handle == GetDesktopWindow()) return display.ScreenArea();
   if (FindDialog(handle) != nullptr) return display.WindowRect(handle);
   if (const Window* control = Find(handle)) return MovedBy(control->rectangle, display.ClientOrigin(control->parent));
   const std::uintptr_t foreign = ForeignId(handle);

@@ -54,6 +54,7 @@ ControlView* ViewOfControl(HWND control) {
 class HeadlessDisplay final : public Display {
  public:
   POINT BaseUnits() override { return baseUnits; }
+  RECT ScreenArea() override { return State().screen.area; }
   RECT WorkArea() override { return State().screen.workArea; }
   int CaptionHeight() override { return State().screen.captionHeight; }
   int FrameWidth() override { return State().screen.frameWidth; }

@@ -29,6 +29,7 @@ class HeadlessUser {
 
 // What the screen looks like, free to set before a dialog opens; a new user finds it as here.
 struct HeadlessScreen {
+  RECT area{0, 0, 1280, 1024};
   RECT workArea{0, 0, 1280, 1024};
   int frameWidth = 4;
   int captionHeight = 18;
