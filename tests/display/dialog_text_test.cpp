@@ -98,8 +98,8 @@ TEST_F(DialogTexts, FitTheirControlsInEveryShippedLanguage) {
   for (const auto& [language, path] : catalogues) {
     EXPECT_TRUE(path.empty() || translations.LoadCatalogueFile(path));
     for (const Form& form : forms) {
-      Show(form.id, [&](QWidget& window) {
-        const std::string name = std::string(form.name) + "." + language;
+      const std::string name = std::string(form.name) + "." + language;
+      Show(form.id, [&name](QWidget& window) {
         Draw(window, name);
         ExpectFit(window, name);
         ExpectApart(window, name);

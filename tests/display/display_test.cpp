@@ -198,6 +198,7 @@ TEST(Display, ShowsTheWaitCursorInASlowExchangeOnly) {
   EXPECT_TRUE(WaitUntil([&] { return screen.ShownCursor() == usual; })) << "once it goes on";
   screen.Type("\033");
   EXPECT_EQ(dialog.Find("result"), "2 ");
+  EXPECT_EQ(dialog.program.Join(), 0);
 }
 
 TEST(Display, ShowsAMessageUntilItIsAnswered) {

@@ -49,7 +49,12 @@ Display* OpenPlugin() {
 }  // namespace
 
 Display* OpenDisplay() {
-  if (openedDisplay == nullptr) SetDisplay(OpenPlugin());
+  if (openedDisplay == nullptr) {
+    SetDisplay(OpenPlugin());
+  } else if (openPlugin != nullptr && OpenedDisplay() != nullptr) {
+    // Asked each time: what the display stands on may be the host's, and may have gone.
+    openedDisplay = openPlugin(&CoreEvents());
+  }
   return OpenedDisplay();
 }
 
