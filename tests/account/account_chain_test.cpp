@@ -23,6 +23,12 @@ const Step seesDevice = Sees(deviceTitle, [](HWND dialog) {
   EXPECT_EQ(owner->title, signInTitle);
 });
 
+// A request that the service gets, and its answer.
+struct Exchange {
+  int operation;
+  std::string reply;
+};
+
 TEST_F(AccountChain, IsDoneOnlyWhenItsEndIsReached) {
   const Steps signIn = FillSignIn("Ann", "Secret 1") + Steps{ok};
   const Steps create = FillSignIn("bob", "first1") + Steps{Clicks(IDC_CREATE_ACCOUNT)};
@@ -31,120 +37,80 @@ TEST_F(AccountChain, IsDoneOnlyWhenItsEndIsReached) {
     EXPECT_EQ(TextOf(dialog, IDC_USER_ID), "bob");
     EXPECT_EQ(TextOf(dialog, IDC_PASSWORD), "first1");
   });
-  const Reply done = Items(Int(0));
-  const Reply signedIn = Items(Int(0) + Int(0));
-  const Reply unnamed = Items(Int(0) + Int(1));
-  const Reply refused = Items(Int(5));
-  const Reply token = Items(Int(0) + Text("a-token"));
+  const Exchange signedIn{8, Int(0) + Int(0)};
+  const Exchange unnamed{8, Int(0) + Int(1)};
+  const Exchange signInRefused{8, Int(5)};
+  const Exchange named{9, Int(0)};
+  const Exchange nameRefused{9, Int(5)};
+  const Exchange made{10, Int(0)};
+  const Exchange token{11, Int(0) + Text("a-token")};
+  const Credentials ann{"Ann", "Secret 1"};
+  const Credentials failed{"Ann", ""};
   const struct {
     const char* what;
     Steps steps;
-    std::vector<Reply> replies;
-    std::vector<int> operations;
-    std::string token;
-    Credentials left;     // in memory
-    std::string profile;  // on disk
+    std::vector<Exchange> exchanges;
+    Credentials left;  // in memory
+    bool saved;        // on disk
     std::size_t boxes;
   } cases[] = {
-      {"sign-in", signIn, {signedIn, token}, {8, 11}, "a-token", {"Ann", "Secret 1"}, "UserID=Ann\n", 0},
-      {"sign-in cancelled", {seesSignIn, cancel}, {done}, {}, "", {"", ""}, "", 0},
-      {"sign-in refused, then cancelled", signIn + Steps{cancel}, {refused}, {8}, "", {"Ann", ""}, "", 1},
-      {"sign-in refused, then right",
-       signIn + Steps{ok},
-       {refused, signedIn, token},
-       {8, 8, 11},
-       "a-token",
-       {"Ann", "Secret 1"},
-       "UserID=Ann\n",
-       1},
-      {"sign-in with a new name",
-       signIn + Steps{seesDevice, ok},
-       {unnamed, done, token},
-       {8, 9, 11},
-       "a-token",
-       {"Ann", "Secret 1"},
-       "UserID=Ann\n",
-       0},
-      {"sign-in, name cancelled",
-       signIn + Steps{seesDevice, cancel, seesSignIn, cancel},
-       {unnamed},
-       {8},
-       "",
-       {"Ann", ""},
-       "",
-       0},
+      {"sign-in", signIn, {signedIn, token}, ann, true, 0},
+      {"sign-in cancelled", {seesSignIn, cancel}, {}, {"", ""}, false, 0},
+      {"sign-in refused, cancelled", signIn + Steps{cancel}, {signInRefused}, failed, false, 1},
+      {"sign-in refused, then right", signIn + Steps{ok}, {signInRefused, signedIn, token}, ann, true, 1},
+      {"sign-in, new name", signIn + Steps{seesDevice, ok}, {unnamed, named, token}, ann, true, 0},
+      {"sign-in, name cancelled", signIn + Steps{seesDevice, cancel, seesSignIn, cancel}, {unnamed}, failed, false, 0},
       {"sign-in, name refused",
        signIn + Steps{seesDevice, ok, seesDevice, cancel, seesSignIn, cancel},
-       {unnamed, refused},
-       {8, 9},
-       "",
-       {"Ann", ""},
-       "",
+       {unnamed, nameRefused},
+       failed,
+       false,
        1},
-      {"new account",
-       create + account + Steps{seesDevice, ok},
-       {done, done, token},
-       {10, 9, 11},
-       "a-token",
-       {"Ann", "Secret 1"},
-       "UserID=Ann\n",
-       0},
-      {"new account cancelled",
-       create + Steps{Sees(createTitle), cancel, fieldsStay, cancel},
-       {done},
-       {},
-       "",
-       {"bob", "first1"},
-       "",
-       0},
-      {"new account refused, then cancelled",
+      {"account", create + account + Steps{seesDevice, ok}, {made, named, token}, ann, true, 0},
+      {"account cancelled", create + Steps{cancel, fieldsStay, cancel}, {}, {"bob", "first1"}, false, 0},
+      {"account refused",
        create + account + Steps{Sees(createTitle), cancel, fieldsStay, cancel},
-       {Items(Int(3))},
-       {10},
-       "",
-       {"Ann", "Secret 1"},
-       "",
+       {{10, Int(3)}},
+       ann,
+       false,
        1},
-      {"new account of a known address",
-       create + account + Steps{fieldsStay, cancel},
-       {Items(Int(13))},
-       {10},
-       "",
-       {"Ann", "Secret 1"},
-       "",
-       1},
-      {"new account, name cancelled",
+      {"known address", create + account + Steps{fieldsStay, cancel}, {{10, Int(13)}}, ann, false, 1},
+      {"account, name cancelled",
        create + account + Steps{seesDevice, cancel, fieldsStay, cancel},
-       {done},
-       {10},
-       "",
-       {"Ann", "Secret 1"},
-       "UserID=Ann\n",
+       {made},
+       ann,
+       true,
        0},
-      {"new account, name refused",
+      {"account, name refused",
        create + account + Steps{seesDevice, ok, cancel, fieldsStay, cancel},
-       {done, refused},
-       {10, 9},
-       "",
-       {"Ann", "Secret 1"},
-       "UserID=Ann\n",
+       {made, nameRefused},
+       ann,
+       true,
        1},
-      {"token refused", signIn, {signedIn, refused}, {8, 11}, "", {"Ann", "Secret 1"}, "UserID=Ann\n", 0},
+      {"token refused", signIn, {signedIn, {11, Int(5)}}, ann, true, 0},
   };
   ::testing::internal::CaptureStderr();
   for (const auto& row : cases) {
     SCOPED_TRACE(row.what);
-    Serve(row.replies);
+    std::vector<Reply> replies;
+    std::vector<int> operations;
+    for (const Exchange& exchange : row.exchanges) {
+      operations.push_back(exchange.operation);
+      replies.push_back(Items(exchange.reply));
+    }
+    replies.push_back(Items(Int(99)));
+    Serve(replies);
     OpenSession();
     person.steps.assign(row.steps.begin(), row.steps.end());
     person.boxes.clear();
+    const bool done = !row.exchanges.empty() && row.exchanges.back().reply == token.reply;
     char text[20] = "before";
-    EXPECT_EQ(xff99a5e4(nullptr, text), !row.token.empty());
-    EXPECT_EQ(text, row.token);
+    EXPECT_EQ(xff99a5e4(nullptr, text), done);
+    EXPECT_STREQ(text, done ? "a-token" : "");
     EXPECT_TRUE(person.steps.empty());
-    EXPECT_EQ(Operations(), row.operations);
+    EXPECT_EQ(Operations(), operations);
     EXPECT_EQ(person.boxes.size(), row.boxes);
-    EXPECT_EQ(Profile(), row.profile);
+    EXPECT_EQ(Profile(), row.saved ? "UserID=Ann\n" : "");
     EXPECT_EQ(InForce(), row.left);
   }
   EXPECT_EQ(::testing::internal::GetCapturedStderr(), "") << "nothing of it is anyone else's business";

@@ -21,7 +21,8 @@ void FocusItem(HWND dialog, int id) {
   SendMessageA(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(dialog, id)), 1);
 }
 
-const PlayedUser::Step closeBox = [](HWND dialog) { user::CloseBox(dialog); };
+// No exception of a handler reaches the display.
+const PlayedUser::Step closeBox = [](HWND dialog) { EXPECT_NO_THROW(user::CloseBox(dialog)); };
 const PlayedUser::Step end = [](HWND dialog) { EndDialog(dialog, 1); };
 
 TEST(UserCore, SendsADialogItsMessagesInTheirOrder) {
@@ -174,50 +175,41 @@ TEST(UserCore, OpensADialogInsideADialog) {
                                "COMMAND 10 100", "COMMAND 2 0", "COMMAND 10 200", "DESTROY", "NCDESTROY"}));
 }
 
-TEST(UserCore, SurvivesHandlersThatDestroyTheirDialog) {
+TEST(UserCore, LeavesNothingOfADialogWhoseHandlerDestroysItOrThrows) {
   const struct {
     UINT trigger;
     std::deque<PlayedUser::Step> steps;
-    INT_PTR result;
+    INT_PTR result;  // when the handler destroys the dialog
   } cases[] = {
       {WM_SETFONT, {}, 0},       {WM_INITDIALOG, {}, 0}, {WM_COMMAND, {}, 0},
       {WM_CLOSE, {closeBox}, 0}, {WM_DESTROY, {end}, 1}, {WM_NCDESTROY, {end}, 1},
   };
   for (const auto& row : cases) {
-    SCOPED_TRACE(row.trigger);
-    PlayedUser person;
-    person.steps = row.steps;
-    CoreProbe probe([&](HWND dialog, UINT message, WPARAM, LPARAM) -> INT_PTR {
-      if (message == row.trigger) DestroyWindow(dialog);
-      return TRUE;
-    });
-    EXPECT_EQ(probe.Run(IDD_PROBE), row.result);
-    EXPECT_FALSE(IsWindow(probe.dialog));
-    EXPECT_EQ(user::ViewOf(probe.dialog), nullptr);
-  }
-}
-
-TEST(UserCore, CarriesWhatAHandlerThrowsPastTheDisplayToItsCaller) {
-  for (const UINT trigger : {WM_SETFONT, WM_INITDIALOG, WM_CLOSE, WM_DESTROY, WM_NCDESTROY}) {
-    SCOPED_TRACE(trigger);
-    PlayedUser person;
-    CoreProbe inner([&](HWND, UINT message, WPARAM, LPARAM) -> INT_PTR {
-      if (message == trigger) throw std::bad_alloc();
-      return FALSE;
-    });
-    CoreProbe outer([&](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) -> INT_PTR {
-      if (message != WM_COMMAND || wParam != IDC_BUTTON) return EndOnButton(dialog, message, wParam, lParam);
-      EXPECT_THROW(inner.Run(IDD_PROBE, dialog), std::bad_alloc);
-      return TRUE;
-    });
-    const PlayedUser::Step close = [](HWND dialog) { EXPECT_NO_THROW(user::CloseBox(dialog)); };
-    person.steps = {PlayedUser::Clicks(IDC_BUTTON)};
-    if (trigger == WM_CLOSE) person.steps.push_back(close);
-    if (trigger == WM_DESTROY || trigger == WM_NCDESTROY) person.steps.push_back(end);
-    person.steps.push_back(close);
-    EXPECT_EQ(outer.Run(IDD_PROBE), IDCANCEL);
-    EXPECT_FALSE(IsWindow(inner.dialog));
-    EXPECT_EQ(user::ViewOf(inner.dialog), nullptr);
+    for (const bool throws : {false, true}) {
+      SCOPED_TRACE(row.trigger);
+      PlayedUser person;
+      CoreProbe inner([&](HWND dialog, UINT message, WPARAM, LPARAM) -> INT_PTR {
+        if (message == row.trigger && throws) throw std::bad_alloc();
+        if (message == row.trigger) DestroyWindow(dialog);
+        return TRUE;
+      });
+      CoreProbe outer([&](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) -> INT_PTR {
+        if (message != WM_COMMAND || wParam != IDC_BUTTON) return EndOnButton(dialog, message, wParam, lParam);
+        const auto run = [&] { EXPECT_EQ(inner.Run(IDD_PROBE, dialog), row.result); };
+        if (throws) {
+          EXPECT_THROW(run(), std::bad_alloc);
+        } else {
+          run();
+        }
+        return TRUE;
+      });
+      person.steps = row.steps;
+      person.steps.push_front(PlayedUser::Clicks(IDC_BUTTON));
+      person.steps.push_back(closeBox);
+      EXPECT_EQ(outer.Run(IDD_PROBE), IDCANCEL);
+      EXPECT_FALSE(IsWindow(inner.dialog));
+      EXPECT_EQ(user::ViewOf(inner.dialog), nullptr);
+    }
   }
 }
 
