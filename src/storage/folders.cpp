@@ -5,11 +5,18 @@
 #include "storage/paths.h"
 
 namespace nvsupport {
+namespace {
+
+// More than any system takes for a path, and few enough parents for any thread's stack.
+constexpr std::size_t longestPath = 4096;
+
+}  // namespace
 
 bool CreatePath(const std::string& path) {
   const DWORD attributes = GetFileAttributesA(path.c_str());
   if (attributes != INVALID_FILE_ATTRIBUTES) return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
   if (path.empty() || path == ".") return true;
+  if (path.size() > longestPath) return false;
   // Whether the parents are there shows when the folder itself is created.
   CreatePath(GetFolderOf(path));
   return CreateDirectoryA(path.c_str(), nullptr) != 0;

@@ -39,11 +39,35 @@ bool IsBlankOrComment(std::string_view line) {
   return start == std::string_view::npos || line[start] == '#';
 }
 
+// What stands behind this many bytes is not read: whatever lies in the file's place, a load costs bounded time and
+// memory.
+constexpr std::size_t maxSettingsBytes = std::size_t{64} << 20;
+
+// The bytes of a file in the order of reading.
+class SettingsBytes {
+ public:
+  explicit SettingsBytes(std::FILE* opened) : file(opened) {}
+
+  bool Ended() const { return ended; }
+  // EOF at the end of the file and after a read error.
+  int Take() {
+    const int byte = left > 0 ? std::getc(file) : EOF;
+    --left;
+    ended = byte == EOF;
+    return byte;
+  }
+
+ private:
+  std::FILE* file;
+  std::size_t left = maxSettingsBytes;
+  bool ended = false;
+};
+
 // The next line that is neither blank nor a comment; false at the end of the file.
-bool ReadSettingsLine(std::FILE* file, std::string& line) {
-  while (!std::feof(file) && !std::ferror(file)) {
+bool ReadSettingsLine(SettingsBytes& bytes, std::string& line) {
+  while (!bytes.Ended()) {
     line.clear();
-    for (int byte = std::getc(file); byte != EOF && byte != '\n'; byte = std::getc(file)) {
+    for (int byte = bytes.Take(); byte != EOF && byte != '\n'; byte = bytes.Take()) {
       if (byte != '\r' && byte != '\0') line += static_cast<char>(byte);
     }
     if (!IsBlankOrComment(line)) return true;
@@ -94,8 +118,9 @@ std::string DecodeSettingsValue(std::string_view encoded) {
 bool CSettingsFile::Load(const std::string& path) {
   const ScopedHandle<std::FILE*, std::fclose> file(platform::OpenFileStream(path.c_str(), "r"));
   if (!file) return false;
+  SettingsBytes bytes(file.get());
   std::string line;
-  while (ReadSettingsLine(file.get(), line)) ParseSettingsLine(line);
+  while (ReadSettingsLine(bytes, line)) ParseSettingsLine(line);
   return true;
 }
 

@@ -25,7 +25,8 @@ FILETIME CurrentTime() {
 
 std::string MakeTempFileName(const std::string& suffix) {
   const std::string folder = GetSpecialFolder(CSIDL_LOCAL_APPDATA, "Norvane\\Temp");
-  if (nameCount == 0) SweepOldTempFiles(folder, "T*.*", CurrentTime());
+  // Without a folder of its own the library has left nothing, and a sweep would go through the root folder.
+  if (nameCount == 0 && !folder.empty()) SweepOldTempFiles(folder, "T*.*", CurrentTime());
   ++nameCount;
   const std::uint32_t number = static_cast<std::uint32_t>(GetCurrentProcessId()) << 8 | nameCount;
   return folder + FormatText("\\T%X", static_cast<unsigned>(number)) + suffix;

@@ -1,11 +1,11 @@
 // The file operations of the platform as the library relies on them.
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/platform.h"
@@ -17,11 +17,7 @@ using nvsupport::testing::ReadWholeFile;
 using nvsupport::testing::TemporaryFolder;
 using nvsupport::testing::WriteWholeFile;
 namespace fs = std::filesystem;
-
-mode_t ModeOf(const std::string& path) {
-  struct stat status {};
-  return stat(path.c_str(), &status) == 0 ? status.st_mode & 0777 : 0;
-}
+using namespace std::string_literals;
 
 HANDLE CreateForWriting(const std::string& path) {
   return CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -29,29 +25,33 @@ HANDLE CreateForWriting(const std::string& path) {
 
 TEST(PlatformFiles, TakeEitherSeparator) {
   const TemporaryFolder folder;
-  const std::string path = (folder / "sub") + "\\a.txt";
-  ASSERT_TRUE(CreateDirectoryA((folder.path.string() + "\\sub").c_str(), nullptr));
-  EXPECT_EQ(ModeOf(folder / "sub"), 0700u);
+  const std::string path = folder / "sub\\a.txt";
+  ASSERT_TRUE(CreateDirectoryA((folder / "sub").c_str(), nullptr));
   const HANDLE file = CreateForWriting(path);
   ASSERT_NE(file, INVALID_HANDLE_VALUE);
   DWORD written = 99;
   EXPECT_TRUE(WriteFile(file, "text", 4, &written, nullptr));
   EXPECT_EQ(written, 4u);
   EXPECT_TRUE(CloseHandle(file));
-  EXPECT_EQ(ReadWholeFile(folder.path / "sub" / "a.txt"), "text");
+  EXPECT_EQ(ReadWholeFile(folder / "sub/a.txt"), "text");
   EXPECT_EQ(GetFileAttributesA(path.c_str()), FILE_ATTRIBUTE_NORMAL);
   EXPECT_TRUE(DeleteFileA(path.c_str()));
   EXPECT_EQ(GetFileAttributesA(path.c_str()), INVALID_FILE_ATTRIBUTES);
 }
 
-TEST(PlatformFiles, AFolderIsNoFile) {
+TEST(PlatformFiles, WhatIsNoFileIsNeitherOpenedNorWaitedFor) {
   const TemporaryFolder folder;
   const std::string name = folder.path.string();
   EXPECT_EQ(GetFileAttributesA((name + "\\").c_str()), FILE_ATTRIBUTE_DIRECTORY);
   EXPECT_EQ(GetFileAttributesA(""), INVALID_FILE_ATTRIBUTES);
   EXPECT_FALSE(DeleteFileA(name.c_str()));
   EXPECT_EQ(CreateForWriting(name), INVALID_HANDLE_VALUE);
-  EXPECT_EQ(platform::OpenFileStream(name.c_str(), "r"), nullptr);
+  const std::string pipe = folder / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  for (const std::string& path : {name, pipe, "/dev/zero"s}) {
+    EXPECT_EQ(platform::OpenFileStream(path.c_str(), "r"), nullptr) << path;
+  }
+  for (const std::string& path : {name, pipe}) EXPECT_EQ(platform::OpenFileStream(path.c_str(), "w"), nullptr) << path;
 }
 
 TEST(PlatformFiles, MovingNeverReplacesAFile) {
@@ -73,16 +73,11 @@ TEST(PlatformFiles, WriteReportsWhatTheFileSizeLimitLeaves) {
   ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
   const HANDLE file = CreateForWriting(folder / "a");
   const std::string data(600, 'x');
-  DWORD first = 0;
-  DWORD second = 0;
-  DWORD third = 99;
-  const BOOL results[] = {WriteFile(file, data.data(), 600, &first, nullptr),
-                          WriteFile(file, data.data(), 600, &second, nullptr),
-                          WriteFile(file, data.data(), 600, &third, nullptr)};
+  std::vector<std::pair<BOOL, DWORD>> results(3, {TRUE, 99});
+  for (auto& [result, written] : results) result = WriteFile(file, data.data(), 600, &written, nullptr);
   CloseHandle(file);
   setrlimit(RLIMIT_FSIZE, &before);
-  EXPECT_EQ(std::vector<DWORD>({first, second, third}), std::vector<DWORD>({600, 400, 0}));
-  EXPECT_EQ(std::vector<BOOL>(results, results + 3), std::vector<BOOL>({TRUE, FALSE, FALSE}));
+  EXPECT_EQ(results, (std::vector<std::pair<BOOL, DWORD>>{{TRUE, 600}, {FALSE, 400}, {FALSE, 0}}));
 }
 
 TEST(PlatformFiles, StreamsOpenedForWritingAreTheOwnersAlone) {
@@ -93,37 +88,32 @@ TEST(PlatformFiles, StreamsOpenedForWritingAreTheOwnersAlone) {
     std::FILE* stream = platform::OpenFileStream((folder / name).c_str(), "w");
     ASSERT_NE(stream, nullptr);
     std::fclose(stream);
-    EXPECT_EQ(ModeOf(folder / name), 0600u) << name;
+    EXPECT_EQ(fs::status(folder / name).permissions(), fs::perms(0600)) << name;
   }
 }
 
 TEST(PlatformFiles, PatternsMatchAsThePublishedInterfaceDoes) {
   const TemporaryFolder folder;
   for (const char* name : {"T1", "t2.tmp", "T3.a.b", "xT", ".hidden"}) WriteWholeFile(folder / name, "");
-  struct Case {
-    const char* pattern;
-    std::vector<std::string> names;
-  };
-  const Case cases[] = {
+  const std::pair<const char*, std::vector<std::string>> cases[] = {
       {"T*.*", {"T1", "T3.a.b", "t2.tmp"}},
       {"*", {".", "..", ".hidden", "T1", "T3.a.b", "t2.tmp", "xT"}},
       {"*.*", {".", "..", ".hidden", "T1", "T3.a.b", "t2.tmp", "xT"}},
       {"t?.t*p", {"t2.tmp"}},
       {"*T", {"xT"}},
       {"*.b", {"T3.a.b"}},
-      {"none*", {}},
-  };
-  for (const Case& each : cases) {
+      {"none*", {}}};
+  for (const auto& [pattern, expected] : cases) {
     std::vector<std::string> names;
     WIN32_FIND_DATAA data{};
-    const HANDLE find = FindFirstFileA((folder.path.string() + "\\" + each.pattern).c_str(), &data);
+    const HANDLE find = FindFirstFileA((folder.path.string() + "\\" + pattern).c_str(), &data);
     if (find != INVALID_HANDLE_VALUE) {
       do names.emplace_back(data.cFileName);
       while (FindNextFileA(find, &data));
       FindClose(find);
     }
     std::sort(names.begin(), names.end());
-    EXPECT_EQ(names, each.names) << each.pattern;
+    EXPECT_EQ(names, expected) << pattern;
   }
   WIN32_FIND_DATAA data{};
   EXPECT_EQ(FindFirstFileA((folder / "missing\\*").c_str(), &data), INVALID_HANDLE_VALUE);
@@ -141,11 +131,10 @@ TEST(PlatformFiles, TimeStampsComeInTheFormOfTheSystemTime) {
   ASSERT_TRUE(SystemTimeToFileTime(&known, &time));
   EXPECT_EQ(CompareFileTime(&time, &data.ftLastWriteTime), 0);
   SYSTEMTIME now{};
-  FILETIME nowTime{};
   GetSystemTime(&now);
-  ASSERT_TRUE(SystemTimeToFileTime(&now, &nowTime));
-  EXPECT_LT(CompareFileTime(&time, &nowTime), 0);
-  EXPECT_GT(CompareFileTime(&nowTime, &time), 0);
+  ASSERT_TRUE(SystemTimeToFileTime(&now, &time));
+  EXPECT_GT(CompareFileTime(&time, &data.ftLastWriteTime), 0);
+  EXPECT_LT(CompareFileTime(&data.ftLastWriteTime, &time), 0);
 }
 
 }  // namespace

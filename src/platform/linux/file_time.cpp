@@ -1,6 +1,7 @@
 // The current time and time stamps of files.
 #include "file_time.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 
@@ -11,6 +12,9 @@ using namespace std::chrono;
 using FileTicks = duration<std::int64_t, std::ratio<1, 10'000'000>>;
 
 constexpr sys_days fileEpoch = January / 1 / 1601;
+// Some file systems store times that the form cannot hold; those count as its first or last year.
+constexpr sys_seconds firstSecond = fileEpoch;
+constexpr sys_seconds lastSecond = sys_days{January / 1 / 30000};
 
 FILETIME FromTicks(FileTicks ticks) {
   const auto value = static_cast<std::uint64_t>(ticks.count());
@@ -26,7 +30,7 @@ std::uint64_t Value(const FILETIME& time) {
 namespace platform {
 
 FILETIME ToFileTime(const std::timespec& time) {
-  const sys_seconds second{seconds{time.tv_sec}};
+  const sys_seconds second = std::clamp(sys_seconds{seconds{time.tv_sec}}, firstSecond, lastSecond);
   return FromTicks(second - fileEpoch + duration_cast<FileTicks>(nanoseconds{time.tv_nsec}));
 }
 

@@ -93,18 +93,6 @@ bool Exists(const char* path) {
   return lstat(path, &status) == 0;
 }
 
-int OpenFlags(const char* mode) {
-  const bool both = std::strchr(mode, '+') != nullptr;
-  switch (mode[0]) {
-    case 'w':
-      return (both ? O_RDWR : O_WRONLY) | O_CREAT | O_TRUNC;
-    case 'a':
-      return (both ? O_RDWR : O_WRONLY) | O_CREAT | O_APPEND;
-    default:
-      return both ? O_RDWR : O_RDONLY;
-  }
-}
-
 }  // namespace
 
 namespace platform {
@@ -116,16 +104,23 @@ std::string NativePath(const char* path) {
 }
 
 std::FILE* OpenFileStream(const char* path, const char* mode) {
-  const int flags = OpenFlags(mode);
-  const int descriptor = open(NativePath(path).c_str(), flags | O_CLOEXEC, ownersFile);
+  const bool writing = mode[0] == 'w';
+  // Without waiting: a pipe in the place of the file would hold the host up until somebody opens its other end.
+  const int flags = (writing ? O_WRONLY | O_CREAT | O_TRUNC : O_RDONLY) | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+  const int descriptor = open(NativePath(path).c_str(), flags, ownersFile);
   if (descriptor < 0) return nullptr;
   struct stat status {};
-  // A folder opens for reading here, but it is no file.
-  bool usable = fstat(descriptor, &status) == 0 && !S_ISDIR(status.st_mode);
-  // A file that stood there before may be open to others. What it gets now is not for them.
-  if (usable && (flags & O_TRUNC) != 0 && S_ISREG(status.st_mode)) usable = fchmod(descriptor, ownersFile) == 0;
+  // Only files are read: folders open too, and a pipe, a terminal or a device may never come to an end.
+  const bool usable =
+      fstat(descriptor, &status) == 0 && (S_ISREG(status.st_mode) || (writing && S_ISCHR(status.st_mode)));
   std::FILE* stream = usable ? fdopen(descriptor, mode) : nullptr;
-  if (stream == nullptr) close(descriptor);
+  if (stream == nullptr) {
+    close(descriptor);
+    return nullptr;
+  }
+  // A file that stood there before may be open to others, whom its new content does not concern. Some file systems
+  // keep no such rights, and their files are written all the same.
+  if (writing && S_ISREG(status.st_mode)) fchmod(descriptor, ownersFile);
   return stream;
 }
 
