@@ -1,4 +1,5 @@
 // The file operations of the platform as the library relies on them.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
