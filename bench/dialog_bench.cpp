@@ -26,7 +26,13 @@ using Clock = std::chrono::steady_clock;
 // Stops the clock when a window is exposed, and closes it then.
 class ExposeWatch final : public QObject {
  public:
-  ExposeWatch() { qApp->installEventFilter(this); }
+  ExposeWatch() {
+    qApp->installEventFilter(this);
+    closer.setSingleShot(true);
+    connect(&closer, &QTimer::timeout, [] {
+      if (QWidget* dialog = QApplication::activeModalWidget()) dialog->close();
+    });
+  }
   double Seconds() const { return std::chrono::duration<double>(exposed - start).count(); }
 
  protected:
@@ -35,14 +41,13 @@ class ExposeWatch final : public QObject {
     if (event->type() != QEvent::Expose || window == nullptr || !window->isExposed() || seen) return false;
     seen = true;
     exposed = Clock::now();
-    QTimer::singleShot(0, [] {
-      if (QWidget* dialog = QApplication::activeModalWidget()) dialog->close();
-    });
+    closer.start(0);
     return false;
   }
 
  private:
   bool seen = false;
+  QTimer closer;
   Clock::time_point start = Clock::now();
   Clock::time_point exposed = start;
 };
@@ -65,7 +70,9 @@ struct Piece {
 // What the library's dialog consists of, read off its window.
 std::vector<Piece> PiecesOfSignIn() {
   std::vector<Piece> pieces;
-  QTimer::singleShot(0, [&pieces] {
+  QTimer reader;
+  reader.setSingleShot(true);
+  QObject::connect(&reader, &QTimer::timeout, [&pieces] {
     QWidget* window = QApplication::activeModalWidget();
     for (const QWidget* child : window->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
       const char* kind = "QLineEdit";
@@ -76,6 +83,7 @@ std::vector<Piece> PiecesOfSignIn() {
     }
     window->close();
   });
+  reader.start(0);
   Dialog(IDD_SIGN_IN).run(nullptr);
   return pieces;
 }

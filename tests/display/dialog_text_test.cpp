@@ -117,12 +117,15 @@ TEST_F(DialogTexts, ThatDoNotFitAreToldByAToolTip) {
       return 1;
     }
   };
-  QTimer::singleShot(0, [] {
+  QTimer user;
+  user.setSingleShot(true);
+  QObject::connect(&user, &QTimer::timeout, [] {
     QWidget* window = QApplication::activeModalWidget();
     EXPECT_EQ(window->findChild<QWidget*>(QString::number(IDC_HELP_PAGE))->toolTip(),
               QStringLiteral("A text that is far too long &lt;b&gt;here&lt;/b&gt;"));
     window->close();
   });
+  user.start(0);
   EXPECT_EQ(Crowded().run(nullptr), IDCANCEL);
 }
 

@@ -9,7 +9,9 @@ namespace {
 
 TEST(ModuleWithDialogs, IsLoadedAgainByAHostWithoutQt) {
   XSession screen(XSession::Manager::none);
-  const std::map<std::string, std::string> environment = {{"DISPLAY", screen.Name()}, {"WAYLAND_DISPLAY", ""}};
+  // Leaks are looked for below; at this host's end a thread of Qt's still runs, in which the search itself can crash.
+  const std::map<std::string, std::string> environment = {
+      {"DISPLAY", screen.Name()}, {"WAYLAND_DISPLAY", ""}, {"ASAN_OPTIONS", "detect_leaks=0"}};
   Process host({NV_PLAIN_HOST, NV_MODULE, "3"}, environment);
   for (const char* mapped : {"00", "11", "11"}) {
     EXPECT_EQ(host.Find("loaded"), mapped) << "Qt comes with the first window and stays";

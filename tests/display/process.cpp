@@ -21,6 +21,7 @@ constexpr int longestWait = 20'000;  // milliseconds
     value.empty() ? unsetenv(name.c_str()) : setenv(name.c_str(), value.c_str(), 1);
   }
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (const std::string& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
   arguments.push_back(nullptr);
   execvp(arguments[0], arguments.data());
@@ -72,7 +73,7 @@ std::string Process::ReadLine() {
     if (length <= 0) return {};
     unread.append(buffer, static_cast<std::size_t>(length));
   }
-  const std::string line = unread.substr(0, end);
+  std::string line = unread.substr(0, end);
   unread.erase(0, end + 1);
   return line;
 }

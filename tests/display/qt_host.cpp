@@ -50,9 +50,9 @@ int main(int argc, char** argv) {
   const char* module = argv[1];
   const std::string job = argv[2];
   QObject::connect(&application, &QCoreApplication::aboutToQuit, [] { std::cout << "quitting " << std::endl; });
-  QTimer::singleShot(0, [&] {
-    if (job == "quit") QTimer::singleShot(100, &QCoreApplication::quit);
-    if (job == "exit") QTimer::singleShot(100, [] { QCoreApplication::exit(0); });
+  QTimer work;
+  work.setSingleShot(true);
+  QObject::connect(&work, &QTimer::timeout, [&] {
     if (job == "cycles") {
       RunCycles(module);
       QCoreApplication::quit();
@@ -60,5 +60,13 @@ int main(int argc, char** argv) {
       nvsupport::testing::RunModuleCycle(module);
     }
   });
+  work.start(0);
+  QTimer end;
+  end.setSingleShot(true);
+  QObject::connect(&end, &QTimer::timeout, [&] {
+    if (job == "quit") QCoreApplication::quit();
+    if (job == "exit") QCoreApplication::exit(0);
+  });
+  end.start(100);
   return QApplication::exec();
 }

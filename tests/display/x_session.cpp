@@ -261,7 +261,7 @@ std::vector<std::uint32_t> XSession::ShownCursor() const {
       Own(xcb_xfixes_get_cursor_image_reply(connection, xcb_xfixes_get_cursor_image(connection), nullptr));
   if (image == nullptr) return {};
   const std::uint32_t* pixels = xcb_xfixes_get_cursor_image_cursor_image(image.get());
-  return {pixels, pixels + image->width * image->height};
+  return {pixels, pixels + xcb_xfixes_get_cursor_image_cursor_image_length(image.get())};
 }
 
 void XSession::WatchCursor() {

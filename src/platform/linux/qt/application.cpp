@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QThread>
 #include <cerrno>
+#include <cstddef>
+#include <new>
 
 #include "host_state.h"
 #include "usable_platform.h"
@@ -17,7 +19,8 @@ bool MakeApplication() {
   static int argumentCount = 1;
   static char* arguments[] = {program_invocation_name, nullptr};
   // Never destroyed: neither a plain host nor the loader gives it a moment at which that would be safe.
-  new QApplication(argumentCount, arguments);
+  alignas(QApplication) static std::byte room[sizeof(QApplication)];
+  new (room) QApplication(argumentCount, arguments);
   // The end of the dialogs is not the end of the program.
   QApplication::setQuitOnLastWindowClosed(false);
   QCoreApplication::setQuitLockEnabled(false);

@@ -152,6 +152,7 @@ void NameEdits(const std::vector<QWidget*>& widgets) {
 
 std::vector<QWidget*> MakeControlWidgets(const std::vector<ControlView>& controls, QDialog& dialog) {
   std::vector<QWidget*> widgets;
+  widgets.reserve(controls.size());
   for (const ControlView& view : controls) widgets.push_back(MakeControl(view, dialog));
   SeparateCheckBoxes(widgets);
   SetTabOrder(widgets);

@@ -73,7 +73,7 @@ void DialogWindow::SetOwner(OwnerWindow ownerWindow) {
   user::SetOwner(*this, owner.window);
 }
 
-void DialogWindow::Open() {
+void DialogWindow::ShowActive() {
   show();
   activateWindow();
 }

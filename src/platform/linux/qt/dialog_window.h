@@ -20,8 +20,7 @@ class DialogWindow final : public QDialog {
   void SetOwner(OwnerWindow ownerWindow);
   // `ended` tells that the core is done with the dialog; it lives until Retire.
   void SetRun(const bool& ended) { isEnded = &ended; }
-  // Shows and activates it.
-  void Open();
+  void ShowActive();
   // Hides it, gives the input back to its owner, reports nothing more, and lets the object go once no report is
   // underway.
   void Retire();

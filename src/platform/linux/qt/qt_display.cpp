@@ -94,7 +94,7 @@ bool QtDisplay::CreateDialogWindow(const DialogView& view) {
 }
 
 void QtDisplay::ShowDialogWindow(HWND dialog) {
-  if (DialogWindow* window = Find(dialog)) window->Open();
+  if (DialogWindow* window = Find(dialog)) window->ShowActive();
 }
 
 void QtDisplay::DestroyDialogWindow(HWND dialog) {
