@@ -57,17 +57,15 @@ TEST_F(Catalogue, ChangesOverOnlyToALanguageThatHasEntries) {
   EXPECT_EQ(catalogue->Language(), "Deutsch");
 }
 
-TEST_F(Catalogue, GoesBackToTheSourceTextsInEnglish) {
+TEST_F(Catalogue, NeedsNoFileForEnglishButUsesOne) {
   WriteLanguage("Deutsch", "Yes\tJa\n");
   EXPECT_TRUE(catalogue->SetLanguage("Deutsch"));
   EXPECT_TRUE(catalogue->SetLanguage("English"));
-  EXPECT_EQ(catalogue->Language(), "English");
   EXPECT_EQ(catalogue->Translate("Yes"), "Yes");
-
   EXPECT_TRUE(catalogue->SetLanguage("Deutsch"));
   WriteLanguage("English", "Yes\tAye\n");
   EXPECT_TRUE(catalogue->SetLanguage("English"));
-  EXPECT_EQ(catalogue->Translate("Yes"), "Aye") << "a file for English is used like any other";
+  EXPECT_EQ(catalogue->Translate("Yes"), "Aye");
 }
 
 TEST_F(Catalogue, LooksUpWholeTextsByteForByte) {

@@ -5,7 +5,6 @@
 #include <array>
 #include <random>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "storage/settings_file.h"
@@ -35,29 +34,17 @@ std::string SavedBytes(const CSettingsFile& settings) {
 }
 
 TEST(SettingsFile, ReadsLinesAsTheGrammarSays) {
-  // What a save of the entries writes tells all of them.
-  const std::pair<std::string, std::string> cases[] = {{"", ""},
-                                                       {"# nothing\n \t\n\r\n", ""},
-                                                       {" \t#note=1\n", ""},
-                                                       {"note=a#b", "note=a%23b\n"},
-                                                       {"a=1&b=2", "a=1\nb=2\n"},
-                                                       {"a&b=2", "b=2\n"},
-                                                       {"=x&b=2", "b=2\n"},
-                                                       {"a=old\na=&b=2", "a=old\nb=2\n"},
-                                                       {"a=1&", "a=1\n"},
-                                                       {"a=b=c", "a=b%3dc\n"},
-                                                       {"a=100%", "a=100\n"},
-                                                       {"a=old\na=%4", ""},
-                                                       {"a=50%zz", "a=50%25zz\n"},
-                                                       {"a=%%41", "a=%25%2541\n"},
-                                                       {"a=%41%42", "a=AB\n"},
-                                                       {"a=%e9&b=%E9", "a=%e9\nb=%e9\n"},
-                                                       {"a=%00b", "a=%00b\n"},
-                                                       {"a=1\r\nb=\r2\0x\nc=3"s, "a=1\nb=2x\nc=3\n"},
-                                                       {" \ta\t = \t x y \t& b =2 ", "a=x+y\nb=2\n"},
-                                                       {"a+b=c+d&e%41=f", "a+b=c+d\ne%41=f\n"},
-                                                       {"[section]\nB=1\na=2\na=3", "B=1\na=3\n"}};
-  for (const auto& [bytes, saved] : cases) EXPECT_EQ(SavedBytes(Loaded(bytes)), saved) << bytes;
+  // What a save writes tells all the entries that were read.
+  const CSettingsFile settings = Loaded(
+      "# nothing\n \t\n\r\n \t#c1=1\n[section]\nc2=a#b\nd1=1&d2=2\nd3&d4=2\n=x&d5=2\nd6=old\nd6=&d7=2\nd8=1&\n"
+      "e1=b=c\ne2=100%\ne3=old\ne3=%4\ne4=50%zz\ne5=%%41\ne6=%41%42\ne7=%e9&e8=%E9\ne9=%00b\n"
+      "f1=1\r\nf2=\r2\0x\n \tf3\t = \t x y \t& f4 =2 \na+b=c+d&e%41=f\nF1=1\nf5=2\nf5=3"s);
+  EXPECT_EQ(SavedBytes(settings),
+            "F1=1\na+b=c+d\nc2=a%23b\nd1=1\nd2=2\nd4=2\nd5=2\nd6=old\nd7=2\nd8=1\ne%41=f\n"
+            "e1=b%3dc\ne2=100\ne4=50%25zz\ne5=%25%2541\ne6=AB\ne7=%e9\ne8=%e9\ne9=%00b\n"
+            "f1=1\nf2=2x\nf3=x+y\nf4=2\nf5=3\n");
+  EXPECT_EQ(settings.GetText("e3", "absent"), "");
+  EXPECT_EQ(SavedBytes(Loaded("")) + SavedBytes(Loaded("# comment\n\n")), "");
 }
 
 TEST(SettingsFile, KeepsEntriesThatTheFileDoesNotName) {
@@ -81,12 +68,7 @@ TEST(SettingsFile, WritesTheBytesOfTheDocument) {
   const std::string example = testing::DocumentedBytes(NV_SOURCE_FOLDER "/docs/settings_format.md", "settings");
   EXPECT_EQ(SavedBytes(settings), example);
   EXPECT_EQ(Loaded(example).GetText("UserID"), "a b/c&d=e");
-}
-
-TEST(SettingsFile, WritesPlainMarksAsTheyAre) {
-  CSettingsFile settings;
-  settings.SetText("a", "azAZ09$-_.!*'() +%&=#~\n\x80"s + '\0');
-  EXPECT_EQ(SavedBytes(settings), "a=azAZ09$-_.!*'()+%2b%25%26%3d%23%7e%0a%80%00\n");
+  EXPECT_EQ(EncodeSettingsValue("azAZ09$-_.!*'() +%&=#~\n\x80\0"s), "azAZ09$-_.!*'()+%2b%25%26%3d%23%7e%0a%80%00");
 }
 
 TEST(SettingsFile, EveryValueThatIsNotEmptyComesBack) {
@@ -119,43 +101,37 @@ TEST(SettingsFile, TimeGrowsWithTheFileAlone) {
 }
 
 TEST(SettingsFile, NumbersAreTakenInEveryForm) {
-  const std::pair<const char*, std::int32_t> cases[] = {{"255", 255},
-                                                        {"0xff", 255},
-                                                        {"0377", 255},
-                                                        {"+7", 7},
-                                                        {"-7", -7},
-                                                        {"0xffffffff", -1},
-                                                        {"2147483647", 2147483647},
-                                                        {"12abc", 12},
-                                                        {"none", 0},
-                                                        {"", 0}};
   CSettingsFile settings;
-  EXPECT_EQ(settings.GetInt("n"), 0);
-  for (const auto& [text, number] : cases) {
+  const auto number = [&](const char* text) {
     settings.SetText("n", text);
-    EXPECT_EQ(settings.GetInt("n"), number) << text;
+    return settings.GetInt("n");
+  };
+  EXPECT_EQ(settings.GetInt("n"), 0);
+  for (const char* text : {"255", "0xff", "0XFF", "0377", "+255", " 255abc"}) EXPECT_EQ(number(text), 255) << text;
+  for (const char* text : {"-1", "0xffffffff", "-01"}) EXPECT_EQ(number(text), -1) << text;
+  for (const char* text : {"", "none", "0"}) EXPECT_EQ(number(text), 0) << text;
+  for (const std::int32_t value : {0, 1, -1, INT32_MAX, INT32_MIN, 255}) {
+    settings.SetInt("n", value);
+    EXPECT_EQ(settings.GetInt("n"), value);
   }
-  settings.SetInt("n", 255);
   EXPECT_EQ(settings.GetText("n"), "0xff");
-  for (const std::int32_t number : {0, 1, -1, INT32_MAX, INT32_MIN}) {
-    settings.SetInt("n", number);
-    EXPECT_EQ(settings.GetInt("n"), number);
-  }
 }
 
 TEST(SettingsFile, HexadecimalBytesStopAtSixteen) {
-  const std::pair<std::string, std::vector<std::uint8_t>> cases[] = {
-      {"", {}}, {"1", {}}, {"0aF", {10}}, {"g1zz", {1, 0}}, {std::string(33, 'f'), std::vector<std::uint8_t>(16, 255)}};
-  for (const auto& [digits, decoded] : cases) {
-    CSettingsFile settings;
+  CSettingsFile settings;
+  std::array<std::uint8_t, 16> bytes;
+  const auto decoded = [&](const std::string& digits) {
     settings.SetText("h", digits);
-    std::array<std::uint8_t, 16> bytes;
     bytes.fill(9);
-    EXPECT_EQ(settings.GetHex("missing", bytes), 0);
     const int count = settings.GetHex("h", bytes);
-    EXPECT_EQ(std::vector<std::uint8_t>(bytes.begin(), bytes.begin() + count), decoded) << digits;
     EXPECT_TRUE(std::all_of(bytes.begin() + count, bytes.end(), [](int byte) { return byte == 9; })) << digits;
-  }
+    return std::vector<int>(bytes.begin(), bytes.begin() + count);
+  };
+  EXPECT_EQ(settings.GetHex("h", bytes), 0);
+  EXPECT_EQ(decoded("1"), std::vector<int>());
+  EXPECT_EQ(decoded("0aF"), std::vector<int>({10}));
+  EXPECT_EQ(decoded("g1zz"), std::vector<int>({1, 0}));
+  EXPECT_EQ(decoded(std::string(33, 'f')), std::vector<int>(16, 255));
 }
 
 TEST(SettingsFile, SaveReportsWhatTheDiskRefuses) {

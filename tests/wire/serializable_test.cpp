@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "storage/scoped_handle.h"
 #include "support/documented_bytes.h"
 
 namespace nvsupport {
@@ -43,10 +44,7 @@ class NumberType final : public CSerializable::Type {
   std::unique_ptr<CSerializable> Create() override { return std::make_unique<Number>(); }
 } numberType;
 
-struct CloseFile {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
+using File = ScopedHandle<std::FILE*, std::fclose>;
 
 File FileOf(const std::string& bytes) {
   File file(std::tmpfile());
@@ -97,17 +95,15 @@ Result ReadOne(const std::string& bytes) {
   return {objects, reader.skipped, std::ftell(file.get())};
 }
 
-TEST(ObjectFile, WritesTheBytesOfTheDocument) {
+TEST(ObjectFile, WritesAndReadsTheExamplesOfItsDocument) {
+  constexpr const char* document = NV_SOURCE_FOLDER "/docs/object_file_format.md";
   CSerializableList empty;
   const File file = FileOf("");
   ChunkWriter writer{file.get()};
   EXPECT_TRUE(empty.WriteChunk(writer));
-  EXPECT_EQ(BytesOf(file.get()),
-            testing::DocumentedBytes(NV_SOURCE_FOLDER "/docs/object_file_format.md", "empty-list"));
-}
+  EXPECT_EQ(BytesOf(file.get()), testing::DocumentedBytes(document, "empty-list"));
 
-TEST(ObjectFile, ReadsTheExampleAroundTheUnknownChunk) {
-  const std::string example = testing::DocumentedBytes(NV_SOURCE_FOLDER "/docs/object_file_format.md", "list");
+  const std::string example = testing::DocumentedBytes(document, "list");
   const Result result = ReadOne(example);
   EXPECT_EQ(result.objects, "[ 42 [ -1 ] ] ");
   EXPECT_EQ(result.skipped, 1);
@@ -166,8 +162,7 @@ TEST(ObjectFile, ALostElementCostsItselfAlone) {
 
 TEST(ObjectFile, AnObjectSeesWhereItsChunkEnds) {
   const File file = FileOf(Chunk(numberId, Word(5) + "abc"));
-  ChunkReader reader{file.get()};
-  const std::unique_ptr<CSerializable> object = reader.ReadChunk();
+  const std::unique_ptr<CSerializable> object = ChunkReader{file.get()}.ReadChunk();
   EXPECT_EQ(dynamic_cast<Number&>(*object).endSeen, 15);
 }
 
