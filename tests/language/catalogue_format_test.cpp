@@ -30,38 +30,27 @@ std::string Widened(const std::string& text) {
 }
 
 TEST(CatalogueFormat, ReadsOddLinesAlikeInBothForms) {
-  const struct {
-    std::string text;
-    Entries entries;
-  } cases[] = {
+  const std::pair<std::string, Entries> cases[] = {
+      {"\n\nno tab\na1\t1\r\na2\t2\ta\r\n\ta3\t3\n\t\t\ta4\t4\n\tlost\na5\t\n\ta6\t\r\na7\t7\na7\t8\nno tab\tat the "
+       "end",
+       {{"a1", "1"}, {"a2", "2\ta"}, {"a3", "3"}, {"a4", "4"}, {"a6", ""}, {"a7", "8"}, {"no tab", "at the end"}}},
+      {"b\\n1\tc\\td\nC:\\temp\\x\tD\\\n\\\"b2\\\"\tB\\\\n\n\"say \"\"b3\"\"\"\t\"\"\"A\"\" "
+       "B\"\r\nb\"4\t\"c\nb\r5\tc\\\r\n",
+       {{"b\n1", "c\td"},
+        {"C:\temp\\x", "D\\"},
+        {"\"b2\"", "B\\n"},
+        {"say \"b3\"", "\"A\" B"},
+        {"b4", "c"},
+        {"b5", "c\\\r"}}},
+      {"\"\tempty\n&OK \tB\nOK\tC\nA\xE9\tB\xFF\nA\0B\tC\n"s,
+       {{"", "empty"}, {"&OK ", "B"}, {"OK", "C"}, {"A\xE9", "B\xFF"}, {"A\0B"s, "C"}}},
       {"", {}},
-      {"A\tB", {{"A", "B"}}},
-      {"A\tB\r\nC\tD\r\n", {{"A", "B"}, {"C", "D"}}},
-      {"no tab\nA\tB\n", {{"A", "B"}}},
-      {"A\tB\nno tab", {{"A", "B"}}},
-      {"\n\nA\tB\n\n", {{"A", "B"}}},
-      {"A\tB\tC\n", {{"A", "B\tC"}}},
-      {"\tA\tB\n", {{"A", "B"}}},
-      {"\t\t\tA\tB\n", {{"A", "B"}}},
-      {"\tA\nB\tC\n", {{"B", "C"}}},
-      {"A\t\nB\tC\n", {{"B", "C"}}},
       {"A\t", {}},
-      {"A\t\r\n", {{"A", ""}}},
-      {"\"\tA\n", {{"", "A"}}},
-      {"A\tB\nA\tC\n", {{"A", "C"}}},
-      {"a\\nb\tc\\td\n", {{"a\nb", "c\td"}}},
-      {"C:\\temp\\x\tD\\\n", {{"C:\temp\\x", "D\\"}}},
-      {"\\\"A\\\"\tB\\\\n\n", {{"\"A\"", "B\\n"}}},
-      {"\"say \"\"A\"\"\"\t\"\"\"A\"\" B\"\r\n", {{"say \"A\"", "\"A\" B"}}},
-      {"a\"b\t\"c\n", {{"ab", "c"}}},
-      {"a\rb\tc\\\r\n", {{"ab", "c\\\r"}}},
-      {"&OK \tB\nOK\tC\n", {{"&OK ", "B"}, {"OK", "C"}}},
-      {"A\xE9\tB\xFF\n", {{"A\xE9", "B\xFF"}}},
-      {"A\0B\tC\n"s, {{"A\0B"s, "C"}}},
+      {"A\tB\nno tab", {{"A", "B"}}},
   };
-  for (const auto& item : cases) {
-    EXPECT_EQ(ReadEntries(item.text), item.entries) << item.text;
-    EXPECT_EQ(ReadEntries(Widened(item.text)), item.entries) << "wide: " << item.text;
+  for (const auto& [text, entries] : cases) {
+    EXPECT_EQ(ReadEntries(text), entries) << text;
+    EXPECT_EQ(ReadEntries(Widened(text)), entries) << "wide: " << text;
   }
 }
 

@@ -59,12 +59,6 @@ TEST(CatalogueCheck, FindsMarksAndCharactersThatAreNotRead) {
   EXPECT_TRUE(CheckCatalogue("\xFF\xFEZ\0\t\0\xE9\0"s).empty());
 }
 
-TEST(CatalogueCheck, EscapesSoThatTheReaderGivesTheTextBack) {
-  for (const char* text : {"plain", "a\tb\nc", "say \"A\"", "\"\"", "C:\\new\\", "\\\"", "&OK "}) {
-    EXPECT_EQ(UnescapeCatalogueText(EscapeCatalogueText(text)), text);
-  }
-}
-
 TEST(CatalogueTool, AnswersByItsExitCode) {
   const testing::TemporaryFolder folder;
   testing::WriteWholeFile(folder / "bad.txt", "A\tB\nA\tC\n");
