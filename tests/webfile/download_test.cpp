@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -131,7 +132,7 @@ TEST_F(WebDownload, TakesAnEarlyEndAfterAnyByteForTheEnd) {
   const std::string body(5000, 'b');
   const Reply whole = HttpReply(200, body);
   const std::size_t head = whole.bytes.size() - body.size();
-  std::size_t cut = 0;
+  std::atomic<std::size_t> cut = 0;  // read by the server's thread
   RoutedServer server([&](const std::string&) { return CutAfter(whole, cut); });
   for (cut = 0; cut <= whole.bytes.size(); ++cut) {
     WriteWholeFile(file, old);
