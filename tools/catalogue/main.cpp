@@ -58,5 +58,10 @@ int Run(int argc, char** argv) {
 }  // namespace nvsupport
 
 int main(int argc, char** argv) {
-  return nvsupport::Run(argc, argv);
+  try {
+    return nvsupport::Run(argc, argv);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "nvcatalogue: %s\n", error.what());
+    return nvsupport::unusable;
+  }
 }

@@ -3,12 +3,14 @@
 
 #include <QApplication>
 #include <cstdio>
-#include <stdexcept>
+#include <exception>
 #include <string>
 
 #include "main_window.h"
 
-int main(int argc, char** argv) {
+namespace {
+
+int Run(int argc, char** argv) {
   QApplication application(argc, argv);
   CLI::App app("A window of a host application on the nvsupport library.", "nvhost-gui");
   std::string library = (QApplication::applicationDirPath() + "/nvsupport.so").toStdString();
@@ -18,13 +20,19 @@ int main(int argc, char** argv) {
   app.add_option("--product", product, "Product whose settings to use")->type_name("NAME")->capture_default_str();
   app.add_option("--host", host, "Server that products are downloaded from")->type_name("HOST")->capture_default_str();
   CLI11_PARSE(app, argc, argv);
+  const nvhost::NvSupport support(library);
+  support.openSession(product.c_str());
+  MainWindow window(support, product, host);
+  window.show();
+  return QApplication::exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
   try {
-    const nvhost::NvSupport support(library);
-    support.openSession(product.c_str());
-    MainWindow window(support, product, host);
-    window.show();
-    return QApplication::exec();
-  } catch (const std::runtime_error& error) {
+    return Run(argc, argv);
+  } catch (const std::exception& error) {
     std::fprintf(stderr, "nvhost-gui: %s\n", error.what());
     return 3;
   }

@@ -34,7 +34,7 @@ HINSTANCE ThisModule() {
 std::string LoadedFile(const void* address) {
   Dl_info info{};
   if (dladdr(address, &info) == 0 || info.dli_fname == nullptr) return {};
-  const std::string name = info.dli_fname;
+  std::string name = info.dli_fname;
   if (name.find('/') != std::string::npos) return name;
   // A program is named as it was started; the kernel knows its file.
   char program[PATH_MAX];
