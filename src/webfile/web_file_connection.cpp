@@ -29,6 +29,10 @@ void WebFileConnection::SetCallback(WebProgressCallback function, void* data) {
   callbackData = data;
 }
 
+bool WebFileConnection::GoesOn() const try { return callback == nullptr || callback(callbackData); } catch (...) {
+  return false;  // a host's exception must not leave half a transfer behind
+}
+
 bool WebFileConnection::ConnectIfNeeded() {
   if (state != State::unknown) return state == State::connected;
   state = State::failed;

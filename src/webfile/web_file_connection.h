@@ -51,7 +51,8 @@ class WebFileConnection {
   enum class State : std::int32_t { unknown, connected, failed };
 
   DWORD WithSecurity(DWORD flags) const { return secure ? flags | INTERNET_FLAG_SECURE : flags; }
-  bool GoesOn() const { return callback == nullptr || callback(callbackData); }
+  // False if the host stops the transfer.
+  bool GoesOn() const;
   // From the reply into an open file; true when the body is whole and written.
   bool ReceiveInto(HANDLE file);
 

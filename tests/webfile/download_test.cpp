@@ -162,6 +162,13 @@ TEST_F(WebDownload, StopsAtAnyCallOfTheCallback) {
   }
 }
 
+TEST_F(WebDownload, TakesAnExceptionOfTheCallbackForAStop) {
+  RoutedServer server(HttpReply(200, "new"));
+  const auto thrower = [](void*) -> bool { throw 1; };
+  EXPECT_FALSE(x77fc64c7(serverName, "x", file.c_str(), thrower, nullptr));
+  EXPECT_FALSE(std::filesystem::exists(temporary));
+}
+
 TEST_F(WebDownload, CallsNoServerWithoutAName) {
   RoutedServer server(HttpReply(200, "new"));
   EXPECT_FALSE(x77fc64c7("", "x", file.c_str(), nullptr, nullptr));

@@ -45,6 +45,7 @@ TEST(WebClient, DeliversABodyAsItsServerEndsIt) {
   const Case cases[] = {
       {"length", HttpReply(200, "12345"), "5", "12345"},
       {"empty", HttpReply(200, ""), "0", ""},
+      {"no content", {.bytes = "HTTP/1.1 204 No Content\r\n\r\n"}, "none", ""},
       {"no length", {.bytes = ok + "\r\n12345"}, "none", "12345"},
       {"old version", {.bytes = "HTTP/1.0 200 OK\r\n\r\n12345"}, "none", "12345"},
       {"bare line feeds", {.bytes = "HTTP/1.1 200 OK\nContent-Length: 5\n\n12345"}, "5", "12345"},
@@ -63,7 +64,7 @@ TEST(WebClient, DeliversABodyAsItsServerEndsIt) {
     RoutedServer server(entry.reply);
     Exchange exchange({.flags = notFollowed});
     ASSERT_TRUE(exchange.Send());
-    EXPECT_EQ(exchange.Status(), 200u);
+    EXPECT_EQ(exchange.Status() / 100, 2u);
     EXPECT_EQ(exchange.Length(), entry.length);
     EXPECT_EQ(exchange.Body(), entry.body);
   }
@@ -82,7 +83,10 @@ TEST(WebClient, HandsAReplyOverBeforeItsBodyComes) {
 
 TEST(WebClient, FollowsARedirectUnlessToldNotTo) {
   const auto redirect = [](int status, const std::string& place) {
-    return HttpReply(status, "moved", "Location: " + place + "\r\n");
+    Reply reply = HttpReply(status, "moved", "Location: " + place + "\r\n");
+    reply.piece = reply.bytes.size() - 5;  // the body comes when the head is long there
+    reply.pause = 10ms;
+    return reply;
   };
   struct Case {
     int status;

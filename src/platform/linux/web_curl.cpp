@@ -38,11 +38,17 @@ class Options {
   bool good = true;
 };
 
+// Null if the variable is not set or empty.
+const char* Variable(const char* name) {
+  const char* value = secure_getenv(name);
+  return value != nullptr && *value != '\0' ? value : nullptr;
+}
+
 void SetTrust(Options& options) {
   options.Set(CURLOPT_SSL_VERIFYPEER, 1L);
   options.Set(CURLOPT_SSL_VERIFYHOST, 2L);
-  const char* file = secure_getenv("SSL_CERT_FILE");
-  const char* folder = secure_getenv("SSL_CERT_DIR");
+  const char* file = Variable("SSL_CERT_FILE");
+  const char* folder = Variable("SSL_CERT_DIR");
   if (file == nullptr && folder == nullptr) return;
   // Null takes the system's store out.
   options.Set(CURLOPT_CAINFO, file);
@@ -74,7 +80,7 @@ CurlList MakeCurlList(const std::vector<std::string>& lines) {
 }
 
 CurlList MakeConnectToList() {
-  const char* variable = secure_getenv("NV_CONNECT_TO");
+  const char* variable = Variable("NV_CONNECT_TO");
   std::istringstream stream(variable != nullptr ? variable : "");
   std::vector<std::string> entries;
   for (std::string entry; std::getline(stream, entry, ',');) entries.push_back(entry);

@@ -13,6 +13,7 @@ constexpr std::size_t windowSize = 2 * webReceiveSize;
 constexpr std::size_t headLimit =
     std::size_t{256} * 1024;  // bytes of all heads of one exchange, interim replies included
 constexpr int redirectLimit = 10;
+constexpr long switchingProtocols = 101;
 
 bool IsRedirect(long status) {
   return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
@@ -37,7 +38,7 @@ bool WebExchange::Send(WebRequest request, std::string_view extraHeader, std::st
   window.resize(windowSize);
   for (int hop = 0; hop <= redirectLimit; ++hop) {
     if (!SendOnce(*url, request, extraHeader, body)) return false;
-    const std::string target = request.followRedirects ? RedirectTarget() : std::string();
+    const std::string target = request.followRedirects ? RedirectTarget(*url) : std::string();
     if (target.empty()) return true;
     url = target;
     request.secure = request.secure || target.starts_with("https:");
@@ -96,17 +97,22 @@ long WebExchange::StatusCode() const {
 }
 
 std::optional<std::int64_t> WebExchange::ContentLength() const {
+  // libcurl takes the body of some statuses for one of no bytes, whether the reply says so or not.
+  if (Header("Content-Length") == nullptr) return std::nullopt;
   curl_off_t length = -1;
   curl_easy_getinfo(easy.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
   return length < 0 ? std::nullopt : std::optional<std::int64_t>(length);
 }
 
-std::string WebExchange::RedirectTarget() const {
-  char* target = nullptr;
-  if (!IsRedirect(StatusCode()) || curl_easy_getinfo(easy.get(), CURLINFO_REDIRECT_URL, &target) != CURLE_OK) {
-    return {};
-  }
-  return target != nullptr ? target : "";
+const char* WebExchange::Header(const char* name) const {
+  curl_header* header = nullptr;
+  return curl_easy_header(easy.get(), name, 0, CURLH_HEADER, -1, &header) == CURLHE_OK ? header->value : nullptr;
+}
+
+std::string WebExchange::RedirectTarget(const std::string& url) const {
+  // libcurl tells the target only behind the body, which need not be waited for.
+  const char* location = IsRedirect(StatusCode()) ? Header("Location") : nullptr;
+  return location != nullptr ? ResolveUrl(url, location) : std::string();
 }
 
 template <typename Done>
@@ -156,7 +162,8 @@ std::size_t WebExchange::OnHead(char* data, std::size_t unit, std::size_t size, 
   auto* self = static_cast<WebExchange*>(exchange);
   const std::string_view line(data, unit * size);
   self->headBytes += line.size();
-  if (self->headBytes > headLimit) return 0;
+  // Nobody asked to switch protocols; what follows would be the body of a reply that never comes.
+  if (self->headBytes > headLimit || self->StatusCode() == switchingProtocols) return 0;
   const bool blank = line == "\r\n" || line == "\n";
   if (blank && self->StatusCode() >= 200) self->headDone = true;
   return line.size();

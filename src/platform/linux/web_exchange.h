@@ -54,8 +54,10 @@ class WebExchange {
   // Takes the transfer, if there is one, out of the multi handle.
   void Detach();
   bool SendOnce(const std::string& url, const WebRequest& request, std::string_view extraHeader, std::string_view body);
-  // Where to go next, empty if this reply is the final one.
-  std::string RedirectTarget() const;
+  // Value of a header of the latest reply, null if it has none.
+  const char* Header(const char* name) const;
+  // Where the reply to `url` sends the client, empty if this reply is the final one.
+  std::string RedirectTarget(const std::string& url) const;
   // Works and waits in turn until `done` or the transfer ends.
   template <typename Done>
   void Drive(Done done);

@@ -17,6 +17,8 @@ struct TextDeleter {
   void operator()(char* text) const { curl_free(text); }
 };
 
+using Url = std::unique_ptr<CURLU, UrlDeleter>;
+
 constexpr std::string_view blanks = " \t";
 
 // A line end or a zero in the middle of a text could smuggle a second request into the first.
@@ -30,7 +32,7 @@ std::string_view Trim(std::string_view text) {
   return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-// What would end the path within a URL or a request line is escaped; all else goes out as it stands.
+// What would end the path within a URL or a request line is escaped.
 std::string EscapedPath(std::string_view path) {
   std::string escaped;
   if (!path.starts_with('/')) escaped = "/";
@@ -62,7 +64,7 @@ std::optional<std::string> BuildUrl(const WebRequest& request) {
   if (request.host.empty() || HasControlCharacters(request.host) || HasControlCharacters(request.path)) {
     return std::nullopt;
   }
-  const std::unique_ptr<CURLU, UrlDeleter> url(curl_url());
+  const Url url(curl_url());
   // Setting the host as a part of its own checks that it is nothing but a host.
   char* text = nullptr;
   if (!url || curl_url_set(url.get(), CURLUPART_SCHEME, request.secure ? "https" : "http", 0) != CURLUE_OK ||
@@ -75,6 +77,20 @@ std::optional<std::string> BuildUrl(const WebRequest& request) {
   std::string base = text;
   if (base.ends_with('/')) base.pop_back();
   return base + EscapedPath(request.path);
+}
+
+std::string ResolveUrl(const std::string& base, const char* reference) {
+  const Url url(curl_url());
+  char* text = nullptr;
+  // A scheme that libcurl does not know must fail the transfer, not end the redirects.
+  if (!url || curl_url_set(url.get(), CURLUPART_URL, base.c_str(), CURLU_PATH_AS_IS) != CURLUE_OK ||
+      curl_url_set(url.get(), CURLUPART_URL, reference,
+                   CURLU_URLENCODE | CURLU_ALLOW_SPACE | CURLU_NON_SUPPORT_SCHEME) != CURLUE_OK ||
+      curl_url_get(url.get(), CURLUPART_URL, &text, 0) != CURLUE_OK) {
+    return {};
+  }
+  const std::unique_ptr<char, TextDeleter> owned(text);
+  return text;
 }
 
 std::optional<std::vector<std::string>> BuildHeaders(const WebRequest& request, std::string_view extra,

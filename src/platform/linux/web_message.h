@@ -25,6 +25,9 @@ struct WebRequest {
 // No value for a host or path that cannot be part of a URL.
 std::optional<std::string> BuildUrl(const WebRequest& request);
 
+// The URL that `reference`, as a redirect gives it, means in a reply to `base`; empty if it means none.
+std::string ResolveUrl(const std::string& base, const char* reference);
+
 // The header lines behind Host, in their order. extra: one further header, with or without a line end, or nothing.
 // No value if a line would not be well-formed.
 std::optional<std::vector<std::string>> BuildHeaders(const WebRequest& request, std::string_view extra,
