@@ -7,8 +7,8 @@
 #include <string>
 
 #include "mapshop/map_shop_reply.h"
+#include "support/routed_server.h"
 #include "support/run_program.h"
-#include "support/scripted_server.h"
 #include "support/temporary_home.h"
 
 namespace nvsupport::testing {
@@ -25,10 +25,7 @@ class Module : public ::testing::Test {
   static void ExpectNoGrowth(const std::string& job, int rounds) {
     const ProgramResult result = RunHost(job, rounds);
     ASSERT_EQ(result.exitCode, 0) << result.output;
-    long files = -1;
-    long threads = -1;
-    long mappings = -1;
-    long pages = -1;
+    long files = -1, threads = -1, mappings = -1, pages = -1;
     std::istringstream(result.output) >> files >> threads >> mappings >> pages;
     EXPECT_EQ(files, 0);
     EXPECT_EQ(threads, 0);
@@ -44,10 +41,7 @@ class Module : public ::testing::Test {
 // With a map shop that offers one product.
 class ModuleOnline : public Module {
  protected:
-  const ScriptedServer server{{HttpReply(200, ReplyWith({{"Norrland", 1, "N", "n.nvpkg", -2}}, 7).bytes)}};
-
- private:
-  const ScopedVariable connectTo{"NV_CONNECT_TO", server.ConnectTo(NV_SERVICE_HOST, 80)};
+  const RoutedServer server{HttpReply(200, ReplyWith({{"Norrland", 1, "N", "n.nvpkg", -2}}, 7).bytes), NV_SERVICE_HOST};
 };
 
 TEST_F(Module, ShowsTheTenExportsAndNothingElse) {

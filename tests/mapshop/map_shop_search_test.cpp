@@ -10,9 +10,8 @@
 
 #include "map_shop_reply.h"
 #include "support/documented_bytes.h"
-#include "support/scripted_server.h"
+#include "support/routed_server.h"
 #include "support/short_timeouts.h"
-#include "support/temporary_home.h"
 
 namespace nvsupport {
 namespace {
@@ -45,20 +44,15 @@ Found Search(const std::vector<MapShopPoint>& area = {}) {
 }
 
 // The map shop service for as long as it lives: answers each search with the next reply.
-class Service {
+class Service : public testing::RoutedServer {
  public:
-  explicit Service(std::vector<Reply> replies) : server(std::move(replies)) {}
+  explicit Service(std::vector<Reply> replies) : RoutedServer(std::move(replies), nullptr, NV_SERVICE_HOST) {}
   explicit Service(const std::string& body) : Service(std::vector{HttpReply(200, body)}) {}
 
-  std::vector<std::string> Requests() const { return server.Requests(); }
   std::string LastRequestBody() const {
-    const std::string request = server.Requests().back();
+    const std::string request = Requests().back();
     return request.substr(request.find("\r\n\r\n") + 4);
   }
-
- private:
-  testing::ScriptedServer server;
-  testing::ScopedVariable connectTo{"NV_CONNECT_TO", server.ConnectTo(NV_SERVICE_HOST, 80)};
 };
 
 Found SearchAnswered(const std::string& body) {
@@ -83,16 +77,17 @@ TEST(MapShopSearch, SendsThePointsAsTheyStandInMemory) {
   }
 }
 
-TEST(MapShopSearch, SpeaksAsTheFormatDocumentShows) {
+TEST(MapShopSearch, SpeaksAsTheFormatDocumentShowsAndLaysTheRecordOut) {
   const Service service(testing::DocumentedBytes(NV_WIRE_FORMAT_PAGE, "reply"));
   const Found found = Search({{50.5, 14.25}});
   EXPECT_EQ(service.LastRequestBody(), testing::DocumentedBytes(NV_WIRE_FORMAT_PAGE, "request"));
   ASSERT_EQ(found.items.size(), 1u);
-  EXPECT_STREQ(found.items[0].title, "Package: Caf\xE9");
-  EXPECT_EQ(found.items[0].firstValue, 7);
-  EXPECT_STREQ(found.items[0].shortText, "");
-  EXPECT_STREQ(found.items[0].fileReference, "a.nvPKG");
-  EXPECT_EQ(found.items[0].secondValue, -2);
+  const auto* record = reinterpret_cast<const char*>(&found.items[0]);
+  EXPECT_EQ(std::string(record, 4), "\7\0\0\0"s);
+  EXPECT_STREQ(record + 4, "Package: Caf\xE9");
+  EXPECT_STREQ(record + 204, "");
+  EXPECT_STREQ(record + 304, "a.nvPKG");
+  EXPECT_EQ(std::string(record + 1304, 4), "\xFE\xFF\xFF\xFF"s);
   EXPECT_EQ(found.closingValue, 9);
 }
 
@@ -112,20 +107,7 @@ TEST(MapShopSearch, AsksNobodyAboutAnAreaOutOfRange) {
   EXPECT_TRUE(service.Requests().empty());
 }
 
-TEST(MapShopSearch, LaysTheRecordOutForTheHost) {
-  const OfferedItem offered{"Title", 0x01020304, "Short", "file.map", -0x01020304};
-  const Found found = SearchAnswered(ReplyWith({offered}, 9, {11, 12, 13}).bytes);
-  ASSERT_EQ(found.items.size(), 1u);
-  const auto* record = reinterpret_cast<const char*>(&found.items[0]);
-  EXPECT_EQ(std::string(record, 4), "\4\3\2\1"s);
-  EXPECT_STREQ(record + 4, "Title");
-  EXPECT_STREQ(record + 204, "Short");
-  EXPECT_STREQ(record + 304, "file.map");
-  EXPECT_EQ(std::string(record + 1304, 4), "\xFC\xFC\xFD\xFE"s);
-  EXPECT_EQ(found.closingValue, 9);
-}
-
-TEST(MapShopSearch, MarksPackagesByTheSuffixOfTheirFile) {
+TEST(MapShopSearch, MarksPackagesByTheSuffixOfTheirFileAndCutsTexts) {
   const auto title = [](std::size_t length) { return std::string(length, 'T'); };
   const struct {
     std::string file, title, shown;
@@ -143,29 +125,19 @@ TEST(MapShopSearch, MarksPackagesByTheSuffixOfTheirFile) {
       {"a.nvpkg", title(199), "Package: " + title(190)},
       {"a.nvpkg", title(5000), "Package: " + title(190)},
       {"a.map", title(199), title(199)},
+      {"a.map", title(2000), title(199)},
       {std::string(993, 'f') + ".nvpkg", "Sea", "Package: Sea"},
       {std::string(994, 'f') + ".nvpkg", "Sea", "Sea"},
   };
   std::vector<OfferedItem> offered;
-  for (const auto& each : cases) offered.push_back({each.title, 0, "", each.file, 0});
+  for (const auto& each : cases) offered.push_back({each.title, 0, each.file, each.file, 0});
   const Found found = SearchAnswered(ReplyWith(offered, 0).bytes);
   ASSERT_EQ(found.items.size(), offered.size());
   for (std::size_t i = 0; i < offered.size(); ++i) {
     EXPECT_EQ(found.items[i].title, cases[i].shown) << cases[i].file;
+    EXPECT_EQ(found.items[i].shortText, cases[i].file.substr(0, 99));
     EXPECT_EQ(found.items[i].fileReference, cases[i].file.substr(0, 999));
   }
-}
-
-TEST(MapShopSearch, CutsTextsThatAreLongerThanTheirFields) {
-  const std::string text(2000, 'x');
-  const Found found = SearchAnswered(ReplyWith({{text, 1, text, text, 2}, {"b", 3, "c", "d", 4}}, 5).bytes);
-  ASSERT_EQ(found.items.size(), 2u);
-  EXPECT_EQ(found.items[0].title, text.substr(0, 199));
-  EXPECT_EQ(found.items[0].shortText, text.substr(0, 99));
-  EXPECT_EQ(found.items[0].fileReference, text.substr(0, 999));
-  EXPECT_EQ(found.items[0].secondValue, 2);
-  EXPECT_STREQ(found.items[1].fileReference, "d");
-  EXPECT_EQ(found.closingValue, 5);
 }
 
 // The low bytes of a value as far as they lie in front of `cut`; the missing ones are 0.
@@ -304,16 +276,6 @@ TEST(MapShopSearch, EndsAReplyAtAStringOverTheLimit) {
   }
   const OfferedItem longest{std::string(100000, 't'), 1, "s", "f", 2};
   EXPECT_EQ(SearchAnswered(ReplyWith({longest}, 9).bytes).closingValue, 9) << "the limit itself is allowed";
-}
-
-TEST(MapShopSearch, TakesABigReplyInItsOrder) {
-  constexpr std::int32_t count = 100000;
-  MapShopReply reply = ReplyOf(count);
-  for (std::int32_t i = 0; i < count; ++i) reply.Add({"title", i, "", "file", -i});
-  const Found found = SearchAnswered(reply.Close(3).bytes);
-  ASSERT_EQ(found.items.size(), static_cast<std::size_t>(count));
-  for (std::int32_t i = 0; i < count; ++i) ASSERT_EQ(found.items[static_cast<std::size_t>(i)].firstValue, i);
-  EXPECT_EQ(found.closingValue, 3);
 }
 
 TEST(MapShopSearch, GivesEachHandleItsOwnResults) {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "platform/platform.h"
-#include "routed_server.h"
+#include "support/routed_server.h"
 
 namespace nvsupport::testing {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "nvsupport/nvsupport.h"
-#include "routed_server.h"
+#include "support/routed_server.h"
 #include "support/short_timeouts.h"
 
 namespace nvsupport::testing {

@@ -19,6 +19,12 @@ using namespace std::chrono_literals;
 
 const std::string ok = "HTTP/1.1 200 OK\r\n";
 
+// An authority that the client trusts while the object lives.
+class TrustedAuthority : public TestAuthority {
+  const TemporaryFolder folder;
+  const ScopedVariable store{"SSL_CERT_FILE", (WriteWholeFile(folder / "ca.pem", Certificate()), folder / "ca.pem")};
+};
+
 double SecondsOf(const std::function<void()>& action) {
   const auto start = std::chrono::steady_clock::now();
   action();
@@ -93,11 +99,8 @@ TEST(WebClientFaults, EndsAnEndlessHead) {
 }
 
 TEST(WebClientFaults, TalksToNobodyButTheServerThatItsCertificateNames) {
-  const TestAuthority authority;
+  const TrustedAuthority authority;
   const TestAuthority other;
-  const TemporaryFolder folder;
-  WriteWholeFile(folder / "ca.pem", authority.Certificate());
-  const ScopedVariable store("SSL_CERT_FILE", folder / "ca.pem");
   struct Case {
     std::string name;
     TlsIdentity identity;
@@ -124,11 +127,8 @@ TEST(WebClientFaults, TalksToNobodyButTheServerThatItsCertificateNames) {
 }
 
 TEST(WebClientFaults, FollowsARedirectIntoTlsButNeverOutOfIt) {
-  const TestAuthority authority;
+  const TrustedAuthority authority;
   const TlsIdentity identity = authority.Issue(serverName);
-  const TemporaryFolder folder;
-  WriteWholeFile(folder / "ca.pem", authority.Certificate());
-  const ScopedVariable store("SSL_CERT_FILE", folder / "ca.pem");
   const auto redirect = [](const std::string& place) { return HttpReply(301, "", "Location: " + place + "\r\n"); };
   ScriptedServer plain({redirect("https://web.example/a")});
   ScriptedServer secure({HttpReply(200, "safe"), redirect("http://web.example/b")}, &identity);
@@ -145,11 +145,8 @@ TEST(WebClientFaults, FollowsARedirectIntoTlsButNeverOutOfIt) {
 
 // A server that goes in the middle of a request would raise a signal that ends a host which does not expect it.
 TEST(WebClientFaults, SurvivesAServerThatGoesWhileItIsSentTo) {
-  const TestAuthority authority;
+  const TrustedAuthority authority;
   const TlsIdentity identity = authority.Issue(serverName);
-  const TemporaryFolder folder;
-  WriteWholeFile(folder / "ca.pem", authority.Certificate());
-  const ScopedVariable store("SSL_CERT_FILE", folder / "ca.pem");
   const std::string body(8'000'000, 'b');
   for (const DWORD flags : {DWORD{0}, INTERNET_FLAG_SECURE}) {
     RoutedServer server(std::vector<Reply>{{.bytes = "", .end = Reply::End::reset}}, flags != 0 ? &identity : nullptr);

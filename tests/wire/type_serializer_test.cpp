@@ -78,13 +78,6 @@ TEST(TypeSerializer, ReadsBackEveryCharacterInBothForms) {
   }
 }
 
-TEST(TypeSerializer, IgnoresTheHighByteOfAUnit) {
-  MemoryChannel channel("\2\0\0\0\xE9\x00\xE9\x7B"s);
-  std::string text;
-  EXPECT_TRUE(channel.ReadString(text));
-  EXPECT_EQ(text, "\xE9\xE9");
-}
-
 TEST(TypeSerializer, RefusesStringsOverTheLimitAndStaysGood) {
   for (const std::uint32_t length : {100001u, 0x80000000u, 0xFFFFFFFFu}) {
     MemoryChannel channel(LengthBytes(length) + "rest");
@@ -100,25 +93,21 @@ TEST(TypeSerializer, RefusesStringsOverTheLimitAndStaysGood) {
   EXPECT_EQ(text.size(), 100000u);
 }
 
-TEST(TypeSerializer, KeepsTheCharactersThatCameBeforeAStringBrokeOff) {
-  MemoryChannel channel("\3\0\0\0a\0b"s);
+TEST(TypeSerializer, StaysBadOnceAReadBroughtNothing) {
+  MemoryChannel channel(
+      "\3\0\0\0\xE9\x7B"
+      "b"s);
   std::string text;
   EXPECT_FALSE(channel.ReadString(text));
-  EXPECT_EQ(text, "ab") << "half a unit brings its character";
+  EXPECT_EQ(text,
+            "\xE9"
+            "b")
+      << "a unit counts by its low byte, even half a unit";
   EXPECT_FALSE(channel.IsGood());
-}
-
-TEST(TypeSerializer, StaysBadOnceAReadBroughtNothing) {
-  MemoryChannel channel("\1\0"s);
+  channel.bytes += "\5\0"s;
   std::uint32_t value = 0xFFFFFFFF;
   channel.ReadValue(value);
-  EXPECT_EQ(value, 0xFFFF0001u) << "only the bytes that came change the value";
-  EXPECT_TRUE(channel.IsGood());
-  channel.ReadValue(value);
-  EXPECT_FALSE(channel.IsGood());
-  channel.bytes += "\5\0\0\0"s;
-  channel.ReadValue(value);
-  EXPECT_EQ(value, 5u) << "reads go on";
+  EXPECT_EQ(value, 0xFFFF0005u) << "reads go on; only the bytes that came change the value";
   EXPECT_FALSE(channel.IsGood());
 }
 
@@ -140,9 +129,6 @@ TEST(TypeSerializer, FillsFixedFieldsWithinTheirWidth) {
     EXPECT_STREQ(field, each.field.c_str());
     EXPECT_EQ(field[8], '#') << "nothing behind the field changes";
   }
-}
-
-TEST(TypeSerializer, LeavesAFixedFieldAsItWasWhenTheStringFails) {
   for (const std::string& bytes : {""s, "\4\0\0\0a\0"s, LengthBytes(100001)}) {
     MemoryChannel channel(bytes);
     char field[8] = "before!";
@@ -151,68 +137,46 @@ TEST(TypeSerializer, LeavesAFixedFieldAsItWasWhenTheStringFails) {
   }
 }
 
-TEST(TypeFile, CarriesItemsFromOneObjectToAnother) {
+TEST(TypeFile, CarriesItemsAndCountsOneCutAnywhereAsMissing) {
   const testing::TemporaryFolder folder;
   const std::string path = folder / "items";
   CTypeFileOut out(path.c_str());
   out.WriteValue(std::int32_t{-7});
   out.WriteString("text");
   EXPECT_TRUE(out.Close());
-  EXPECT_EQ(testing::ReadWholeFile(path), "\xF9\xFF\xFF\xFF\4\0\0\0t\0e\0x\0t\0"s);
-
-  CTypeFileIn in(path.c_str());
-  std::int32_t value = 0;
-  in.ReadValue(value);
-  std::string text;
-  EXPECT_TRUE(in.ReadString(text));
-  EXPECT_EQ(value, -7);
-  EXPECT_EQ(text, "text");
-  EXPECT_TRUE(in.IsGood());
-  in.ReadValue(value);
-  EXPECT_FALSE(in.IsGood()) << "the file has ended";
-}
-
-TEST(TypeFile, CountsAnItemCutAnywhereAsMissing) {
-  const testing::TemporaryFolder folder;
-  const std::string path = folder / "items";
-  const std::string whole = "\1\0\0\0\2\0\0\0a\0b\0"s;
-  for (std::size_t size = 0; size < whole.size(); ++size) {
+  const std::string whole = testing::ReadWholeFile(path);
+  EXPECT_EQ(whole, "\xF9\xFF\xFF\xFF\4\0\0\0t\0e\0x\0t\0"s);
+  for (std::size_t size = 0; size <= whole.size(); ++size) {
     testing::WriteWholeFile(path, whole.substr(0, size));
     CTypeFileIn in(path.c_str());
-    std::uint32_t value = 0;
+    std::int32_t value = 0;
     in.ReadValue(value);
-    EXPECT_EQ(in.IsGood(), size >= 4) << size;
+    EXPECT_EQ(in.IsGood() ? value : 0, size >= 4 ? -7 : 0) << size;
     std::string text;
-    EXPECT_FALSE(in.ReadString(text)) << size;
-    EXPECT_FALSE(in.IsGood()) << size;
+    EXPECT_EQ(in.ReadString(text), size == whole.size()) << size;
+    EXPECT_EQ(in.IsGood(), size == whole.size()) << size;
+    in.ReadValue(value);
+    EXPECT_FALSE(in.IsGood()) << "the file has ended";
   }
 }
 
-TEST(TypeFile, IsWithoutEffectWhenItCannotBeOpened) {
+TEST(TypeFile, IsWithoutEffectWhenItCannotBeOpenedAndTurnsBadInTheWrongDirection) {
   const testing::TemporaryFolder folder;
-  const std::string path = folder / "missing/items";
-  CTypeFileOut out(path.c_str());
-  out.WriteString("text");
-  EXPECT_FALSE(out.IsGood());
-  EXPECT_FALSE(out.Close());
-  CTypeFileIn in(path.c_str());
-  std::int32_t value = 5;
-  in.ReadValue(value);
-  EXPECT_FALSE(in.IsGood());
-  EXPECT_EQ(value, 5);
-  EXPECT_TRUE(std::filesystem::is_empty(folder.path));
-}
-
-TEST(TypeFile, TurnsBadInTheWrongDirection) {
-  const testing::TemporaryFolder folder;
-  const std::string path = folder / "items";
-  CTypeFileOut out(path.c_str());
-  char byte = 0;
-  EXPECT_FALSE(out.Read(&byte, 1));
-  EXPECT_FALSE(out.IsGood());
-  CTypeFileIn in(path.c_str());
-  in.Write(&byte, 1);
-  EXPECT_FALSE(in.IsGood());
+  std::uint8_t byte = 5;
+  for (const bool missing : {true, false}) {
+    const std::string path = folder / (missing ? "missing/items" : "items");
+    CTypeFileOut out(path.c_str());
+    EXPECT_NE(out.IsGood(), missing);
+    EXPECT_FALSE(out.Read(&byte, 1));
+    EXPECT_FALSE(out.Close());
+    CTypeFileIn in(path.c_str());
+    EXPECT_NE(in.IsGood(), missing);
+    in.Write(&byte, 1);
+    in.ReadValue(byte);
+    EXPECT_FALSE(in.IsGood());
+    EXPECT_EQ(std::filesystem::exists(path), !missing);
+  }
+  EXPECT_EQ(byte, 5);
 }
 
 TEST(TypeFile, TellsAFullDiskAtTheLatestWhenItCloses) {
