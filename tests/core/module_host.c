@@ -25,30 +25,16 @@ static bool Find(void* library, const char* name, void* function) {
   return symbol != NULL;
 }
 
-/* These stand in front of the library's own, so that the host sees when the web client is set to work. */
+/* Stands in front of the library's own, so that the host sees when the web client is set to work. */
 static int webClientStarts = 0;
 
-int curl_global_init(long flags);
-void* curl_easy_init(void);
-
-static void FindInWebClient(const char* name, void* function) {
-  void* library = dlopen("libcurl.so.4", RTLD_LAZY | RTLD_NOLOAD);
-  Find(library, name, function);
-  dlclose(library);
-}
-
 int curl_global_init(long flags) {
+  void* library = dlopen("libcurl.so.4", RTLD_LAZY | RTLD_NOLOAD);
   int (*function)(long);
-  FindInWebClient("curl_global_init", &function);
+  Find(library, "curl_global_init", &function);
+  dlclose(library);
   ++webClientStarts;
   return function(flags);
-}
-
-void* curl_easy_init(void) {
-  void* (*function)(void);
-  FindInWebClient("curl_easy_init", &function);
-  ++webClientStarts;
-  return function();
 }
 
 static long CountEntries(const char* folder) {

@@ -15,7 +15,6 @@ struct CgiReply {
 CgiReply RunCgi(const std::string& program, const std::vector<std::string>& environment, const std::string& body);
 
 // A POST request over TLS with a correct length. The accounts are in the file `database`.
-CgiReply Post(const std::string& program, const std::string& database, const std::string& body,
-              const std::string& sessionSeconds = "3600");
+CgiReply Post(const std::string& program, const std::string& database, const std::string& body);
 
 #endif

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <nlohmann/json.hpp>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -12,37 +11,15 @@
 #include "local_service.h"
 #include "resources/resource_ids.h"
 #include "support/played_user.h"
+#include "support/run_program.h"
 
 namespace {
 
+using nvsupport::testing::ProgramResult;
 using nvsupport::testing::ReadWholeFile;
+using nvsupport::testing::RunProgram;
 
-constexpr const char* kHost = "service.norvane.example";
-
-TEST(EndToEnd, SearchDeliversTheProductsOfAnArea) {
-  const LocalService service;
-  const MapShopPoint area[] = {{45.8, 6.8}, {46.0, 7.0}};
-  const NVMapShopHandle handle = NSMapShopSearch(area, 2);
-  std::set<std::string> found;
-  for (MapShopItem item; NSMapShopGetNext(handle, &item);) found.insert(item.title);
-  EXPECT_EQ(found, (std::set<std::string>{"Chamonix and Mont Blanc", "Package: The Alps"}));
-  EXPECT_EQ(NSMapShopClose(handle), 38);
-}
-
-TEST(EndToEnd, FilesArriveWholeAndInParts) {
-  const LocalService service;
-  const std::string path = "/files/maps/fuji.nvmap";
-  const std::string served = ReadWholeFile(service.Path("www" + path));
-  ASSERT_EQ(served.size(), 96U * 1024);
-
-  const std::string file = service.Path("fuji.nvmap");
-  ASSERT_TRUE(NSDownloadWebFileProgress(kHost, path.c_str(), file.c_str(), nullptr, nullptr, nullptr));
-  EXPECT_EQ(ReadWholeFile(file), served);
-
-  std::string part(5000, '\0');
-  EXPECT_EQ(xfa704a3f(kHost, path.c_str(), 1234, 5000, part.data(), nullptr, nullptr), 5000);
-  EXPECT_EQ(part, served.substr(1234, 5000));
-}
+const std::string kHost = "service.norvane.example";
 
 TEST(EndToEnd, AnAccountIsMadeThroughTheDialogsAndOpensItsPage) {
   const LocalService service;
@@ -97,34 +74,33 @@ TEST(EndToEnd, AnAccountIsMadeThroughTheDialogsAndOpensItsPage) {
   }
 }
 
+// The host by the shell: arguments behind its name.
+ProgramResult RunHost(const std::string& arguments) {
+  return RunProgram({"sh", "-c", NV_HOST " " + arguments});
+}
+
 TEST(ExampleHost, ShowsWhatTheServiceOffers) {
   const LocalService service;
-  const CommandResult table = RunCommand(NV_HOST " search 38,-28 39,-27");
-  EXPECT_EQ(table.exitCode, 0);
-  EXPECT_NE(table.output.find("Açores  Topographic 1:50 000  files/maps/acores.nvmap"), std::string::npos)
-      << table.output;
+  const std::string table = RunHost("search 38,-28 39,-27").output;
+  EXPECT_NE(table.find("Açores  Topographic 1:50 000  files/maps/acores.nvmap"), std::string::npos) << table;
 
-  const CommandResult json = RunCommand(NV_HOST " search --json 45.8,6.8 46.0,7.0");
-  ASSERT_EQ(json.exitCode, 0);
-  const nlohmann::json results = nlohmann::json::parse(json.output);
+  const nlohmann::json results = nlohmann::json::parse(RunHost("search --json 45.8,6.8 46.0,7.0").output);
   ASSERT_EQ(results["items"].size(), 2U);
   EXPECT_EQ(results["items"][0]["package"], false);
   EXPECT_EQ(results["items"][1]["package"], true);
   EXPECT_EQ(results["items"][1]["firstValue"], 112);
+  EXPECT_EQ(results["closingValue"], 38);
 
+  const std::string path = "/files/maps/fiji.nvmap";
   const std::string file = service.Path("fiji.nvmap");
-  const CommandResult download =
-      RunCommand(NV_HOST " download " + std::string(kHost) + " /files/maps/fiji.nvmap " + file);
-  EXPECT_EQ(download.exitCode, 0) << download.output;
-  const std::string served = ReadWholeFile(service.Path("www/files/maps/fiji.nvmap"));
+  EXPECT_EQ(RunHost("download " + kHost + " " + path + " " + file).exitCode, 0);
+  const std::string served = ReadWholeFile(service.Path("www" + path));
   EXPECT_EQ(ReadWholeFile(file), served);
-  EXPECT_EQ(RunCommand(NV_HOST " read " + std::string(kHost) + " /files/maps/fiji.nvmap 7 1000").output,
-            served.substr(7, 1000));
+  EXPECT_EQ(RunHost("read " + kHost + " " + path + " 7 1000").output, served.substr(7, 1000));
 }
 
 TEST(ExampleHost, TellsFailuresApartByItsExitCode) {
   const LocalService service;
-  const std::string host = kHost;
   const struct {
     std::string command;
     int exitCode;
@@ -136,17 +112,17 @@ TEST(ExampleHost, TellsFailuresApartByItsExitCode) {
       {"--library /nowhere/nvsupport.so whoami --product P", 3, "/nowhere/nvsupport.so"},
       {"search 90.1,0", 4, "out of range"},
       {"search 0,-30", 5, "no products for this area"},
-      {"download " + host + " /files/none " + service.Path("none"), 7, "cannot be reached or does not give"},
-      {"read " + host + " /files/maps/fiji.nvmap 99999999 10", 7, "does not give these bytes"},
-      {"read " + host + " /files/maps/fiji.nvmap 294900 100", 7, "before all bytes were there"},
+      {"download " + kHost + " /files/none " + service.Path("none"), 7, "cannot be reached or does not give"},
+      {"read " + kHost + " /files/maps/fiji.nvmap 99999999 10", 7, "does not give these bytes"},
+      {"read " + kHost + " /files/maps/fiji.nvmap 294900 100", 7, "before all bytes were there"},
   };
   for (const auto& row : cases) {
-    const CommandResult result = RunCommand(NV_HOST " " + row.command + " 2>&1");
+    const ProgramResult result = RunHost(row.command + " 2>&1");
     EXPECT_EQ(result.exitCode, row.exitCode) << row.command;
     EXPECT_NE(result.output.find(row.message), std::string::npos) << row.command << ": " << result.output;
   }
-  const nvsupport::testing::ScopedVariable nowhere("NV_CONNECT_TO", host + ":80:127.0.0.1:1");
-  EXPECT_EQ(RunCommand(NV_HOST " search 2>/dev/null").exitCode, 6);
+  const nvsupport::testing::ScopedVariable nowhere("NV_CONNECT_TO", kHost + ":80:127.0.0.1:1");
+  EXPECT_EQ(RunHost("search 2>/dev/null").exitCode, 6);
 }
 
 }  // namespace

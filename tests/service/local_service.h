@@ -24,11 +24,4 @@ class LocalService {
   std::vector<std::unique_ptr<nvsupport::testing::ScopedVariable>> environment;
 };
 
-// Runs a shell command and returns its standard output.
-struct CommandResult {
-  int exitCode = -1;
-  std::string output;
-};
-CommandResult RunCommand(const std::string& command);
-
 #endif

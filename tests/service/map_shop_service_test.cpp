@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "cgi_program.h"
-#include "protocol_page.h"
 #include "request.h"
 #include "service/map_shop_service.h"
 
@@ -37,8 +36,7 @@ std::vector<std::uint32_t> Found(const std::vector<Product>& products, const std
 }
 
 TEST(MapShopProgram, AnswersTheExampleOfTheProtocolPage) {
-  auto example = ProtocolExamples();
-  EXPECT_EQ(Post("mapstore2.cgi", "", example["search request"]).body, example["search reply"]);
+  EXPECT_EQ(Post("mapstore2.cgi", "", Example("search request")).body, Example("search reply"));
 }
 
 TEST(MapShopProgram, OffersEverythingWithoutPoints) {

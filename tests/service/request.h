@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <string>
 
+#include "support/documented_bytes.h"
+
 struct Request {
   std::string bytes;
 
@@ -26,17 +28,15 @@ struct Request {
   }
 };
 
+// An example of the protocol page.
+inline std::string Example(const std::string& name) {
+  return nvsupport::testing::DocumentedBytes(NV_PROTOCOL_PAGE, "hex " + name);
+}
+
 inline std::string CreateAccount(const std::string& userId, const std::string& password, const std::string& email) {
-  return Request(10)
-      .Text(userId)
-      .Text(password)
-      .Text("A Name")
-      .Text("")
-      .Text(email)
-      .Byte(0)
-      .Word(124)
-      .Text("English")
-      .bytes;
+  Request request(10);
+  request.Text(userId).Text(password).Text("A Name").Text("").Text(email).Byte(0).Word(124).Text("English");
+  return request.bytes;
 }
 
 inline std::string SignIn(const std::string& userId, const std::string& password, std::uint32_t device = 1) {
