@@ -83,19 +83,20 @@ picture_dialogs() {
   host_pid=$!
   look_for "$(text "Sign in to Your Account")"
   take_picture "sign_in.$language"
-  if [[ $language == English ]]; then picture_message; fi
+  if [[ $language == English ]]; then picture_refusal message.English; fi
   make_account "Demo $language" "$language"
   wait "$host_pid"
   host_pid=
 }
 
-# What a wrong user ID brings.
-picture_message() {
+# Signs in with a user ID that nobody has, and takes a picture of the message alone or of window WINDOW behind it.
+# picture_refusal PICTURE [WINDOW]
+picture_refusal() {
   types "Nobody"
   xdotool type "secret 7"
   xdotool key Return
   look_for "$(text "Account Manager")"
-  take_picture "message.$language"
+  window=${2:-$window} take_picture "$1"
   xdotool key Return
   look_for "$(text "Sign in to Your Account")"
   xdotool key ctrl+a BackSpace shift+Tab ctrl+a BackSpace # both fields as they were, with the keyboard in the user ID
@@ -111,6 +112,7 @@ picture_window() {
   xdotool key alt+s alt+t # search, then ask for a token
   look_for "Sign in to Your Account"
   window=$main take_picture sign_in_window
+  picture_refusal nvhost_refused "$main"
   make_account "Demo Window"
   window=$main
   sleep 1 # the token
