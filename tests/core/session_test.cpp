@@ -71,10 +71,7 @@ TEST(Session, ReadsWhatTheOneBeforeSaved) {
   EXPECT_EQ(next.m_userId, "Ann B. & c=d");
   EXPECT_EQ(next.m_password, "secret99");
   EXPECT_FALSE(next.m_savePassword);
-
-  const ProbeSession other("Land Maps");
-  EXPECT_EQ(other.m_userId, "");
-  EXPECT_EQ(other.m_password, "");
+  EXPECT_EQ(ProbeSession("Land Maps").m_password, "");
 }
 
 TEST(Session, KeepsTheSavedPasswordOutOfSight) {
@@ -92,34 +89,25 @@ TEST(Session, KeepsTheSavedPasswordOutOfSight) {
   for (const char c : digits) EXPECT_TRUE(std::isdigit(c) || (c >= 'a' && c <= 'f')) << digits;
   // Neither the letters nor their codes, which a file without the mask would show.
   for (const char* plain : {"736563726574", "1d0f0d1c0f1e"}) EXPECT_EQ(digits.find(plain), std::string::npos);
-}
 
-TEST(Session, SavingReplacesTheWholeFile) {
-  const TemporaryHome home;
-  const std::string settings = SettingsOf(home, "P");
-  SaveAs("P", "ann", "secret99", true);
+  // Saving replaces the whole file; the password is not saved unless the user says so again.
   WriteWholeFile(settings, ReadWholeFile(settings) + "byhand=1\n");
-  ProbeSession session("P");
-  session.SaveProfile();
+  ProbeSession("P").SaveProfile();
   EXPECT_EQ(ReadWholeFile(settings), "UserID=ann\n");
 }
 
 TEST(Session, ReadsAnOddPasswordAsFarAsItGoes) {
-  // The form of "abcd": the first four codes under the mask, then the mask alone.
-  std::string digits;
-  {
-    const TemporaryHome home;
-    SaveAs("P", "u", "abcd", true);
-    CSettingsFile file;
-    ASSERT_TRUE(file.Load(SettingsOf(home, "P")));
-    digits = file.GetText("Passwd");
-  }
+  const TemporaryHome home;
+  SaveAs("P", "u", "abcd", true);
+  CSettingsFile file;
+  ASSERT_TRUE(file.Load(SettingsOf(home, "P")));
+  // The first four codes under the mask, then the mask alone.
+  const std::string digits = file.GetText("Passwd");
   const std::pair<std::string, const char*> cases[] = {
       {"", ""},         {digits.substr(0, 1), ""}, {digits.substr(0, 4), "ab"}, {digits.substr(0, 7), "abc"},
       {digits, "abcd"}, {digits + "0011", "abcd"},
   };
   for (const auto& [value, password] : cases) {
-    const TemporaryHome home;
     WriteWholeFile(SettingsOf(home, "P"), "UserID=u\nPasswd=" + value + "\n");
     const ProbeSession session("P");
     EXPECT_EQ(session.m_userId, "u");

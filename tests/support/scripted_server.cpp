@@ -1,8 +1,6 @@
 #include "support/scripted_server.h"
 
 #include <arpa/inet.h>
-#include <openssl/err.h>
-#include <openssl/pem.h>
 #include <openssl/ssl.h>
 #include <strings.h>
 #include <sys/socket.h>
@@ -34,25 +32,10 @@ ScriptedServer::Script InOrder(std::vector<Reply> replies) {
   };
 }
 
-template <typename Object, typename Reader, typename User>
-bool UsePem(const std::string& text, Reader read, void (*release)(Object*), User use) {
-  BIO* bio = BIO_new_mem_buf(text.data(), static_cast<int>(text.size()));
-  Object* object = read(bio, nullptr, nullptr, nullptr);
-  BIO_free(bio);
-  const bool used = object != nullptr && use(object) == 1;
-  release(object);
-  return used;
-}
-
 SSL_CTX* MakeContext(const TlsIdentity& identity) {
   SSL_CTX* context = SSL_CTX_new(TLS_server_method());
-  if (!UsePem<X509>(identity.certificate, PEM_read_bio_X509, X509_free,
-                    [&](X509* object) { return SSL_CTX_use_certificate(context, object); }) ||
-      !UsePem<EVP_PKEY>(identity.key, PEM_read_bio_PrivateKey, EVP_PKEY_free,
-                        [&](EVP_PKEY* object) { return SSL_CTX_use_PrivateKey(context, object); })) {
-    SSL_CTX_free(context);
-    throw std::runtime_error("no usable TLS identity");
-  }
+  SSL_CTX_use_certificate(context, identity.certificate.get());
+  SSL_CTX_use_PrivateKey(context, identity.key.get());
   return context;
 }
 
@@ -73,8 +56,14 @@ Reply CutAfter(Reply reply, std::size_t count) {
   return reply;
 }
 
-void ScriptedServer::ContextDeleter::operator()(SSL_CTX* object) const {
+void OpenSslDeleter::operator()(evp_pkey_st* object) const {
+  EVP_PKEY_free(object);
+}
+void OpenSslDeleter::operator()(ssl_ctx_st* object) const {
   SSL_CTX_free(object);
+}
+void OpenSslDeleter::operator()(x509_st* object) const {
+  X509_free(object);
 }
 
 // One connection, plain or TLS.

@@ -16,7 +16,10 @@
 #include <thread>
 #include <vector>
 
-struct ssl_ctx_st;  // of OpenSSL
+// Of OpenSSL.
+struct evp_pkey_st;
+struct ssl_ctx_st;
+struct x509_st;
 
 namespace nvsupport::testing {
 
@@ -36,10 +39,16 @@ Reply NoReply();
 // The first `count` bytes of a reply, then its end.
 Reply CutAfter(Reply reply, std::size_t count);
 
+struct OpenSslDeleter {
+  void operator()(evp_pkey_st* object) const;
+  void operator()(ssl_ctx_st* object) const;
+  void operator()(x509_st* object) const;
+};
+
 // What a TLS server shows of itself.
 struct TlsIdentity {
-  std::string certificate;  // PEM
-  std::string key;          // PEM
+  std::unique_ptr<x509_st, OpenSslDeleter> certificate;
+  std::unique_ptr<evp_pkey_st, OpenSslDeleter> key;
 };
 
 class ScriptedServer {
@@ -67,15 +76,12 @@ class ScriptedServer {
 
  private:
   class Channel;
-  struct ContextDeleter {
-    void operator()(ssl_ctx_st* context) const;
-  };
 
   void Serve();
   void Answer(Channel& channel);
 
   Script script;
-  std::unique_ptr<ssl_ctx_st, ContextDeleter> context;  // null: plain
+  std::unique_ptr<ssl_ctx_st, OpenSslDeleter> context;  // null: plain
   int listener = -1;
   std::uint16_t port = 0;
 

@@ -65,10 +65,7 @@ TEST(WebRange, TellsWholeFromBrokenFromNothing) {
       {"closed early", {.bytes = partial + "Content-Length: 5000\r\n\r\nbbb"}, 0, 1},
       {"silent", {.bytes = partial + "\r\nbbb", .end = Reply::End::hold}, 0, 1},
       {"reset", {.bytes = partial + "\r\nbbb", .end = Reply::End::reset, .pause = 30ms}, 0, 1},
-      {"301", HttpReply(301, body, "Location: /b\r\n"), -1, 0},
-      {"304", {.bytes = "HTTP/1.1 304 Not Modified\r\n\r\n"}, -1, 0},
       {"416", HttpReply(416, body), -1, 0},
-      {"500", HttpReply(500, body), -1, 0},
       {"nothing", {.bytes = ""}, -1, 0},
       {"never", NoReply(), -1, 0},
   };
@@ -88,14 +85,12 @@ TEST(WebRange, TellsWholeFromBrokenFromNothing) {
     }
   }
   EXPECT_EQ(xfa704a3f("", "a.map", 0, 1, nullptr, nullptr, nullptr), -1);
-}
-
-TEST(WebRange, StopsAtTheCallback) {
   RoutedServer server(HttpReply(206, "0123456789"));
   std::string buffer(10, '.');
-  const auto stop = [](void*) { return false; };
-  EXPECT_EQ(xfa704a3f(serverName, "a.map", 0, 10, buffer.data(), stop, nullptr), 0);
-  EXPECT_EQ(buffer, "0123456789");
+  EXPECT_EQ(xfa704a3f(
+                serverName, "a.map", 0, 10, buffer.data(), [](void*) { return false; }, nullptr),
+            0);
+  EXPECT_EQ(buffer, "0123456789") << "what came before the stop stays";
 }
 
 TEST(WebRange, WritesNothingBehindTheBuffer) {

@@ -33,7 +33,7 @@ TEST(WebClient, SendsNoHeadersOfItsOwn) {
   EXPECT_EQ(server.Requests(), expected);
 }
 
-TEST(WebClient, DeliversABodyAsItsServerEndsIt) {
+TEST(WebClient, UnderstandsOddReplies) {
   struct Case {
     std::string name;
     Reply reply;
@@ -43,21 +43,14 @@ TEST(WebClient, DeliversABodyAsItsServerEndsIt) {
   const std::string ok = "HTTP/1.1 200 OK\r\n";
   const std::string chunked = ok + "Transfer-Encoding: chunked\r\n\r\n";
   const Case cases[] = {
-      {"length", HttpReply(200, "12345"), "5", "12345"},
-      {"empty", HttpReply(200, ""), "0", ""},
       {"no content", {.bytes = "HTTP/1.1 204 No Content\r\n\r\n"}, "none", ""},
-      {"no length", {.bytes = ok + "\r\n12345"}, "none", "12345"},
       {"old version", {.bytes = "HTTP/1.0 200 OK\r\n\r\n12345"}, "none", "12345"},
       {"bare line feeds", {.bytes = "HTTP/1.1 200 OK\nContent-Length: 5\n\n12345"}, "5", "12345"},
-      {"short", {.bytes = ok + "Content-Length: 9\r\n\r\n12345"}, "9", "12345"},
-      {"long", {.bytes = ok + "Content-Length: 3\r\n\r\n12345"}, "3", "123"},
       {"beyond 64 bits", {.bytes = ok + "Content-Length: 99999999999999999999\r\n\r\n12345"}, "none", "12345"},
       {"chunked", {.bytes = chunked + "2\r\n12\r\n3;x=y\r\n345\r\n0\r\nTrailer: t\r\n\r\n"}, "none", "12345"},
-      {"cut chunk", {.bytes = chunked + "5\r\n123"}, "none", "123!"},
       {"bad chunk", {.bytes = chunked + "2\r\n12\r\nzz\r\n"}, "none", "12!"},
       {"interim", {.bytes = "HTTP/1.1 103 Wait\r\n\r\n" + ok + "\r\n12345"}, "none", "12345"},
       {"pieces", {.bytes = HttpReply(200, "12345").bytes, .piece = 1, .pause = 1ms}, "5", "12345"},
-      {"reset", {.bytes = ok + "\r\n12345", .end = Reply::End::reset, .pause = 50ms}, "none", "12345!"},
   };
   for (const Case& entry : cases) {
     SCOPED_TRACE(entry.name);
