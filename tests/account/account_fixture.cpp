@@ -17,20 +17,6 @@ std::string TitleOf(HWND dialog) {
 
 }  // namespace
 
-std::string Int(std::int32_t value) {
-  std::string bytes;
-  for (unsigned shift = 0; shift < 32; shift += 8) {
-    bytes += static_cast<char>((static_cast<std::uint32_t>(value) >> shift) & 0xFF);
-  }
-  return bytes;
-}
-
-std::string Text(const std::string& text) {
-  std::string bytes = Int(static_cast<std::int32_t>(text.size()));
-  for (const char byte : text) (bytes += byte) += (byte & 0x80) != 0 ? '\xFF' : '\0';
-  return bytes;
-}
-
 Reply Items(const std::string& body) {
   return HttpReply(200, body);
 }

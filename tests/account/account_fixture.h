@@ -1,5 +1,5 @@
 // The account tests' world: a home of their own, a played user, and the account service as a scripted TLS server under
-// its real name. Also the bytes of the service's items, written down independently of the library.
+// its real name.
 #ifndef NVSUPPORT_TESTS_ACCOUNT_ACCOUNT_FIXTURE_H
 #define NVSUPPORT_TESTS_ACCOUNT_ACCOUNT_FIXTURE_H
 
@@ -16,6 +16,7 @@
 #include "support/scripted_server.h"
 #include "support/temporary_home.h"
 #include "support/test_authority.h"
+#include "support/wire_items.h"
 
 namespace nvsupport::testing {
 
@@ -26,9 +27,6 @@ inline constexpr char signInTitle[] = "Sign in to Your Account";
 inline constexpr char createTitle[] = "Create an Online Account";
 inline constexpr char deviceTitle[] = "Give your Computer a Name";
 
-// Items of a message.
-std::string Int(std::int32_t value);
-std::string Text(const std::string& text);
 // A reply with that body.
 Reply Items(const std::string& body);
 

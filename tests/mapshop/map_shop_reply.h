@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "support/wire_items.h"
+
 namespace nvsupport::testing {
 
 // An item as the service has it, before fields cut it.
@@ -18,34 +20,15 @@ struct OfferedItem {
   std::int32_t secondValue = 0;
 };
 
-inline std::string Int32(std::uint32_t value) {
-  std::string bytes;
-  for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>(value >> shift);
-  return bytes;
-}
-
-inline std::string Int32(std::int32_t value) {
-  return Int32(static_cast<std::uint32_t>(value));
-}
-
-inline std::string Text(const std::string& text) {
-  std::string bytes = Int32(static_cast<std::uint32_t>(text.size()));
-  for (const char character : text) {
-    bytes += character;
-    bytes += static_cast<unsigned char>(character) >= 0x80 ? '\xFF' : '\0';
-  }
-  return bytes;
-}
-
 struct MapShopReply {
   MapShopReply& Add(const OfferedItem& item) {
-    bytes += Text(item.title) + Int32(item.firstValue) + Text(item.shortText) + Text(item.file);
+    bytes += Text(item.title) + Int(item.firstValue) + Text(item.shortText) + Text(item.file);
     lastValues.push_back(bytes.size());
-    bytes += Int32(item.secondValue);
+    bytes += Int(item.secondValue);
     return *this;
   }
   MapShopReply& Close(std::int32_t closingValue) {
-    bytes += Int32(closingValue);
+    bytes += Int(closingValue);
     return *this;
   }
 
@@ -56,9 +39,9 @@ struct MapShopReply {
 // The head of a reply: success, the words to drop, the count of items.
 inline MapShopReply ReplyOf(std::int32_t itemCount, const std::vector<std::int32_t>& dropped = {}) {
   MapShopReply reply;
-  reply.bytes = Int32(0) + Int32(static_cast<std::int32_t>(dropped.size()));
-  for (const std::int32_t word : dropped) reply.bytes += Int32(word);
-  reply.bytes += Int32(itemCount);
+  reply.bytes = Int(0) + Int(static_cast<std::int32_t>(dropped.size()));
+  for (const std::int32_t word : dropped) reply.bytes += Int(word);
+  reply.bytes += Int(itemCount);
   return reply;
 }
 

@@ -19,7 +19,7 @@ namespace {
 using namespace std::string_literals;
 using testing::CutAfter;
 using testing::HttpReply;
-using testing::Int32;
+using testing::Int;
 using testing::MapShopReply;
 using testing::OfferedItem;
 using testing::Reply;
@@ -73,7 +73,7 @@ TEST(MapShopSearch, SendsThePointsAsTheyStandInMemory) {
     EXPECT_EQ(Search(area).closingValue, 5);
     const auto count = static_cast<std::int32_t>(area.size());
     const std::string points(reinterpret_cast<const char*>(area.data()), area.size() * sizeof(MapShopPoint));
-    EXPECT_EQ(service.LastRequestBody(), Int32(101) + Int32(4) + Int32(count) + points + Int32(0)) << count;
+    EXPECT_EQ(service.LastRequestBody(), Int(101) + Int(4) + Int(count) + points + Int(0)) << count;
   }
 }
 
@@ -183,14 +183,10 @@ TEST(MapShopSearch, PaysForHostileCountsOnlyWithTheBytesThatCame) {
     std::size_t items;
     std::int32_t closing;
   } cases[] = {
-      {Int32(0) + Int32(huge) + Int32(1) + Int32(2), 0, 0},
-      {Int32(0) + Int32(-1) + Int32(1) + item + Int32(7), 1, 7},
-      {Int32(0) + Int32(0) + Int32(huge) + item + item, 2, 0},
-      {Int32(0) + Int32(0) + Int32(huge), 0, 0},
-      {Int32(0) + Int32(0) + Int32(-1) + Int32(7), 0, 7},
-      {Int32(0) + Int32(0) + Int32(0) + Int32(7) + "more", 0, 7},
-      {Int32(1) + Int32(0) + Int32(1) + item + Int32(7), 0, 0},
-      {Int32(-1), 0, 0},
+      {Int(0) + Int(huge) + Int(1) + Int(2), 0, 0},      {Int(0) + Int(-1) + Int(1) + item + Int(7), 1, 7},
+      {Int(0) + Int(0) + Int(huge) + item + item, 2, 0}, {Int(0) + Int(0) + Int(huge), 0, 0},
+      {Int(0) + Int(0) + Int(-1) + Int(7), 0, 7},        {Int(0) + Int(0) + Int(0) + Int(7) + "more", 0, 7},
+      {Int(1) + Int(0) + Int(1) + item + Int(7), 0, 0},  {Int(-1), 0, 0},
   };
   for (const auto& each : cases) {
     const auto start = std::chrono::steady_clock::now();
@@ -264,12 +260,12 @@ TEST(MapShopSearch, GivesUpOnAServerThatFallsSilent) {
 
 TEST(MapShopSearch, EndsAReplyAtAStringOverTheLimit) {
   const std::string whole = ReplyOf(3).Add({"first", 1, "s", "f", 2}).bytes;
-  const std::string rest = Int32(0) + Text("s") + Text("f") + Int32(0) + Int32(0) + Int32(0) + Int32(9);
-  const std::string begun[] = {"", Text("t") + Int32(0), Text("t") + Int32(0) + Text("s")};
+  const std::string rest = Int(0) + Text("s") + Text("f") + Int(0) + Int(0) + Int(0) + Int(9);
+  const std::string begun[] = {"", Text("t") + Int(0), Text("t") + Int(0) + Text("s")};
   for (const std::string& before : begun) {
     for (const std::uint32_t length : {100001u, 0xFFFFFFFFu}) {
       std::string reply = whole;
-      const Found found = SearchAnswered(reply.append(before).append(Int32(length)).append(rest));
+      const Found found = SearchAnswered(reply.append(before).append(Int(length)).append(rest));
       EXPECT_EQ(found.items.size(), 1u);
       EXPECT_EQ(found.closingValue, 0);
     }

@@ -65,10 +65,10 @@ TEST(AccountProgram, TellsTheStatusesThatTheDialogsKnow) {
       {"empty password", SignIn("Map Reader", ""), 5},
       {"unknown user", SignIn("Map Readers", "six6six"), 4},
       {"empty user ID", SignIn("", "six6six"), 4},
-      {"name: another password", Request(9).Text("mapreader").Text("x").Text("n").Word(1).Word(124).Word(0).bytes, 5},
-      {"name: unknown user", Request(9).Text("nobody").Text("x").Text("n").Word(1).Word(124).Word(0).bytes, 4},
-      {"token: another password", Request(11).Text("mapreader").Text("x").bytes, 5},
-      {"unknown operation", Request(12).Text("mapreader").Text("six6six").bytes, 1},
+      {"name: another password", Int(9) + Text("mapreader") + Text("x") + Text("n") + Int(1) + Int(124) + Int(0), 5},
+      {"name: unknown user", Int(9) + Text("nobody") + Text("x") + Text("n") + Int(1) + Int(124) + Int(0), 4},
+      {"token: another password", Int(11) + Text("mapreader") + Text("x"), 5},
+      {"unknown operation", Int(12) + Text("mapreader") + Text("six6six"), 1},
       {"a text beyond its limit", SignIn(std::string(1001, 'x'), "six6six"), 1},
   };
   for (const auto& row : cases) {
@@ -82,7 +82,7 @@ TEST(AccountProgram, KeepsPasswordsAndTokensOutOfItsFile) {
   const TemporaryFolder folder;
   const std::string database = folder / "accounts.sqlite";
   Post("svcapp.cgi", database, CreateAccount("reader", "verysecretword", "r@norvane.example"));
-  const std::string reply = Post("svcapp.cgi", database, Request(11).Text("reader").Text("VerySecretWord").bytes).body;
+  const std::string reply = Post("svcapp.cgi", database, Int(11) + Text("reader") + Text("VerySecretWord")).body;
   std::string token;
   for (std::size_t i = 8; i < reply.size(); i += 2) token.push_back(reply[i]);
   ASSERT_EQ(token.size(), 19U);
@@ -158,7 +158,7 @@ TEST(AccountServiceAnswer, IsNotUnderstoodForEveryCutRequest) {
     EXPECT_EQ(WordAt(service.Answer(request + '\0'), 0), 1U) << name << " with a byte too many";
   }
   for (const std::uint32_t length : {0x80000000U, 0xFFFFFFFFU, 0x7FFFFFFFU, 1001U}) {
-    EXPECT_EQ(WordAt(service.Answer(Request(11).Word(length).Text("secret").bytes), 0), 1U) << length;
+    EXPECT_EQ(WordAt(service.Answer(Int(11) + Int(length) + Text("secret")), 0), 1U) << length;
   }
 }
 

@@ -20,10 +20,8 @@ struct Point {
 };
 
 std::string Search(const std::vector<Point>& points) {
-  Request request(101);
-  request.Word(4).Word(static_cast<std::uint32_t>(points.size()));
-  for (const Point& point : points) request.Real(point.latitude).Real(point.longitude);
-  return request.Word(0).bytes;
+  const std::string block(reinterpret_cast<const char*>(points.data()), points.size() * sizeof(Point));
+  return Int(101) + Int(4) + Int(points.size()) + block + Int(0);
 }
 
 // The numbers of the products that a search finds.
@@ -91,7 +89,7 @@ TEST(MapShopSearch, IsNotUnderstoodForEveryCutRequest) {
   }
   for (const std::uint32_t count : {3U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
     std::string hostile = request;
-    hostile.replace(8, 4, Request(count).bytes);
+    hostile.replace(8, 4, Int(count));
     EXPECT_EQ(WordAt(AnswerSearch(hostile, {}), 0), 1U) << count;
   }
 }
