@@ -25,6 +25,15 @@ TEST(ModuleWithDialogs, IsLoadedAgainByAHostWithoutQt) {
   EXPECT_EQ(host.Join(), 0);
 }
 
+TEST(ModuleWithDialogs, LetAHostEndOrderlyThatLosesItsScreen) {
+  XSession screen(XSession::Manager::none);
+  Process host({NV_PLAIN_HOST, NV_MODULE, "1"},
+               {{"DISPLAY", screen.Name()}, {"WAYLAND_DISPLAY", ""}, {"ASAN_OPTIONS", "detect_leaks=0:exitcode=99"}});
+  screen.FindWindow("Sign in to Your Account");
+  screen.End();
+  EXPECT_EQ(host.Join(), 1) << "Qt's own exit(1), which nothing can hold back";
+}
+
 TEST(ModuleWithDialogs, LeavesNothingBehindInAHostWithQt) {
   Process host({NV_QT_HOST, NV_MODULE, "cycles"}, {{"QT_QPA_PLATFORM", "offscreen"}});
   EXPECT_EQ(host.Find("widgets"), "0");

@@ -39,6 +39,8 @@ class XSession {
 
   const std::string& Name() const { return name; }  // for DISPLAY
 
+  // Ends the X server under its programs; nothing can be asked of the screen any more.
+  void End() { server.reset(); }
   // The visible window with this title.
   xcb_window_t FindWindow(const std::string& title);
   bool IsGone(const std::string& title);

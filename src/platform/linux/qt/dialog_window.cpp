@@ -78,9 +78,13 @@ void DialogWindow::ShowActive() {
   activateWindow();
 }
 
-void DialogWindow::Retire() {
+void DialogWindow::Abandon() {
   events = nullptr;
   isEnded = nullptr;
+}
+
+void DialogWindow::Retire() {
+  Abandon();
   if (windowHandle() != nullptr && windowHandle()->isExposed()) KnownFrame() = windowHandle()->frameMargins();
   hide();
   if (owner.window != nullptr && owner.foreign == nullptr) owner.window->requestActivate();

@@ -13,7 +13,7 @@ namespace user {
 
 class DialogWindow final : public QDialog {
  public:
-  // The events are told until Retire.
+  // The events are told until Abandon or Retire.
   DialogWindow(const DialogView& view, DisplayEvents& coreEvents);
 
   const std::map<HWND, QWidget*>& Controls() const { return controls; }
@@ -21,6 +21,9 @@ class DialogWindow final : public QDialog {
   // `ended` tells that the core is done with the dialog; it lives until Retire.
   void SetRun(const bool& ended) { isEnded = &ended; }
   void ShowActive();
+  // Reports nothing more. For a dialog that is still open when the library goes, which is at the end of the process:
+  // Qt may be half gone, or its screen, and nothing else of the window is safe to touch.
+  void Abandon();
   // Hides it, gives the input back to its owner, reports nothing more, and lets the object go once no report is
   // underway.
   void Retire();
@@ -51,7 +54,7 @@ class DialogWindow final : public QDialog {
   void ReportLeftButton(const QMouseEvent& event, bool doubleClick);
 
   HWND handle;
-  DisplayEvents* events;          // null once retired
+  DisplayEvents* events;          // null once abandoned or retired
   const bool* isEnded = nullptr;  // null until the dialog runs
   OwnerWindow owner;
   std::map<HWND, QWidget*> controls;

@@ -41,8 +41,7 @@ QMessageBox::Icon IconOf(UINT type) {
 
 void QtDisplay::Use(DisplayEvents* coreEvents) {
   if (events == coreEvents) return;
-  const auto left = std::exchange(dialogs, {});
-  for (const auto& [handle, dialog] : left) dialog->Retire();
+  for (const auto& [handle, dialog] : std::exchange(dialogs, {})) dialog->Abandon();
   controlOwners.clear();
   events = coreEvents;
 }
