@@ -1,5 +1,6 @@
 // Downloads from a server on loopback against `curl -o` of the same file in the same run: wall time, processor time
-// and peak memory, each in a process of its own. Ratios of 1 and more are in our favour. TMPDIR says on which disk.
+// and peak memory, each in a process of its own. Ratios of 1 and more are in our favour. TMPDIR says on which disk. Run
+// it by itself: a new process begins with the peak of the one that it was forked from.
 #include <arpa/inet.h>
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
