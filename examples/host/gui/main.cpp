@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <string>
 
 #include "main_window.h"
@@ -11,15 +12,15 @@
 namespace {
 
 int Run(int argc, char** argv) {
-  QApplication application(argc, argv);
   CLI::App app("A window of a host application on the nvsupport library.", "nvhost-gui");
-  std::string library = (QApplication::applicationDirPath() + "/nvsupport.so").toStdString();
+  std::string library = std::filesystem::read_symlink("/proc/self/exe").replace_filename("nvsupport.so");
   std::string product = "Map Viewer";
   std::string host = NV_SERVICE_HOST;
   app.add_option("--library", library, "The support library to load")->type_name("PATH")->capture_default_str();
   app.add_option("--product", product, "Product whose settings to use")->type_name("NAME")->capture_default_str();
   app.add_option("--host", host, "Server that products are downloaded from")->type_name("HOST")->capture_default_str();
   CLI11_PARSE(app, argc, argv);
+  QApplication application(argc, argv);
   const nvhost::NvSupport support(library);
   support.openSession(product.c_str());
   MainWindow window(support, product, host);

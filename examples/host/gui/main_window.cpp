@@ -169,6 +169,7 @@ void MainWindow::Download() {
   status->setText(good        ? QString("%1: %2 bytes").arg(file).arg(counters.done)
                   : cancelled ? QString("Cancelled.")
                               : QString("The file could not be downloaded."));
+  if (closing) close();
 }
 
 bool MainWindow::OnProgress() {
@@ -200,6 +201,7 @@ void MainWindow::SetDownloading(bool active) {
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   cancelled = true;
-  // The transfer runs inside this window's own loop: let it stop first.
+  // A transfer runs above this window's own loop: it stops first, then the window closes.
+  closing = downloading;
   event->setAccepted(!downloading);
 }

@@ -42,6 +42,7 @@ class MainWindow : public QWidget {
   WebProgressCounters counters{};
   bool downloading = false;
   bool cancelled = false;
+  bool closing = false;  // as soon as the transfer has stopped
 
   QLabel* account = nullptr;
   QLineEdit* northWest = nullptr;
