@@ -8,11 +8,13 @@ function(nv_add_dialog_templates target script symbol)
   endif()
   find_program(NV_LLVM_RC NAMES llvm-rc llvm-rc-14 llvm-rc-15 llvm-rc-16 REQUIRED)
   set(stem ${CMAKE_CURRENT_BINARY_DIR}/${symbol})
+  # llvm-rc gets relative names: it would take an absolute one that begins like an option (/c..., /d...) for that option.
   add_custom_command(
     OUTPUT ${stem}.res
     COMMAND ${CMAKE_C_COMPILER} -E -P -x c -I${PROJECT_SOURCE_DIR}/src/resources -MD -MF ${stem}.d -MT ${stem}.res
             ${script} -o ${stem}.i.rc
-    COMMAND ${NV_LLVM_RC} /no-preprocess /fo ${stem}.res ${stem}.i.rc
+    COMMAND ${NV_LLVM_RC} /no-preprocess /fo ${symbol}.res ${symbol}.i.rc
+    WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}
     DEPENDS ${script}
     DEPFILE ${stem}.d
     VERBATIM)
