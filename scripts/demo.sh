@@ -36,7 +36,7 @@ echo "all there"
 
 step "Build"
 cmake --preset release >"$work/configure.log" 2>&1 || { cat "$work/configure.log"; exit 1; }
-cmake --build --preset release --target nvsupport nvsupport-qt nvsupport_catalogues nvhost nvhost-gui svcapp svcuser mapstore2
+cmake --build --preset release --target programs
 
 step "Local service (lighttpd on loopback, throw-away certificates)"
 # Slow enough to see the download at work.

@@ -25,7 +25,7 @@ scripts/check-exports.sh build/windows/nvsupport.dll
 
 step "Optimised build"
 cmake --preset release >/dev/null
-cmake --build --preset release
+cmake --build --preset release --target programs nvsupport-bench
 scripts/check-exports.sh build/release/nvsupport.so
 
 step "ThreadSanitizer"
