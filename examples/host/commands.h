@@ -24,6 +24,7 @@ enum ExitCode {
   kTransferFailed = 7,
   kNoToken = 8,
   kCannotWrite = 9,
+  kNoScreen = 10,
   kInterrupted = 130,  // as shells report Ctrl-C
 };
 

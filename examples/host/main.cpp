@@ -19,6 +19,7 @@ constexpr const char* kExitCodes =
     "  7    the transfer failed\n"
     "  8    no session token: the sign-in was cancelled or refused, or the service is out of reach\n"
     "  9    standard output cannot be written\n"
+    "  10   there is no screen for the window of gui\n"
     "  130  stopped with Ctrl-C";
 
 // The library stands beside the program in a build tree, in the folder for libraries when both are installed.

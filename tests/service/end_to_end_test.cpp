@@ -115,6 +115,7 @@ TEST(ExampleHost, TellsFailuresApartByItsExitCode) {
       {"download " + kHost + " /files/none " + service.Path("none"), 7, "cannot be reached or does not give"},
       {"read " + kHost + " /files/maps/fiji.nvmap 99999999 10", 7, "does not give these bytes"},
       {"read " + kHost + " /files/maps/fiji.nvmap 294900 100", 7, "before all bytes were there"},
+      {"gui", 10, "no screen"},
   };
   for (const auto& row : cases) {
     const ProgramResult result = RunHost(row.command + " 2>&1");
