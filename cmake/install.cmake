@@ -14,7 +14,7 @@ if(TARGET nvsupport-qt)
   install(TARGETS nvsupport-qt LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endif()
 if(TARGET nvhost)
-  install(TARGETS nvhost RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(TARGETS nvhost nvhost-gui RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 
 # find_package(nvsupport) gives the target nvsupport::nvsupport.

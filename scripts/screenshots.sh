@@ -34,8 +34,7 @@ text() {
   awk -F '\t' -v key="$1" '$1 == key { print $2 }' "$catalogues/nvsupport.$language.txt"
 }
 
-# Takes a picture of what the screen shows of `window` with its frame. Few colours keep the file
-# small.
+# Takes a picture of what the screen shows of `window` with its frame. Few colours keep the file small.
 take_picture() {
   local -r file=$pictures/$1.png
   local x y width height left right top bottom

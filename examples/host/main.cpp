@@ -1,7 +1,6 @@
 // nvhost: a host of the nvsupport library on the command line, written against its public header alone. It shows how
 // a host calls each export and is meant to be copied from.
 #include <cstdio>
-#include <filesystem>
 
 #include "commands.h"
 
@@ -22,17 +21,9 @@ constexpr const char* kExitCodes =
     "  10   there is no screen for the window of gui\n"
     "  130  stopped with Ctrl-C";
 
-// The library stands beside the program in a build tree, in the folder for libraries when both are installed.
-std::string FindLibrary() {
-  const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
-  const auto beside = folder / "nvsupport.so";
-  const auto installed = (folder / NVHOST_LIBRARY_FOLDER / "nvsupport.so").lexically_normal();
-  return std::filesystem::exists(beside) || !std::filesystem::exists(installed) ? beside : installed;
-}
-
 int Run(int argc, char** argv) {
   CLI::App app("Searches the map shop, moves files and signs in, through the nvsupport library.", "nvhost");
-  std::string library = FindLibrary();
+  std::string library = nvhost::FindLibrary();
   app.add_option("--library", library, "The support library to load")->type_name("PATH")->capture_default_str();
   app.require_subcommand(1);
   app.fallthrough();

@@ -17,6 +17,13 @@ void* Load(const std::string& path) {
 
 }  // namespace
 
+std::string FindLibrary() {
+  const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+  const auto beside = folder / "nvsupport.so";
+  const auto installed = (folder / NVHOST_LIBRARY_FOLDER / "nvsupport.so").lexically_normal();
+  return std::filesystem::exists(beside) || !std::filesystem::exists(installed) ? beside : installed;
+}
+
 void NvSupport::Unloader::operator()(void* loaded) const {
   dlclose(loaded);
 }

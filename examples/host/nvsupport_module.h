@@ -10,6 +10,9 @@
 
 namespace nvhost {
 
+// Where the library stands: beside the program in a build tree, in the folder for libraries when both are installed.
+std::string FindLibrary();
+
 class NvSupport {
   // The module stays loaded for as long as this object lives. Declared first: the exports are found in it.
   struct Unloader {

@@ -6,7 +6,6 @@
 #include <array>
 #include <cstdio>
 #include <exception>
-#include <filesystem>
 #include <string>
 
 #include "commands.h"
@@ -23,13 +22,17 @@ bool NamesScreen() {
 
 int Run(int argc, char** argv) {
   CLI::App app("A window of a host application on the nvsupport library.", "nvhost-gui");
-  std::string library = std::filesystem::read_symlink("/proc/self/exe").replace_filename("nvsupport.so");
+  std::string library = nvhost::FindLibrary();
   std::string product = "Map Viewer";
   std::string host = NV_SERVICE_HOST;
   app.add_option("--library", library, "The support library to load")->type_name("PATH")->capture_default_str();
   app.add_option("--product", product, "Product whose settings to use")->type_name("NAME")->capture_default_str();
   app.add_option("--host", host, "Server that products are downloaded from")->type_name("HOST")->capture_default_str();
-  CLI11_PARSE(app, argc, argv);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? nvhost::kDone : nvhost::kWrongArguments;
+  }
   if (!NamesScreen()) throw nvhost::Failure(nvhost::kNoScreen, "no screen for a window; DISPLAY is not set");
   QApplication application(argc, argv);
   const nvhost::NvSupport support(library);

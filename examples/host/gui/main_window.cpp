@@ -92,6 +92,9 @@ QWidget* MainWindow::MakeShopBox() {
   layout->addLayout(area);
   layout->addWidget(products);
   connect(searchButton, &QPushButton::clicked, this, [this] { Search(); });
+  for (const QLineEdit* corner : {northWest, southEast}) {
+    connect(corner, &QLineEdit::returnPressed, searchButton, &QPushButton::click);
+  }
   return box;
 }
 
