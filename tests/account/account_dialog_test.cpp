@@ -1,8 +1,7 @@
-// The account dialogs by themselves: how they open, what they refuse without asking the service, their web pages.
+// The account dialogs by themselves: how they open, what the sign-in saves, their web pages.
 #include "account_fixture.h"
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <thread>
@@ -14,116 +13,78 @@ using namespace testing;
 
 class AccountDialog : public AccountTest {};
 
-TEST_F(AccountDialog, OfTheSignInOpensWithWhatIsKnown) {
+constexpr Operation signIn = &CVServiceManager::Login;
+constexpr Operation create = &CVServiceManager::CreateAccount;
+constexpr Operation nameComputer = &CVServiceManager::SetDeviceName;
+
+TEST_F(AccountDialog, OpensWithWhatIsKnown) {
   const struct {
-    std::string profile;
-    Credentials shown;
+    const char* title;
+    Operation operation;
+    Credentials saved;
+    std::vector<std::pair<int, std::string>> fields;
     int focus;
   } cases[] = {
-      {"", {"", ""}, IDC_USER_ID},
-      {ProfileOf("ann"), {"ann", ""}, IDC_PASSWORD},
-      {ProfileOf("ann", "Secret 1"), {"ann", "secret1"}, IDC_PASSWORD},
-      {ProfileOf("", "Secret 1"), {"", ""}, IDC_USER_ID},
+      {signInTitle, signIn, {"", ""}, {{IDC_USER_ID, ""}, {IDC_PASSWORD, ""}}, IDC_USER_ID},
+      {signInTitle, signIn, {"ann", ""}, {{IDC_USER_ID, "ann"}, {IDC_PASSWORD, ""}}, IDC_PASSWORD},
+      {signInTitle, signIn, {"ann", "Secret 1"}, {{IDC_USER_ID, "ann"}, {IDC_PASSWORD, "secret1"}}, IDC_PASSWORD},
+      {signInTitle, signIn, {"", "secret1"}, {{IDC_USER_ID, ""}, {IDC_PASSWORD, ""}}, IDC_USER_ID},
+      {createTitle,
+       create,
+       {"ann", "secret1"},
+       {{IDC_USER_ID, "ann"}, {IDC_PASSWORD, "secret1"}, {IDC_RETYPE_PASSWORD, ""}},
+       IDC_USER_ID},
+      {deviceTitle,
+       nameComputer,
+       {"ann", ""},
+       {{IDC_COMPUTER_NAME, CServiceManager("Test Product").GetDeviceName()}},
+       IDC_COMPUTER_NAME},
   };
   for (const auto& row : cases) {
-    OpenSession(row.profile);
-    const Step look = Sees(signInTitle, [&](HWND dialog) {
-      EXPECT_EQ((Credentials{TextOf(dialog, IDC_USER_ID), TextOf(dialog, IDC_PASSWORD)}), row.shown);
-      EXPECT_EQ(user::FocusedControl(dialog), GetDlgItem(dialog, row.focus));
-      EXPECT_EQ(user::Record().selectedWhole, GetDlgItem(dialog, row.focus));
-      EXPECT_EQ(user::CheckStateShown(GetDlgItem(dialog, IDC_SAVE_PASSWORD)), 0);
+    OpenSession(row.saved);
+    const Step look = Sees(row.title, [&](HWND dialog) {
+      for (const auto& [id, text] : row.fields) EXPECT_EQ(TextOf(dialog, id), text) << row.title << ' ' << id;
+      EXPECT_EQ(user::FocusedControl(dialog), GetDlgItem(dialog, row.focus)) << row.title;
+      EXPECT_EQ(user::Record().selectedWhole, GetDlgItem(dialog, row.focus)) << row.title;
+      for (const int box : {IDC_SAVE_PASSWORD, IDC_KEEP_INFORMED}) {
+        const HWND control = GetDlgItem(dialog, box);
+        EXPECT_TRUE(control == nullptr || user::CheckStateShown(control) == 0) << row.title;
+      }
     });
-    EXPECT_FALSE(Run({look, Clicks(IDCANCEL)}, &CVServiceManager::Login));
+    EXPECT_FALSE(Run({look, Clicks(IDCANCEL)}, row.operation));
   }
 }
 
-TEST_F(AccountDialog, OfTheSignInSavesWhatIsTicked) {
-  Serve({Items(Int(0) + Int(0))});
+TEST_F(AccountDialog, OfTheSignInSavesThePasswordThatIsTicked) {
+  Serve({Int(0) + Int(0)});
   for (const bool ticked : {true, false}) {
-    OpenSession(ProfileOf("old", "oldpass"));
-    Steps steps = FillSignIn("Ann 1", "Secret-1");
-    if (ticked) steps.push_back(Clicks(IDC_SAVE_PASSWORD));
-    EXPECT_TRUE(Run(steps + Steps{Clicks(IDOK)}, &CVServiceManager::Login));
+    OpenSession({"old", "oldpass"});
+    EXPECT_TRUE(
+        Run(FillSignIn("Ann 1", "Secret-1") + Steps(ticked ? 1 : 0, Clicks(IDC_SAVE_PASSWORD)) + Steps{Clicks(IDOK)},
+            signIn));
     EXPECT_EQ(InForce(), (Credentials{"Ann 1", "Secret-1"}));
-    const std::string saved = Profile();
-    EXPECT_NE(saved.find("UserID="), std::string::npos);
-    EXPECT_EQ(saved.find("Passwd=") != std::string::npos, ticked);
-    OpenSession(saved);
-    EXPECT_EQ(InForce(), (Credentials{"Ann 1", ticked ? "secret1" : ""}));
+    EXPECT_EQ(CServiceManager("Test Product").GetUserId(), std::string("Ann 1"));
+    EXPECT_EQ(Profile().find("Passwd=") != std::string::npos, ticked);
   }
-}
-
-TEST_F(AccountDialog, OfTheSignInAsksForBothTextsBeforeItAsksTheService) {
-  Serve({Items(Int(0) + Int(0))});
-  for (const auto& [name, password] : {Credentials{"", "secret1"}, Credentials{"ann", ""}}) {
-    OpenSession();
-    person.boxes.clear();
-    EXPECT_FALSE(Run(FillSignIn(name, password) + Steps{Clicks(IDOK), Sees(signInTitle), Clicks(IDCANCEL)},
-                     &CVServiceManager::Login));
-    ASSERT_EQ(person.boxes.size(), 1u);
-    EXPECT_EQ(person.boxes[0].text, "You must provide a user name and password to access your account.");
-    EXPECT_EQ(person.boxes[0].type, MB_ICONINFORMATION);
-    EXPECT_EQ(person.boxOwners[0], signInTitle);
-  }
-  EXPECT_EQ(server->Connections(), 0);
-}
-
-TEST_F(AccountDialog, OfANewAccountComparesThePasswordsByteForByte) {
-  Serve({Items(Int(0))});
-  OpenSession(ProfileOf("old", "oldpass"));
-  const Step opened = Sees(createTitle, [](HWND dialog) {
-    EXPECT_EQ(TextOf(dialog, IDC_USER_ID), "old");
-    EXPECT_EQ(TextOf(dialog, IDC_PASSWORD), "oldpass");
-    EXPECT_EQ(TextOf(dialog, IDC_RETYPE_PASSWORD), "");
-    EXPECT_EQ(user::FocusedControl(dialog), GetDlgItem(dialog, IDC_USER_ID));
-    EXPECT_EQ(user::CheckStateShown(GetDlgItem(dialog, IDC_KEEP_INFORMED)), 0);
-  });
-  const Step refused = Sees(createTitle, [](HWND dialog) {
-    EXPECT_EQ(TextOf(dialog, IDC_PASSWORD), "secret1");
-    EXPECT_EQ(TextOf(dialog, IDC_RETYPE_PASSWORD), "");
-  });
-  EXPECT_FALSE(Run(Steps{opened} + FillAccount("ann", "secret1") +
-                       Steps{Types(IDC_RETYPE_PASSWORD, "Secret1"), Clicks(IDOK), refused, Clicks(IDCANCEL)},
-                   &CVServiceManager::CreateAccount));
-  ASSERT_EQ(person.boxes.size(), 1u);
-  EXPECT_EQ(person.boxes[0].text, "The passwords do not match");
-  EXPECT_EQ(person.boxes[0].type, MB_ICONERROR);
-  EXPECT_EQ(person.boxOwners[0], createTitle);
-  EXPECT_EQ(server->Connections(), 0);
-  EXPECT_EQ(InForce(), (Credentials{"old", "oldpass"}));
-}
-
-TEST_F(AccountDialog, OfTheComputersNameProposesItsOwn) {
-  char own[257] = {};
-  ASSERT_EQ(gethostname(own, sizeof own - 1), 0);
-  Serve({Items(Int(0))});
-  OpenSession();
-  const Step look = Sees(deviceTitle, [&](HWND dialog) { EXPECT_EQ(TextOf(dialog, IDC_COMPUTER_NAME), own); });
-  EXPECT_TRUE(Run({look, Clicks(IDOK)}, &CVServiceManager::SetDeviceName));
-  EXPECT_TRUE(Run({Types(IDC_COMPUTER_NAME, ""), Clicks(IDOK)}, &CVServiceManager::SetDeviceName));
-  ASSERT_EQ(Bodies().size(), 2u);
-  EXPECT_TRUE(Bodies()[0].starts_with(Int(9) + Int(0) + Int(0) + Text(own)));
-  EXPECT_TRUE(Bodies()[1].starts_with(Int(9) + Int(0) + Int(0) + Int(0)));
 }
 
 TEST_F(AccountDialog, OpensItsWebPagesAndStays) {
   const std::string opened = home.folder / "opened";
   WriteWholeFile(home.folder / "bin/xdg-open", "#!/bin/sh\necho \"$1\" >> '" + opened + "'\n");
   ASSERT_EQ(chmod((home.folder / "bin/xdg-open").c_str(), 0700), 0);
-  const char* const former = std::getenv("PATH");
-  const ScopedVariable path("PATH", home.folder / "bin:" + (former != nullptr ? former : ""));
+  const ScopedVariable path("PATH", home.folder / "bin:" + std::getenv("PATH"));
   const std::string help = "http://" NV_SERVICE_HOST "/WebHelp/account_management.htm";
   const struct {
     const char* title;
-    bool (CVServiceManager::*operation)(HWND);
+    Operation operation;
     int button;
     std::string page;
   } cases[] = {
-      {signInTitle, &CVServiceManager::Login, IDC_FORGOT, "https://" NV_SERVICE_HOST "/forgot.htm"},
-      {signInTitle, &CVServiceManager::Login, IDC_HELP_PAGE, help},
-      {createTitle, &CVServiceManager::CreateAccount, IDC_VIEW_POLICY, "http://" NV_WEB_HOST "/privacy.htm"},
-      {createTitle, &CVServiceManager::CreateAccount, IDC_HELP_PAGE, help},
-      {deviceTitle, &CVServiceManager::SetDeviceName, IDC_HELP_PAGE, help},
+      {signInTitle, signIn, IDC_FORGOT, "https://" NV_SERVICE_HOST "/forgot.htm"},
+      {signInTitle, signIn, IDC_HELP_PAGE, help},
+      {createTitle, create, IDC_VIEW_POLICY, "http://" NV_WEB_HOST "/privacy.htm"},
+      {createTitle, create, IDC_HELP_PAGE, help},
+      {deviceTitle, nameComputer, IDC_HELP_PAGE, help},
   };
   OpenSession();
   std::string expected;

@@ -22,13 +22,13 @@ namespace nvsupport::testing {
 
 using Step = PlayedUser::Step;
 using Steps = std::vector<Step>;
+using Operation = bool (CVServiceManager::*)(HWND);
+using Credentials = std::pair<std::string, std::string>;  // user ID, password
 
 inline constexpr char signInTitle[] = "Sign in to Your Account";
 inline constexpr char createTitle[] = "Create an Online Account";
 inline constexpr char deviceTitle[] = "Give your Computer a Name";
-
-// A reply with that body.
-Reply Items(const std::string& body);
+inline constexpr char exchangeFailed[] = "A problem occured communicating with the server";
 
 inline constexpr auto Types = &PlayedUser::Types;
 inline constexpr auto Clicks = &PlayedUser::Clicks;
@@ -41,40 +41,37 @@ Steps FillAccount(const std::string& user, const std::string& password);
 
 std::string TextOf(HWND dialog, int id);
 
-using Credentials = std::pair<std::string, std::string>;  // user ID, password
-
 class AccountTest : public ::testing::Test {
  protected:
   AccountTest();
-  ~AccountTest() override;
+  ~AccountTest() override { CloseSession(); }
 
-  // From now on requests are answered by these, one each and the last one again and again.
-  void Serve(std::vector<Reply> replies);
-  void Serve(ScriptedServer::Script script, const TlsIdentity& identity);
+  // From now on requests are answered by these bodies, one each and the last one again and again.
+  void Serve(const std::vector<std::string>& bodies);
+  void Serve(std::vector<Reply> replies, const TlsIdentity& shown);
   // From now on nobody answers.
   void ServeNobody();
-  // The bodies of the requests that the server has got, and their operation numbers.
-  std::vector<std::string> Bodies() const;
-  std::vector<int> Operations() const;
+  // The bodies of the requests that the server has got.
+  std::vector<std::string> Requests() const;
 
-  // A new session with this saved profile; an empty text means none. The text of a profile file.
-  void OpenSession(const std::string& profile = {});
-  static std::string ProfileOf(const std::string& user, const std::string& password = {});
-  std::string Profile() const;
+  // A new session, with nothing saved before it or with this user.
+  void OpenSession(const Credentials& saved = {});
+  // What the session holds now, and what is on disk.
+  static Credentials InForce();
+  std::string Profile() const { return ReadWholeFile(profile); }
 
   // Plays the steps, which must all be used up, around an operation.
-  bool Run(const Steps& steps, bool (CVServiceManager::*operation)(HWND));
-  // What the session holds, as its sign-in dialog opens with it: with no user ID, no password shows.
-  Credentials InForce();
+  bool Run(const Steps& steps, Operation operation);
 
   TemporaryHome home;
   TestAuthority authority;
-  TlsIdentity identity;
+  const TlsIdentity identity = authority.Issue(NV_SERVICE_HOST);
   std::unique_ptr<ScriptedServer> server;
   PlayedUser person;
 
  private:
-  ScopedVariable trust;
+  const std::string profile = home.folder / "data/Test Product-Service/settings.ini";
+  ScopedVariable trust{"SSL_CERT_FILE", home.folder / "authority.pem"};
   ScopedVariable connectTo{"NV_CONNECT_TO", ""};
 };
 
