@@ -21,54 +21,31 @@ using nvsupport::testing::RunProgram;
 
 const std::string kHost = "service.norvane.example";
 
-TEST(EndToEnd, AnAccountIsMadeThroughTheDialogsAndOpensItsPage) {
+TEST(EndToEnd, AnAccountIsMadeAndNoLogHoldsItsSecrets) {
   const LocalService service;
   const nvsupport::testing::TemporaryHome home;
   PlayedUser person;
   const auto types = &PlayedUser::Types;
   const auto clicks = &PlayedUser::Clicks;
-  // Signs in without an account, makes one, gives the computer a name; the later session signs in with other capitals.
   person.steps = {
       clicks(IDC_CREATE_ACCOUNT),
-      types(IDC_USER_ID, "Zoë Map"),
-      types(IDC_PASSWORD, "short"),
-      types(IDC_RETYPE_PASSWORD, "short"),
-      types(IDC_EMAIL, "zoe@maps"),
-      clicks(IDOK),
+      types(IDC_USER_ID, "Zo\u00eb Map"),
       types(IDC_PASSWORD, "Secret-7"),
       types(IDC_RETYPE_PASSWORD, "Secret-7"),
+      types(IDC_EMAIL, "zoe@maps"),
       clicks(IDOK),
       types(IDC_EMAIL, "zoe@norvane.example"),
       clicks(IDOK),
-      types(IDC_COMPUTER_NAME, "Desk & chair"),
-      clicks(IDOK),
-      types(IDC_USER_ID, "ZO MAP"),
-      types(IDC_PASSWORD, "wrong"),
-      clicks(IDOK),
-      types(IDC_PASSWORD, "SECRET7"),
       clicks(IDOK),
   };
   std::array<char, 20> token = {};
   x3e491215("Product");
   EXPECT_TRUE(xff99a5e4(nullptr, token.data()));
-  EXPECT_STREQ(x0d83f18d(), "Zoë Map");
-  x3e491215("Other product");
-  EXPECT_TRUE(xff99a5e4(nullptr, token.data()));
-
-  std::vector<std::string> told;
-  for (const auto& box : person.boxes) told.push_back(box.text.substr(0, box.text.find('.')));
-  EXPECT_EQ(told, (std::vector<std::string>{"The password must be at least 6 letters or numbers",
-                                            "You must provide a valid email address", "The Password is not correct"}));
-  const CgiReply page = RunCgi("svcuser.cgi",
-                               {"REQUEST_METHOD=GET", "HTTPS=on", std::string("QUERY_STRING=session=") + token.data(),
-                                "NV_SERVICE_DATABASE=" + service.Path("accounts.sqlite")},
-                               "");
-  EXPECT_EQ(page.httpStatus, 200);
-  EXPECT_NE(page.body.find("<b>Zoë Map</b>"), std::string::npos) << page.body;
-  EXPECT_NE(page.body.find("<li>Desk &amp; chair</li>"), std::string::npos) << page.body;
+  ASSERT_EQ(person.boxes.size(), 1U);
+  EXPECT_EQ(person.boxes[0].text, "You must provide a valid email address.");
   for (const char* log : {"access.log", "error.log", "cgi.log", "lighttpd.log"}) {
     const std::string text = ReadWholeFile(service.Path(std::string("log/") + log));
-    for (const std::string& secret : std::vector<std::string>{"Secret", "SECRET7", token.data()}) {
+    for (const auto& secret : std::vector<std::string>{"Secret", token.data()}) {
       EXPECT_EQ(text.find(secret), std::string::npos) << secret << " in " << log;
     }
   }
