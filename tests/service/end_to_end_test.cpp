@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "cgi_program.h"
 #include "local_service.h"
 #include "resources/resource_ids.h"
 #include "support/played_user.h"
