@@ -9,7 +9,7 @@ readonly build_packages=(
   ca-certificates cmake g++ llvm ninja-build pkg-config
   libbenchmark-dev libcli11-dev libcurl4-openssl-dev libgtest-dev libsodium-dev libsqlite3-dev libssl-dev
   nlohmann-json3-dev
-  libx11-dev libxcb-cursor-dev libxcb-xfixes0-dev libxcb-xtest0-dev libxcb1-dev qt6-base-dev
+  libx11-dev libxcb-cursor-dev libxcb-xfixes0-dev libxcb1-dev qt6-base-dev
   fonts-dejavu-core lighttpd lighttpd-mod-openssl openssl xdotool xvfb
 )
 readonly test_packages=(

@@ -27,11 +27,6 @@ void WaitForLine() {
   std::getline(std::cin, line);
 }
 
-class InnerDialog final : public Dialog {
- public:
-  InnerDialog() : Dialog(IDD_COMPUTER_NAME) {}
-};
-
 class ProbeDialog final : public Dialog {
  public:
   ProbeDialog() : Dialog(IDD_SIGN_IN) {}
@@ -40,15 +35,13 @@ class ProbeDialog final : public Dialog {
     TellPlaces();
     setItemText(IDC_USER_ID, "given");
     setItemText(IDC_SAVE_PASSWORD, "Sa&ve");
-    EnumChildWindows(hwnd, &MarkPassword, 0);
+    EnumChildWindows(hwnd, &MarkPassword, 0);  // as a catalogue may
     SendMessageA(hwnd, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(hwnd, IDC_USER_ID)), 1);
     return 0;
   }
 
   void onDestroy() override {
-    Tell("user", getItemText(IDC_USER_ID));
-    Tell("password", getItemText(IDC_PASSWORD));
-    Tell("save", isChecked(IDC_SAVE_PASSWORD));
+    Tell("fields", getItemText(IDC_USER_ID), getItemText(IDC_PASSWORD), isChecked(IDC_SAVE_PASSWORD));
     Dialog::onDestroy();
   }
 
@@ -62,7 +55,7 @@ class ProbeDialog final : public Dialog {
     } else if (id == IDC_FORGOT) {
       const BusyCursor quick;
     } else if (id == IDC_CREATE_ACCOUNT) {
-      Tell("inner", InnerDialog().run(hwnd));
+      Tell("inner", Dialog(IDD_COMPUTER_NAME).run(hwnd));
     } else {
       Dialog::onDialogCommand(id, control, code);
       return;
@@ -74,8 +67,7 @@ class ProbeDialog final : public Dialog {
   // The middle of each control, relative to the dialog's client area.
   void TellPlaces() const {
     std::ostringstream places;
-    for (const int id : {IDC_USER_ID, IDC_PASSWORD, IDC_SAVE_PASSWORD, IDC_CREATE_ACCOUNT, IDC_FORGOT, IDC_HELP_PAGE,
-                         IDOK, IDCANCEL}) {
+    for (const int id : {IDC_USER_ID, IDC_SAVE_PASSWORD, IDC_CREATE_ACCOUNT, IDC_FORGOT, IDC_HELP_PAGE, IDOK}) {
       RECT place{};
       GetWindowRect(GetDlgItem(hwnd, id), &place);
       POINT middle{(place.left + place.right) / 2, (place.top + place.bottom) / 2};
@@ -93,14 +85,6 @@ class ProbeDialog final : public Dialog {
   }
 };
 
-void RunDialogs(HWND owner, int times) {
-  for (int i = 0; i < times; ++i) {
-    if (i > 0) WaitForLine();
-    ProbeDialog dialog;
-    Tell("result", dialog.run(owner));
-  }
-}
-
 }  // namespace
 }  // namespace nvsupport
 
@@ -109,7 +93,10 @@ int main(int argc, char** argv) {
   const std::string job = argc > 1 ? argv[1] : "";
   if (job == "dialog" && argc > 2) {
     const auto owner = reinterpret_cast<HWND>(std::strtoull(argv[2], nullptr, 0));
-    RunDialogs(owner, argc > 3 ? std::atoi(argv[3]) : 1);
+    for (int left = argc > 3 ? std::atoi(argv[3]) : 1; left > 0; --left) {
+      Tell("result", ProbeDialog().run(owner));
+      if (left > 1) WaitForLine();
+    }
   } else if (job == "message") {
     SetMessageCaption("Caption");
     Tell("answer", ShowMessage(nullptr, MB_ICONERROR, "<b>Plain</b> text"));

@@ -3,14 +3,11 @@
 
 #include <QAccessible>
 #include <QApplication>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTimer>
 #include <filesystem>
 #include <functional>
-#include <utility>
-#include <vector>
 
 #include "language/translation_catalogue.h"
 #include "resources/resource_ids.h"
@@ -18,14 +15,6 @@
 
 namespace nvsupport {
 namespace {
-
-struct Form {
-  std::uint32_t id;
-  const char* name;
-};
-
-constexpr Form forms[] = {
-    {IDD_CREATE_ACCOUNT, "create_account"}, {IDD_SIGN_IN, "sign_in"}, {IDD_COMPUTER_NAME, "computer_name"}};
 
 class DialogTexts : public ::testing::Test {
  protected:
@@ -39,62 +28,60 @@ class DialogTexts : public ::testing::Test {
   }
   static void TearDownTestSuite() { delete application; }
 
-  // Runs a dialog, hands its window to `look` and ends it.
-  static void Show(std::uint32_t id, const std::function<void(QWidget&)>& look) {
-    QTimer user;
-    user.setSingleShot(true);
-    QObject::connect(&user, &QTimer::timeout, [&look] {
+  // Runs a dialog, hands its window to `look` and closes it.
+  static void Show(Dialog&& dialog, const std::function<void(QWidget&)>& look) {
+    QTimer::singleShot(0, [&look] {
       QWidget* window = QApplication::activeModalWidget();
       ASSERT_NE(window, nullptr);
       look(*window);
-      QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
-      QCoreApplication::sendEvent(window, &escape);
+      window->close();
     });
-    user.start(0);
-    EXPECT_EQ(Dialog(id).run(nullptr), IDCANCEL);
+    EXPECT_EQ(dialog.run(nullptr), IDCANCEL);
   }
 
   static QApplication* application;
 };
 QApplication* DialogTexts::application = nullptr;
 
+bool IsLabel(const QWidget* control) {
+  return qobject_cast<const QLabel*>(control) != nullptr;
+}
+
 // Labels may reach into the room of a neighbour that they leave empty; what is clicked may not.
-void ExpectApart(const QWidget& window, const std::string& where) {
-  const QList<QWidget*> controls = window.findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+void ExpectApart(const QList<QWidget*>& controls) {
   for (const QWidget* one : controls) {
     for (const QWidget* other : controls) {
-      if (one == other || qobject_cast<const QLabel*>(one) != nullptr ||
-          qobject_cast<const QLabel*>(other) != nullptr) {
-        continue;
-      }
+      if (one == other || IsLabel(one) || IsLabel(other)) continue;
       EXPECT_FALSE(one->geometry().intersects(other->geometry()))
-          << where << ": " << one->objectName().toStdString() << " and " << other->objectName().toStdString();
+          << one->objectName().toStdString() << " and " << other->objectName().toStdString();
     }
   }
 }
 
-void ExpectFit(const QWidget& window, const std::string& where) {
-  for (const QWidget* control : window.findChildren<QWidget*>()) {
-    EXPECT_TRUE(control->toolTip().isEmpty()) << where << ": " << control->toolTip().toStdString();
+void ExpectFitAndNamed(const QList<QWidget*>& controls) {
+  for (QWidget* control : controls) {
+    EXPECT_EQ(control->toolTip().toStdString(), "") << "a text that does not fit is also the tool tip";
+    if (qobject_cast<QLineEdit*>(control) == nullptr) continue;
+    EXPECT_FALSE(QAccessible::queryAccessibleInterface(control)->text(QAccessible::Name).isEmpty())
+        << control->objectName().toStdString() << " has no name for assistive tools";
   }
 }
 
 TEST_F(DialogTexts, FitTheirControlsInEveryShippedLanguage) {
   ASSERT_EQ(QFontInfo(QApplication::font()).family(), QStringLiteral("DejaVu Sans"));
-  // English first, while no catalogue is loaded.
-  std::vector<std::pair<std::string, std::string>> catalogues{{"English", ""}};
+  std::vector<std::string> catalogues{""};  // English first, while none is loaded
   for (const auto& file : std::filesystem::directory_iterator(NV_SOURCE_FOLDER "/src/resources/catalogues")) {
-    if (file.path().extension() != ".txt" || file.path().filename() == "CMakeLists.txt") continue;
-    catalogues.emplace_back(file.path().stem().extension().string().substr(1), file.path().string());
+    if (file.path().filename().string().starts_with("nvsupport.")) catalogues.push_back(file.path());
   }
   EXPECT_GT(catalogues.size(), 1u);
-  for (const auto& [language, path] : catalogues) {
+  for (const std::string& path : catalogues) {
     EXPECT_TRUE(path.empty() || translations.LoadCatalogueFile(path));
-    for (const Form& form : forms) {
-      const std::string name = std::string(form.name) + "." + language;
-      Show(form.id, [&name](QWidget& window) {
-        ExpectFit(window, name);
-        ExpectApart(window, name);
+    for (const std::uint32_t id : {IDD_CREATE_ACCOUNT, IDD_SIGN_IN, IDD_COMPUTER_NAME}) {
+      SCOPED_TRACE(path + " " + std::to_string(id));
+      Show(Dialog(id), [](const QWidget& window) {
+        const auto controls = window.findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+        ExpectFitAndNamed(controls);
+        ExpectApart(controls);
       });
     }
   }
@@ -109,28 +96,10 @@ TEST_F(DialogTexts, ThatDoNotFitAreToldByAToolTip) {
       return 1;
     }
   };
-  QTimer user;
-  user.setSingleShot(true);
-  QObject::connect(&user, &QTimer::timeout, [] {
-    QWidget* window = QApplication::activeModalWidget();
-    EXPECT_EQ(window->findChild<QWidget*>(QString::number(IDC_HELP_PAGE))->toolTip(),
+  Show(Crowded(), [](const QWidget& window) {
+    EXPECT_EQ(window.findChild<QWidget*>(QString::number(IDC_HELP_PAGE))->toolTip(),
               QStringLiteral("A text that is far too long &lt;b&gt;here&lt;/b&gt;"));
-    window->close();
   });
-  user.start(0);
-  EXPECT_EQ(Crowded().run(nullptr), IDCANCEL);
-}
-
-TEST_F(DialogTexts, NameEveryEditForAssistiveTools) {
-  for (const Form& form : forms) {
-    Show(form.id, [](QWidget& window) {
-      EXPECT_EQ(QAccessible::queryAccessibleInterface(&window)->text(QAccessible::Name), window.windowTitle());
-      for (QLineEdit* edit : window.findChildren<QLineEdit*>()) {
-        EXPECT_FALSE(QAccessible::queryAccessibleInterface(edit)->text(QAccessible::Name).isEmpty())
-            << edit->objectName().toStdString();
-      }
-    });
-  }
 }
 
 }  // namespace

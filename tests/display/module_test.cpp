@@ -8,15 +8,14 @@ namespace nvsupport::testing {
 namespace {
 
 TEST(ModuleWithDialogs, IsLoadedAgainByAHostWithoutQt) {
-  XSession screen(XSession::Manager::none);
+  XSession screen;
   // Leaks are looked for below; at this host's end a thread of Qt's still runs, in which the search itself can crash.
   const std::map<std::string, std::string> environment = {
       {"DISPLAY", screen.Name()}, {"WAYLAND_DISPLAY", ""}, {"ASAN_OPTIONS", "detect_leaks=0"}};
   Process host({NV_PLAIN_HOST, NV_MODULE, "3"}, environment);
   for (const char* mapped : {"00", "11", "11"}) {
     EXPECT_EQ(host.Find("loaded"), mapped) << "Qt comes with the first window and stays";
-    const xcb_window_t dialog = screen.FindWindow("Sign in to Your Account");
-    EXPECT_TRUE(WaitUntil([&] { return screen.HasFocus(dialog); }));
+    screen.Await("Sign in to Your Account");
     screen.Type("\033");
     EXPECT_EQ(host.Find("token"), "0");
     EXPECT_EQ(host.Find("unloaded"), "0");
@@ -26,10 +25,10 @@ TEST(ModuleWithDialogs, IsLoadedAgainByAHostWithoutQt) {
 }
 
 TEST(ModuleWithDialogs, LetAHostEndOrderlyThatLosesItsScreen) {
-  XSession screen(XSession::Manager::none);
+  XSession screen;
   Process host({NV_PLAIN_HOST, NV_MODULE, "1"},
                {{"DISPLAY", screen.Name()}, {"WAYLAND_DISPLAY", ""}, {"ASAN_OPTIONS", "detect_leaks=0:exitcode=99"}});
-  screen.FindWindow("Sign in to Your Account");
+  screen.Await("Sign in to Your Account");
   screen.End();
   EXPECT_EQ(host.Join(), 1) << "Qt's own exit(1), which nothing can hold back";
 }

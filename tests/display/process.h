@@ -14,8 +14,8 @@ class Process {
  public:
   // An empty value takes the variable out of the program's environment. Standard error goes where the output goes if
   // `withErrors`, else where the test's goes.
-  Process(const std::vector<std::string>& command, const std::map<std::string, std::string>& environment,
-          bool withErrors = false);
+  explicit Process(const std::vector<std::string>& command, const std::map<std::string, std::string>& environment = {},
+                   bool withErrors = false);
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;
   ~Process();

@@ -14,6 +14,8 @@
 
 namespace {
 
+using nvsupport::testing::RunModuleCycle;
+
 void PressEscape() {
   QWidget* dialog = QApplication::activeModalWidget();
   if (dialog == nullptr) return;
@@ -28,15 +30,9 @@ long long Held() {
 void RunCycles(const char* module) {
   constexpr int warmUp = 10;
   constexpr int cycles = 40;
-  long long before = 0;
-  QTimer user;
-  QObject::connect(&user, &QTimer::timeout, PressEscape);
-  user.start(1);
-  for (int i = 0; i < cycles; ++i) {
-    if (i == warmUp) before = Held();
-    nvsupport::testing::RunModuleCycle(module);
-  }
-  user.stop();
+  for (int i = 0; i < warmUp; ++i) RunModuleCycle(module);
+  const long long before = Held();
+  for (int i = warmUp; i < cycles; ++i) RunModuleCycle(module);
   std::cout << "widgets " << QApplication::allWidgets().size() << std::endl;
   std::cout << "windows " << QGuiApplication::allWindows().size() << std::endl;
   std::cout << "grown " << Held() - before << std::endl;
@@ -50,23 +46,14 @@ int main(int argc, char** argv) {
   const char* module = argv[1];
   const std::string job = argv[2];
   QObject::connect(&application, &QCoreApplication::aboutToQuit, [] { std::cout << "quitting " << std::endl; });
-  QTimer work;
-  work.setSingleShot(true);
-  QObject::connect(&work, &QTimer::timeout, [&] {
-    if (job == "cycles") {
-      RunCycles(module);
-      QCoreApplication::quit();
-    } else {
-      nvsupport::testing::RunModuleCycle(module);
-    }
+  QTimer user;
+  QObject::connect(&user, &QTimer::timeout, PressEscape);
+  if (job == "cycles") user.start(1);
+  if (job == "quit") QTimer::singleShot(100, [] { QCoreApplication::quit(); });
+  if (job == "exit") QTimer::singleShot(100, [] { QCoreApplication::exit(0); });
+  QTimer::singleShot(0, [&] {
+    job == "cycles" ? RunCycles(module) : RunModuleCycle(module);
+    if (user.isActive()) QCoreApplication::quit();
   });
-  work.start(0);
-  QTimer end;
-  end.setSingleShot(true);
-  QObject::connect(&end, &QTimer::timeout, [&] {
-    if (job == "quit") QCoreApplication::quit();
-    if (job == "exit") QCoreApplication::exit(0);
-  });
-  end.start(100);
   return QApplication::exec();
 }

@@ -1,5 +1,5 @@
-// A screen of a test's own (Xvfb on a free display number, with or without a window manager) and the user before it.
-// What is waited for comes within 20 seconds, or the test fails.
+// A screen of a test's own (Xvfb on a free display number, with or without a window manager) and the user before it,
+// whom xdotool plays. What is waited for comes within 20 seconds, or the test fails.
 #ifndef NVSUPPORT_TESTS_DISPLAY_X_SESSION_H
 #define NVSUPPORT_TESTS_DISPLAY_X_SESSION_H
 
@@ -7,7 +7,6 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,55 +31,38 @@ class XSession {
  public:
   enum class Manager { none, openbox };
 
-  explicit XSession(Manager manager);
+  explicit XSession(Manager manager = Manager::none);
   XSession(const XSession&) = delete;
   XSession& operator=(const XSession&) = delete;
-  ~XSession();
+  ~XSession() { xcb_disconnect(connection); }
 
   const std::string& Name() const { return name; }  // for DISPLAY
-
   // Ends the X server under its programs; nothing can be asked of the screen any more.
   void End() { server.reset(); }
-  // The visible window with this title.
-  xcb_window_t FindWindow(const std::string& title);
-  bool IsGone(const std::string& title);
+
+  // What the user does, in xdotool's words, such as "key alt+p". Gives what xdotool prints.
+  std::string Do(const std::string& actions) const;
+  void Type(const std::string& text) const;  // letters, digits and "\t\n\033 !@./-": Tab, Enter, Esc ...
+  void Click(xcb_window_t window, Place inside) const;
+  void CloseBox(xcb_window_t window) const;
+  void Drag(xcb_window_t window, Place from, Place by) const;
+
+  // The visible window with this title, once it has the input.
+  xcb_window_t Await(const std::string& title) const;
+  bool HasFocus(xcb_window_t window) const;
+  bool IsGone(const std::string& title) const;
   // Its client area on the screen.
   Area AreaOf(xcb_window_t window) const;
   xcb_window_t OwnerOf(xcb_window_t window) const;
-  // Whether it stands above another in the stacking order.
-  bool IsAbove(xcb_window_t window, xcb_window_t other) const;
-  bool HasFocus(xcb_window_t window) const;
   // A window of the test's own, as a host without Qt has one.
-  xcb_window_t MakeWindow(const Area& area);
-  void MoveWindow(xcb_window_t window, Place to);
-  void DestroyWindow(xcb_window_t window);
+  xcb_window_t MakeWindow(const Area& area) const;
 
-  void PointAt(Place place);
-  void Click(Place place);
-  void Drag(xcb_window_t window, Place from, Place by);
-  void Type(const std::string& text);  // ASCII; '\t' is Tab, '\n' Enter, '\033' Esc
-  void TypeWithAlt(char letter);
-  void CloseBox(xcb_window_t window);
   // Its pixels.
   std::vector<std::uint32_t> ShownCursor() const;
-  void WatchCursor();
-  // How often the cursor changed on the screen since WatchCursor or the last call.
-  int CursorChanges();
+  // How often the cursor changed on the screen since the last call.
+  int CursorChanges() const;
 
  private:
-  struct Key {
-    std::uint8_t code = 0;
-    bool shifted = false;
-  };
-
-  xcb_window_t Find(xcb_window_t parent, const std::string& title) const;
-  xcb_atom_t Atom(const char* atom) const;
-  std::optional<std::uint32_t> Property(xcb_window_t window, const char* property, xcb_atom_t type) const;
-  void Press(std::uint8_t event, std::uint8_t detail);
-  Key KeyOf(std::uint32_t symbol) const;
-  void PressKey(std::uint32_t symbol, std::uint32_t heldSymbol);
-  void Sync() const;
-
   std::unique_ptr<Process> server;
   std::unique_ptr<Process> windowManager;
   std::string name;

@@ -1,7 +1,8 @@
-// The whole road to a session token as a user goes it: the real dialogs on a real screen, by keyboard alone, against
-// the real service.
+// What needs a real screen and the real service at once: the whole road to a session token, by keyboard alone, and the
+// example host with a window.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <ostream>
 
 #include "display/process.h"
@@ -10,8 +11,6 @@
 
 namespace nvsupport::testing {
 namespace {
-
-constexpr std::size_t longestToken = 19;
 
 struct Language {
   const char* name;
@@ -28,37 +27,29 @@ void PrintTo(const Language& language, std::ostream* out) {
 
 class AccountOnScreen : public ::testing::TestWithParam<Language> {
  protected:
-  void SetUp() override {
-    home.WriteUserRegistry(std::string("[HKEY_CURRENT_USER\\Software\\Norvane]\n\"Language\"=\"") + GetParam().name +
-                           "\"\n");
-  }
-
   std::unique_ptr<Process> AskForToken(const std::string& product) const {
     return std::make_unique<Process>(std::vector<std::string>{NV_HOST, "token", "--product", product},
                                      std::map<std::string, std::string>{{"DISPLAY", screen.Name()}});
   }
 
-  // Waits for a window and types into it.
-  void TypeInto(const std::string& title, const std::string& text) {
-    const xcb_window_t window = screen.FindWindow(title);
-    ASSERT_TRUE(WaitUntil([&] { return screen.HasFocus(window); })) << title;
+  void TypeInto(const std::string& title, const std::string& text) const {
+    screen.Await(title);
     screen.Type(text);
   }
 
   static void ExpectToken(Process& host) {
-    const std::string token = host.ReadLine();
-    EXPECT_FALSE(token.empty());
-    EXPECT_LE(token.size(), longestToken);
+    EXPECT_FALSE(host.ReadLine().empty());
     EXPECT_EQ(host.Join(), 0);
   }
 
   const TemporaryHome home;
   const LocalService service;
-  XSession screen{XSession::Manager::none};
+  const XSession screen;
 };
 
 TEST_P(AccountOnScreen, IsMadeSignedIntoAndSavedByKeyboardAlone) {
   const Language& texts = GetParam();
+  home.WriteUserRegistry("[HKEY_CURRENT_USER\\Software\\Norvane]\n\"Language\"=\"" + std::string(texts.name) + "\"\n");
   const std::string backToTheSameField(8, '\t');
 
   const auto newUser = AskForToken("First");
@@ -84,6 +75,35 @@ INSTANTIATE_TEST_SUITE_P(Languages, AccountOnScreen,
                                            Language{"Deutsch", "Bei Ihrem Konto anmelden", "Online-Konto erstellen",
                                                     "Geben Sie Ihrem Computer einen Namen", "Kontoverwaltung"}),
                          [](const auto& language) { return std::string(language.param.name); });
+
+TEST(HostWindow, DownloadsWhatTheSearchFoundAndOwnsTheDialogsOfTheLibrary) {
+  const TemporaryHome home;
+  const LocalService service;
+  const XSession screen(XSession::Manager::openbox);
+  Process host({NV_HOST_WINDOW}, {{"DISPLAY", screen.Name()}, {"ASAN_OPTIONS", "detect_leaks=0"}});
+
+  const std::string file = home.folder / "downloaded";
+  const xcb_window_t window = screen.Await("nvhost");
+  screen.Type("\t\t\t ");  // to Search
+  screen.Do("key alt+d");
+  screen.Await("Download to");
+  screen.Type(file + "\n");
+  EXPECT_TRUE(WaitUntil([&] { return std::filesystem::exists(file); }));
+  EXPECT_EQ(ReadWholeFile(file), ReadWholeFile(service.Path("www/files/packages/nordic.nvpkg")));
+
+  screen.Await("nvhost");
+  screen.Do("key alt+t");
+  const xcb_window_t signIn = screen.Await("Sign in to Your Account");
+  EXPECT_EQ(screen.OwnerOf(signIn), window);
+  screen.Type("nobody\tsecret 7\n");
+  EXPECT_EQ(screen.OwnerOf(screen.Await("Account Manager")), signIn);
+  screen.Type("\n");
+  ASSERT_TRUE(screen.IsGone("Account Manager"));
+  screen.Type("\033");
+  ASSERT_TRUE(screen.IsGone("Sign in to Your Account"));
+  screen.CloseBox(window);
+  EXPECT_EQ(host.Join(), 0);
+}
 
 }  // namespace
 }  // namespace nvsupport::testing
