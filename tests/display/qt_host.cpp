@@ -1,5 +1,6 @@
 // A host with a QApplication and no visible window of its own, which plays the user itself.
 //   qt_host MODULE cycles   answers the dialog with Esc, 40 times, and tells what the last 30 left behind
+//   qt_host MODULE busy     does so once, while it is never without work of its own
 //   qt_host MODULE quit     ends its event loop while the dialog is open
 //   qt_host MODULE exit     the same at once, without asking its windows
 #include <malloc.h>
@@ -38,6 +39,10 @@ void RunCycles(const char* module) {
   std::cout << "grown " << Held() - before << std::endl;
 }
 
+void PostWork() {
+  QMetaObject::invokeMethod(qApp, PostWork, Qt::QueuedConnection);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -48,7 +53,8 @@ int main(int argc, char** argv) {
   QObject::connect(&application, &QCoreApplication::aboutToQuit, [] { std::cout << "quitting " << std::endl; });
   QTimer user;
   QObject::connect(&user, &QTimer::timeout, PressEscape);
-  if (job == "cycles") user.start(1);
+  if (job == "cycles" || job == "busy") user.start(1);
+  if (job == "busy") PostWork();
   if (job == "quit") QTimer::singleShot(100, [] { QCoreApplication::quit(); });
   if (job == "exit") QTimer::singleShot(100, [] { QCoreApplication::exit(0); });
   QTimer::singleShot(0, [&] {

@@ -107,10 +107,14 @@ void QtDisplay::DestroyDialogWindow(HWND dialog) {
 void QtDisplay::RunModal(HWND dialog, const bool& ended) {
   if (DialogWindow* window = Find(dialog)) window->SetRun(ended);
   QEventLoop loop;
-  // Whatever has ended the dialog, the user or a timer of the host's, is seen before the thread would sleep.
-  QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &loop, [&] {
+  // Whatever has ended the dialog, the user or a timer of the host's, is seen before the thread would sleep, and at
+  // the next round of events where the host never lets it sleep.
+  const auto leaveIfEnded = [&] {
     if (ended) loop.exit();
-  });
+  };
+  const auto* dispatcher = QAbstractEventDispatcher::instance();
+  QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, &loop, leaveIfEnded);
+  QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, &loop, leaveIfEnded);
   if (!ended) loop.exec(QEventLoop::DialogExec);
 }
 
