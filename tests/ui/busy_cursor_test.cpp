@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <optional>
 #include <thread>
 
 #include "support/played_user.h"
@@ -15,33 +16,12 @@ namespace {
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
-// While it lives the system gives no thread: none has room for a stack of that size.
-class NoMoreThreads {
- public:
-  NoMoreThreads() {
-    pthread_getattr_default_np(&usual);
-    pthread_attr_t huge = usual;
-    pthread_attr_setstacksize(&huge, std::size_t{1} << 47);
-    EXPECT_EQ(pthread_setattr_default_np(&huge), 0);
-  }
-  ~NoMoreThreads() {
-    pthread_setattr_default_np(&usual);
-    pthread_attr_destroy(&usual);
-  }
-  NoMoreThreads(const NoMoreThreads&) = delete;
-  NoMoreThreads& operator=(const NoMoreThreads&) = delete;
-
- private:
-  pthread_attr_t usual;
-};
-
 TEST(BusyCursor, NeverShowsForAShortCall) {
   const PlayedUser person;
   const Clock::time_point start = Clock::now();
-  {
-    const BusyCursor cursor;
-    std::this_thread::sleep_for(milliseconds(20));
-  }
+  std::optional<BusyCursor> cursor(std::in_place);
+  std::this_thread::sleep_for(milliseconds(20));
+  cursor.reset();
   if (Clock::now() - start >= milliseconds(150)) GTEST_SKIP() << "the machine is too busy for a short call";
   EXPECT_EQ(user::Record().waitCursorsShown, 0);
   EXPECT_EQ(user::Record().cursorsRestored, 1);
@@ -50,26 +30,31 @@ TEST(BusyCursor, NeverShowsForAShortCall) {
 TEST(BusyCursor, ShowsAfterItsDelayAndGoesWithTheCall) {
   const PlayedUser person;
   const Clock::time_point start = Clock::now();
-  {
-    const BusyCursor cursor;
-    while (user::Record().waitCursorsShown == 0 && Clock::now() - start < std::chrono::seconds(20)) {
-      std::this_thread::sleep_for(milliseconds(1));
-    }
-    EXPECT_GE(Clock::now() - start, milliseconds(150));
-    EXPECT_EQ(user::Record().waitCursorsShown, 1);
-    EXPECT_EQ(user::Record().cursorsRestored, 0);
+  std::optional<BusyCursor> cursor(std::in_place);
+  while (user::Record().waitCursorsShown == 0 && Clock::now() - start < std::chrono::seconds(20)) {
+    std::this_thread::sleep_for(milliseconds(1));
   }
+  EXPECT_GE(Clock::now() - start, milliseconds(150));
+  EXPECT_EQ(user::Record().waitCursorsShown, 1);
+  EXPECT_EQ(user::Record().cursorsRestored, 0);
+  cursor.reset();
   EXPECT_EQ(user::Record().cursorsRestored, 1);
 }
 
 TEST(BusyCursor, ShowsAtOnceWhenThereIsNoThread) {
   const PlayedUser person;
-  const NoMoreThreads scarce;
-  {
-    const BusyCursor cursor;
-    EXPECT_EQ(user::Record().waitCursorsShown, 1);
-  }
+  // No thread has room for a stack of this size.
+  pthread_attr_t usual;
+  pthread_getattr_default_np(&usual);
+  pthread_attr_t huge = usual;
+  pthread_attr_setstacksize(&huge, std::size_t{1} << 47);
+  ASSERT_EQ(pthread_setattr_default_np(&huge), 0);
+  std::optional<BusyCursor> cursor(std::in_place);
+  EXPECT_EQ(user::Record().waitCursorsShown, 1);
+  cursor.reset();
   EXPECT_EQ(user::Record().cursorsRestored, 1);
+  pthread_setattr_default_np(&usual);
+  pthread_attr_destroy(&usual);
 }
 
 // Or it would run on in code that is unloaded.
@@ -85,17 +70,6 @@ TEST(Threads, HaveEndedOnceTheirHandleIsClosed) {
   CloseHandle(thread);
   EXPECT_NE(ended, 0u);
   EXPECT_NE(ended, GetCurrentThreadId());
-}
-
-TEST(Events, StaySetOnlyIfResetByHand) {
-  for (const bool manual : {true, false}) {
-    const HANDLE event = CreateEventA(nullptr, manual, TRUE, nullptr);
-    EXPECT_EQ(WaitForSingleObject(event, INFINITE), WAIT_OBJECT_0);
-    EXPECT_EQ(WaitForSingleObject(event, 0), manual ? WAIT_OBJECT_0 : WAIT_TIMEOUT);
-    CloseHandle(event);
-  }
-  EXPECT_FALSE(SetEvent(nullptr));
-  EXPECT_EQ(WaitForSingleObject(nullptr, 0), WAIT_FAILED);
 }
 
 }  // namespace

@@ -16,37 +16,34 @@ WNDPROC ProcOf(HWND window) {
 void SetProc(HWND window, WNDPROC procedure) {
   SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure));
 }
-LONG_PTR ChainOf(HWND window) {
-  return GetWindowLongPtrA(window, GWLP_USERDATA);
-}
 void SetChain(HWND window, SubclassRecord* head) {
   SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(head));
 }
 
 // Shared procedures that hand every message on to the one before.
-extern InstanceSubclasser first;
-extern InstanceSubclasser second;
-LRESULT CALLBACK FirstProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  return first.callPrevious(window, message, wParam, lParam);
-}
-LRESULT CALLBACK SecondProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  return second.callPrevious(window, message, wParam, lParam);
-}
+template <int number>
+struct Passing {
+  static inline InstanceSubclasser subclasser{&Passing::Proc};
+  static LRESULT CALLBACK Proc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    return subclasser.callPrevious(window, message, wParam, lParam);
+  }
+};
+InstanceSubclasser& first = Passing<1>::subclasser;
+InstanceSubclasser& second = Passing<2>::subclasser;
+const WNDPROC firstProc = &Passing<1>::Proc;
+const WNDPROC secondProc = &Passing<2>::Proc;
 LRESULT CALLBACK ForeignProc(HWND, UINT, WPARAM, LPARAM) {
   return 0;
 }
-InstanceSubclasser first{&FirstProc};
-InstanceSubclasser second{&SecondProc};
 
 // Runs a test on a live edit control.
 void OnAnEdit(const std::function<void(HWND edit)>& test) {
   PlayedUser person;
-  ProbeDialog dialog;
   person.steps = {[&](HWND window) {
     test(GetDlgItem(window, IDC_EDIT));
     EndDialog(window, 1);
   }};
-  dialog.run(nullptr);
+  ProbeDialog().run(nullptr);
 }
 
 TEST(InstanceSubclasser, MakesOneRecordForAWindow) {
@@ -55,64 +52,48 @@ TEST(InstanceSubclasser, MakesOneRecordForAWindow) {
     Window one;
     Window other;
     EXPECT_FALSE(first.unsubclass(edit));
-    EXPECT_EQ(first.find(edit), nullptr);
-
     EXPECT_TRUE(first.subclass(edit, &one));
     EXPECT_FALSE(first.subclass(edit, &other)) << "the record that is there gets the new object";
-    ASSERT_NE(first.find(edit), nullptr);
-    EXPECT_EQ(first.find(edit)->object, &other);
-    EXPECT_EQ(first.find(edit)->next, nullptr);
-    EXPECT_EQ(first.find(edit)->previousProc, original);
+    const SubclassRecord* record = first.find(edit);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->object, &other);
+    EXPECT_EQ(record->next, nullptr);
 
     EXPECT_TRUE(first.unsubclass(edit));
     EXPECT_EQ(ProcOf(edit), original);
-    EXPECT_EQ(ChainOf(edit), 0);
-    EXPECT_FALSE(first.unsubclass(edit));
+    EXPECT_EQ(first.find(edit), nullptr);
 
-    SetProc(edit, &FirstProc);
+    SetProc(edit, firstProc);
     EXPECT_FALSE(first.subclass(edit, &one)) << "the procedure without a record";
-    EXPECT_EQ(ChainOf(edit), 0);
+    EXPECT_EQ(first.find(edit), nullptr);
     SetProc(edit, original);
   });
 }
 
-TEST(InstanceSubclasser, LetsTheFirstOfTwoLeaveFromBehindTheSecond) {
-  OnAnEdit([](HWND edit) {
-    const WNDPROC original = ProcOf(edit);
-    Window object;
-    ASSERT_TRUE(first.subclass(edit, &object));
-    ASSERT_TRUE(second.subclass(edit, &object));
-    SetWindowTextA(edit, "through both");
-    EXPECT_EQ(SendMessageA(edit, WM_GETTEXTLENGTH, 0, 0), 12);
+TEST(InstanceSubclasser, LetsTheFirstOfTwoLeaveUnlessAForeignProcedureStandsBetween) {
+  for (const bool foreign : {false, true}) {
+    OnAnEdit([foreign](HWND edit) {
+      const WNDPROC original = ProcOf(edit);
+      Window object;
+      ASSERT_TRUE(first.subclass(edit, &object));
+      if (foreign) SetProc(edit, &ForeignProc);
+      ASSERT_TRUE(second.subclass(edit, &object));
 
-    EXPECT_TRUE(first.unsubclass(edit));
-    EXPECT_EQ(ProcOf(edit), &SecondProc) << "the window's procedure stays that of the record in front";
-    EXPECT_EQ(second.find(edit)->previousProc, original);
-    EXPECT_EQ(SendMessageA(edit, WM_GETTEXTLENGTH, 0, 0), 12);
-    EXPECT_TRUE(second.unsubclass(edit));
-    EXPECT_EQ(ProcOf(edit), original);
-  });
-}
-
-TEST(InstanceSubclasser, KeepsARecordThatAForeignProcedureStandsBefore) {
-  OnAnEdit([](HWND edit) {
-    Window object;
-    ASSERT_TRUE(first.subclass(edit, &object));
-    SetProc(edit, &ForeignProc);
-    ASSERT_TRUE(second.subclass(edit, &object));
-    EXPECT_FALSE(first.unsubclass(edit));
-    EXPECT_NE(first.find(edit), nullptr);
-    EXPECT_EQ(second.find(edit)->previousProc, &ForeignProc);
-
-    ASSERT_TRUE(second.unsubclass(edit));
-    EXPECT_EQ(ProcOf(edit), &ForeignProc);
-    ASSERT_TRUE(first.unsubclass(edit));
-  });
+      EXPECT_EQ(first.unsubclass(edit), !foreign);
+      EXPECT_EQ(first.find(edit) != nullptr, foreign);
+      EXPECT_EQ(ProcOf(edit), secondProc) << "the window's procedure stays that of the record in front";
+      SetWindowTextA(edit, "through both");
+      EXPECT_EQ(SendMessageA(edit, WM_GETTEXTLENGTH, 0, 0), foreign ? 0 : 12);
+      EXPECT_TRUE(second.unsubclass(edit));
+      EXPECT_EQ(ProcOf(edit), foreign ? &ForeignProc : original);
+      first.unsubclass(edit);
+    });
+  }
 }
 
 TEST(InstanceSubclasser, SearchesAThousandAndOneRecordsAndNoFurther) {
   OnAnEdit([](HWND edit) {
-    SubclassRecord wanted{&FirstProc, nullptr, nullptr, nullptr};
+    SubclassRecord wanted{firstProc, nullptr, nullptr, nullptr};
     std::vector<SubclassRecord> others(1001, {&ForeignProc, nullptr, nullptr, nullptr});
     for (std::size_t i = 0; i + 1 < others.size(); ++i) others[i].next = &others[i + 1];
     others.back().next = &wanted;
