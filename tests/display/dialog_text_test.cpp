@@ -76,9 +76,9 @@ TEST_F(DialogTexts, FitTheirControlsInEveryShippedLanguage) {
   EXPECT_GT(catalogues.size(), 1u);
   for (const std::string& path : catalogues) {
     EXPECT_TRUE(path.empty() || translations.LoadCatalogueFile(path));
-    for (const std::uint32_t id : {IDD_CREATE_ACCOUNT, IDD_SIGN_IN, IDD_COMPUTER_NAME}) {
+    for (const int id : {IDD_CREATE_ACCOUNT, IDD_SIGN_IN, IDD_COMPUTER_NAME}) {
       SCOPED_TRACE(path + " " + std::to_string(id));
-      Show(Dialog(id), [](const QWidget& window) {
+      Show(Dialog(static_cast<std::uint32_t>(id)), [](const QWidget& window) {
         const auto controls = window.findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
         ExpectFitAndNamed(controls);
         ExpectApart(controls);

@@ -160,14 +160,6 @@ TEST(Display, ShowsTheWaitCursorInASlowExchangeOnly) {
   dialog.ExpectEnd("2 ");
 }
 
-TEST(Display, ShowsAMessageUntilItIsAnswered) {
-  const XSession screen;
-  Process program({NV_DIALOG_PROGRAM, "message"}, {{"DISPLAY", screen.Name()}, {"WAYLAND_DISPLAY", ""}});
-  screen.Await("Caption");
-  screen.Type("\n");
-  EXPECT_EQ(program.Find("answer"), "1 ");
-}
-
 TEST(Display, FailsWithoutAScreenAndTheHostLivesOn) {
   const std::map<std::string, std::string> screenless[] = {
       {{"DISPLAY", ""}},

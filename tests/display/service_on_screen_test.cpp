@@ -42,9 +42,9 @@ class AccountOnScreen : public ::testing::TestWithParam<Language> {
     EXPECT_EQ(host.Join(), 0);
   }
 
-  const TemporaryHome home;
+  TemporaryHome home;
   const LocalService service;
-  const XSession screen;
+  const XSession screen{XSession::Manager::none};
 };
 
 TEST_P(AccountOnScreen, IsMadeSignedIntoAndSavedByKeyboardAlone) {
@@ -77,7 +77,7 @@ INSTANTIATE_TEST_SUITE_P(Languages, AccountOnScreen,
                          [](const auto& language) { return std::string(language.param.name); });
 
 TEST(HostWindow, DownloadsWhatTheSearchFoundAndOwnsTheDialogsOfTheLibrary) {
-  const TemporaryHome home;
+  TemporaryHome home;
   const LocalService service;
   const XSession screen(XSession::Manager::openbox);
   Process host({NV_HOST_WINDOW}, {{"DISPLAY", screen.Name()}, {"ASAN_OPTIONS", "detect_leaks=0"}});

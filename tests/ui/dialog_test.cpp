@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "probes.h"
-#include "support/played_user.h"
 
 namespace nvsupport {
 namespace {
@@ -14,16 +13,13 @@ const HWND hostWindow = reinterpret_cast<HWND>(hostId);
 
 // The calls that sending a message to the running dialog leads to.
 Noted CallsFor(UINT message, WPARAM wParam, LPARAM lParam) {
-  PlayedUser person;
   ProbeDialog dialog;
   Noted calls;
-  person.steps = {[&](HWND window) {
+  Within(dialog, [&](HWND window) {
     dialog.calls.clear();
     SendMessageA(window, message, wParam, lParam);
     calls = dialog.calls;
-    EndDialog(window, 7);
-  }};
-  EXPECT_EQ(dialog.run(nullptr), 7);
+  });
   return calls;
 }
 
@@ -71,7 +67,6 @@ TEST(Dialog, WheelGoesToItsTargetAsLongAsThatLives) {
     }
     std::vector<WPARAM> seen;
   };
-  PlayedUser person;
   ProbeDialog dialog;
   const Noted itsOwn{"onDialogMessage 522"};
   const auto callsForWheel = [&] {
@@ -79,7 +74,7 @@ TEST(Dialog, WheelGoesToItsTargetAsLongAsThatLives) {
     SendMessageA(dialog.Handle(), WM_MOUSEWHEEL, 0x0078'0000, 0);
     return dialog.calls;
   };
-  person.steps = {[&](HWND window) {
+  Within(dialog, [&](HWND window) {
     EXPECT_EQ(callsForWheel(), itsOwn);
     dialog.wheelTarget = GetDlgItem(window, IDC_EDIT);
     {
@@ -89,16 +84,13 @@ TEST(Dialog, WheelGoesToItsTargetAsLongAsThatLives) {
     }
     EXPECT_FALSE(IsWindow(dialog.wheelTarget)) << "a Window object takes its window with it";
     EXPECT_EQ(callsForWheel(), itsOwn);
-    EndDialog(window, 1);
-  }};
-  dialog.run(nullptr);
+  });
 }
 
 TEST(Dialog, ReadsAndWritesItsControls) {
-  PlayedUser person;
   ProbeDialog dialog;
   const std::string longText(70000, 'x');
-  person.steps = {[&](HWND window) {
+  Within(dialog, [&](HWND window) {
     EXPECT_EQ(dialog.getItemText(IDC_EDIT), "");
     dialog.setItemText(IDC_EDIT, longText);
     EXPECT_EQ(dialog.getItemText(IDC_EDIT), longText);
@@ -106,9 +98,7 @@ TEST(Dialog, ReadsAndWritesItsControls) {
       SendDlgItemMessageA(window, IDC_THREE_STATES, BM_SETCHECK, state, 0);
       EXPECT_EQ(dialog.isChecked(IDC_THREE_STATES), state != 0);
     }
-    EndDialog(window, 1);
-  }};
-  dialog.run(nullptr);
+  });
 }
 
 TEST(Dialog, ThatCannotBeShownSaysSo) {

@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "probes.h"
-#include "support/played_user.h"
 #include "ui/instance_subclasser.h"
 
 namespace nvsupport {
@@ -20,30 +19,26 @@ void SetChain(HWND window, SubclassRecord* head) {
   SetWindowLongPtrA(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(head));
 }
 
-// Shared procedures that hand every message on to the one before.
+// Shared procedures that hand every message on to the one before, and their subclassers.
 template <int number>
-struct Passing {
-  static inline InstanceSubclasser subclasser{&Passing::Proc};
-  static LRESULT CALLBACK Proc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    return subclasser.callPrevious(window, message, wParam, lParam);
-  }
-};
-InstanceSubclasser& first = Passing<1>::subclasser;
-InstanceSubclasser& second = Passing<2>::subclasser;
-const WNDPROC firstProc = &Passing<1>::Proc;
-const WNDPROC secondProc = &Passing<2>::Proc;
+LRESULT CALLBACK PassOn(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+template <int number>
+InstanceSubclasser subclasser{&PassOn<number>};
+template <int number>
+LRESULT CALLBACK PassOn(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  return subclasser<number>.callPrevious(window, message, wParam, lParam);
+}
+InstanceSubclasser& first = subclasser<1>;
+InstanceSubclasser& second = subclasser<2>;
+
 LRESULT CALLBACK ForeignProc(HWND, UINT, WPARAM, LPARAM) {
   return 0;
 }
 
 // Runs a test on a live edit control.
 void OnAnEdit(const std::function<void(HWND edit)>& test) {
-  PlayedUser person;
-  person.steps = {[&](HWND window) {
-    test(GetDlgItem(window, IDC_EDIT));
-    EndDialog(window, 1);
-  }};
-  ProbeDialog().run(nullptr);
+  ProbeDialog dialog;
+  Within(dialog, [&](HWND window) { test(GetDlgItem(window, IDC_EDIT)); });
 }
 
 TEST(InstanceSubclasser, MakesOneRecordForAWindow) {
@@ -63,7 +58,7 @@ TEST(InstanceSubclasser, MakesOneRecordForAWindow) {
     EXPECT_EQ(ProcOf(edit), original);
     EXPECT_EQ(first.find(edit), nullptr);
 
-    SetProc(edit, firstProc);
+    SetProc(edit, &PassOn<1>);
     EXPECT_FALSE(first.subclass(edit, &one)) << "the procedure without a record";
     EXPECT_EQ(first.find(edit), nullptr);
     SetProc(edit, original);
@@ -81,7 +76,7 @@ TEST(InstanceSubclasser, LetsTheFirstOfTwoLeaveUnlessAForeignProcedureStandsBetw
 
       EXPECT_EQ(first.unsubclass(edit), !foreign);
       EXPECT_EQ(first.find(edit) != nullptr, foreign);
-      EXPECT_EQ(ProcOf(edit), secondProc) << "the window's procedure stays that of the record in front";
+      EXPECT_EQ(ProcOf(edit), &PassOn<2>) << "the window's procedure stays that of the record in front";
       SetWindowTextA(edit, "through both");
       EXPECT_EQ(SendMessageA(edit, WM_GETTEXTLENGTH, 0, 0), foreign ? 0 : 12);
       EXPECT_TRUE(second.unsubclass(edit));
@@ -93,7 +88,7 @@ TEST(InstanceSubclasser, LetsTheFirstOfTwoLeaveUnlessAForeignProcedureStandsBetw
 
 TEST(InstanceSubclasser, SearchesAThousandAndOneRecordsAndNoFurther) {
   OnAnEdit([](HWND edit) {
-    SubclassRecord wanted{firstProc, nullptr, nullptr, nullptr};
+    SubclassRecord wanted{&PassOn<1>, nullptr, nullptr, nullptr};
     std::vector<SubclassRecord> others(1001, {&ForeignProc, nullptr, nullptr, nullptr});
     for (std::size_t i = 0; i + 1 < others.size(); ++i) others[i].next = &others[i + 1];
     others.back().next = &wanted;

@@ -96,31 +96,5 @@ TEST_F(Placement, KeepsAScreenPositionForADialogWithoutOwner) {
   EXPECT_EQ(dialogPositions[IDD_PROBE].y, again.top);
 }
 
-TEST_F(Placement, KeepsADialogOfADialogRelativeToThatDialog) {
-  ProbeDialog outer;
-  RECT left{};
-  RECT again{};
-  person.steps = {
-      [&](HWND window) {
-        ProbeDialog(IDD_PLAIN).run(window);
-        user::Drag(window, {60, 70});
-        ProbeDialog(IDD_PLAIN).run(window);
-        EndDialog(window, 1);
-      },
-      [&](HWND window) {
-        user::Drag(window, {11, 12});
-        left = RectOf(window);
-        EndDialog(window, 1);
-      },
-      [&](HWND window) {
-        again = RectOf(window);
-        EndDialog(window, 1);
-      },
-  };
-  outer.run(nullptr);
-  EXPECT_EQ(again.left, left.left + 60);
-  EXPECT_EQ(again.top, left.top + 70);
-}
-
 }  // namespace
 }  // namespace nvsupport

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "support/played_user.h"
 #include "test_dialog_ids.h"
 #include "ui/dialog.h"
 
@@ -21,6 +22,7 @@ class CoreProbe {
 
   explicit CoreProbe(Reaction onMessage = {}) : react(std::move(onMessage)) {}
   INT_PTR Run(WORD id, HWND owner = nullptr);
+  INT_PTR Open() { return Run(IDD_PROBE); }
 
   HWND dialog = nullptr;
   Noted seen;  // "INITDIALOG", "COMMAND 10 300" with id and code (hexadecimal)
@@ -38,6 +40,7 @@ INT_PTR EndOnButton(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 class ProbeDialog : public Dialog {
  public:
   explicit ProbeDialog(std::uint32_t id = IDD_PROBE) : Dialog(id) {}
+  INT_PTR Open() { return run(nullptr); }
 
   INT_PTR onInitDialog(WPARAM wParam, LPARAM lParam) override {
     Note("onInitDialog");
@@ -84,6 +87,17 @@ class ProbeDialog : public Dialog {
     calls.push_back(call);
   }
 };
+
+// Opens a dialog of either kind, does something in it and ends it.
+template <typename Opened>
+void Within(Opened& dialog, const PlayedUser::Step& act) {
+  PlayedUser person;
+  person.steps = {[&act](HWND window) {
+    act(window);
+    EndDialog(window, 1);
+  }};
+  EXPECT_EQ(dialog.Open(), 1);
+}
 
 }  // namespace nvsupport
 

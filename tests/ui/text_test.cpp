@@ -51,7 +51,7 @@ TEST_F(ShownText, OfADialogIsTranslatedBeforeItsOwnInitAndNotedWhereMissing) {
   const std::filesystem::directory_iterator missFile(home.folder / "documents/NVTranslation");
   std::string misses = testing::ReadWholeFile(missFile->path());
   std::erase(misses, '\0');  // the file is of 16-bit characters
-  for (const auto& [text, missed] : std::map<const char*, bool>{{"Unknown text", true},
+  for (const auto& [text, missed] : std::map<std::string, bool>{{"Unknown text", true},
                                                                 {"More", true},
                                                                 {"Code %d", true},
                                                                 {"Probe", false},

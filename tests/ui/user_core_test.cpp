@@ -5,7 +5,6 @@
 #include <thread>
 
 #include "probes.h"
-#include "support/played_user.h"
 
 namespace nvsupport {
 namespace {
@@ -63,16 +62,18 @@ TEST(UserCore, SendsADialogItsMessagesInTheirOrder) {
 }
 
 TEST(UserCore, MeasuresInPixelsOfTheDialogFont) {
-  PlayedUser person;
-  person.steps = {[](HWND dialog) {
+  CoreProbe probe;
+  Within(probe, [](HWND dialog) {
     SetWindowPos(dialog, nullptr, 30, 40, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
     RECT edit{};
     GetWindowRect(Item(dialog, IDC_EDIT), &edit);
     EXPECT_EQ(edit.left, 30 + 4 + 35);
     EXPECT_EQ(edit.bottom, 40 + 22 + 23);
-    EndDialog(dialog, 1);
-  }};
-  CoreProbe().Run(IDD_PROBE);
+    POINT inDialog{edit.left, edit.bottom};
+    MapWindowPoints(nullptr, dialog, &inDialog, 1);
+    EXPECT_EQ(inDialog.x, 35);
+    EXPECT_EQ(inDialog.y, 23);
+  });
 }
 
 TEST(UserCore, ChoosesTheButtonForAKeyByTheFocus) {
@@ -102,9 +103,9 @@ TEST(UserCore, ChoosesTheButtonForAKeyByTheFocus) {
 }
 
 TEST(UserCore, MovesTheFocusInTemplateOrderPastWhatCannotTakeIt) {
-  PlayedUser person;
+  CoreProbe probe(EndOnButton);
   std::vector<int> visited;
-  person.steps = {[&](HWND dialog) {
+  Within(probe, [&](HWND dialog) {
     for (int presses = 0; presses < 9; ++presses) {
       for (const int id : {10, 11, 12, 13, 14, 15, 1, 2, 16, 17}) {
         if (Item(dialog, id) == user::FocusedControl(dialog)) visited.push_back(id);
@@ -114,20 +115,17 @@ TEST(UserCore, MovesTheFocusInTemplateOrderPastWhatCannotTakeIt) {
     SendMessageA(dialog, WM_NEXTDLGCTL, 1, 0);
     EXPECT_EQ(user::FocusedControl(dialog), Item(dialog, IDC_EDIT));
     EXPECT_EQ(user::Record().selectedWhole, Item(dialog, IDC_EDIT));
-    EndDialog(dialog, 1);
-  }};
-  CoreProbe(EndOnButton).Run(IDD_PROBE);
+  });
   EXPECT_EQ(visited, (std::vector<int>{10, 11, 12, 13, 14, 1, 2, 16, 10}));
 }
 
 TEST(UserCore, ChangesACheckBoxBeforeItTellsTheDialog) {
-  PlayedUser person;
   std::vector<LRESULT> states;
   CoreProbe probe([&](HWND, UINT message, WPARAM, LPARAM lParam) -> INT_PTR {
     if (message == WM_COMMAND) states.push_back(SendMessageA(reinterpret_cast<HWND>(lParam), BM_GETCHECK, 0, 0));
     return FALSE;
   });
-  person.steps = {[&](HWND dialog) {
+  Within(probe, [&](HWND dialog) {
     for (const int id : {IDC_TWO_STATES, IDC_THREE_STATES, IDC_MANUAL_BOX}) {
       user::Click(Item(dialog, id));
       user::Press(dialog, Key::space);
@@ -140,14 +138,12 @@ TEST(UserCore, ChangesACheckBoxBeforeItTellsTheDialog) {
       EXPECT_EQ(SendDlgItemMessageA(dialog, id, BM_GETCHECK, 0, 0), largest);
       EXPECT_EQ(user::CheckStateShown(Item(dialog, id)), largest);
     }
-    EndDialog(dialog, 1);
-  }};
-  probe.Run(IDD_PROBE);
+  });
 }
 
 TEST(UserCore, KeepsTextsInStepWithTheDisplay) {
-  PlayedUser person;
-  person.steps = {[](HWND dialog) {
+  CoreProbe probe;
+  Within(probe, [](HWND dialog) {
     const std::string typed = "Gr\xC3\xBC\xC3\x9F";
     user::Type(Item(dialog, IDC_SECRET), typed);
     char text[7] = "######";
@@ -161,9 +157,7 @@ TEST(UserCore, KeepsTextsInStepWithTheDisplay) {
     SetWindowTextA(dialog, "caf\xE9");  // not valid in the code page
     EXPECT_EQ(user::ViewOf(dialog)->title, "caf\xC3\xA9");
     EXPECT_EQ(user::ViewOf(dialog)->controls[3].text, "&Two \xE2\x82\xAC");
-    EndDialog(dialog, 1);
-  }};
-  EXPECT_EQ(CoreProbe().Run(IDD_PROBE), 1);
+  });
 }
 
 TEST(UserCore, OpensADialogInsideADialog) {
@@ -242,13 +236,12 @@ TEST(UserCore, TakesAnInnerDialogDownWithItsOwner) {
 }
 
 TEST(UserCore, AnswersStaleAndUnknownHandlesWithNothing) {
-  PlayedUser person;
   std::vector<HWND> handles = {nullptr, reinterpret_cast<HWND>(0x1234), reinterpret_cast<HWND>(~std::uintptr_t{0})};
-  person.steps = {[&](HWND dialog) {
+  CoreProbe probe;
+  Within(probe, [&](HWND dialog) {
     handles.insert(handles.end(), {dialog, Item(dialog, IDC_EDIT), Item(dialog, IDOK)});
-    EndDialog(dialog, 1);
-  }};
-  CoreProbe().Run(IDD_PROBE);
+  });
+  const PlayedUser person;
   for (const HWND handle : handles) {
     RECT rectangle{};
     char text[10];

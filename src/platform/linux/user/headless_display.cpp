@@ -82,7 +82,6 @@ class HeadlessDisplay final : public Display {
   int RunMessageBox(const MessageBoxView& box) override { return State().user->OnMessageBox(box); }
 
   void SetText(HWND window, const std::string& text) override {
-    State().record.textsSet.push_back(window);
     const auto dialog = State().dialogs.find(window);
     if (dialog != State().dialogs.end()) dialog->second.view.title = text;
     if (ControlView* control = ViewOfControl(window)) control->text = text;
@@ -182,10 +181,6 @@ void Drag(HWND dialog, POINT by) {
 
 void Wheel(HWND window, int delta) {
   CoreEvents().OnWheel(window, delta, pointerPosition);
-}
-
-void ClickInside(HWND window, POINT clientPoint, bool doubleClick) {
-  CoreEvents().OnLeftButton(window, doubleClick, clientPoint);
 }
 
 HWND FocusedControl(HWND dialog) {

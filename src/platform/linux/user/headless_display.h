@@ -39,7 +39,6 @@ struct HeadlessScreen {
 // What the core made the display do since UseHeadlessDisplay.
 struct HeadlessRecord {
   std::vector<POINT> moves;      // places given to dialogs by the program, not by the user
-  std::vector<HWND> textsSet;    // windows whose text was set after they were made
   HWND selectedWhole = nullptr;  // the control focused last, if it was selected whole
   std::atomic<int> waitCursorsShown = 0;
   std::atomic<int> cursorsRestored = 0;
@@ -58,7 +57,6 @@ void Press(HWND dialog, Key key);
 void CloseBox(HWND dialog);
 void Drag(HWND dialog, POINT by);
 void Wheel(HWND window, int delta);
-void ClickInside(HWND window, POINT clientPoint, bool doubleClick);
 
 // What the user sees: the control with the focus, or null; the dialog with its texts and states in force, or null if
 // it is not on the display.
