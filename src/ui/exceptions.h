@@ -1,4 +1,4 @@
-// The library's family of exceptions. No operation raises them; hosts of the framework can.
+// The library's family of exceptions. No operation of the library raises them.
 #ifndef NVSUPPORT_UI_EXCEPTIONS_H
 #define NVSUPPORT_UI_EXCEPTIONS_H
 

@@ -6,8 +6,6 @@
 namespace nvsupport {
 namespace {
 
-using user::Key;
-
 constexpr std::uintptr_t hostId = 0x4400001;
 const HWND hostWindow = reinterpret_cast<HWND>(hostId);
 
@@ -31,8 +29,6 @@ TEST(Dialog, EndsWithTheValueOfWhatTheUserDid) {
   } cases[] = {
       {"OK", PlayedUser::Clicks(IDOK), 1},
       {"Cancel", PlayedUser::Clicks(IDCANCEL), 2},
-      {"Enter", [](HWND window) { user::Press(window, Key::enter); }, 1},
-      {"Esc", [](HWND window) { user::Press(window, Key::escape); }, 2},
       {"close box", [](HWND window) { user::CloseBox(window); }, 2},
       // Dialog itself does not look at the notification code.
       {"notification", [](HWND window) { SendMessageA(window, WM_COMMAND, 0x0300'0001, 0); }, 1},

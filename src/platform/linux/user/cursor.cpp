@@ -9,19 +9,24 @@ namespace {
 // The thread whose input the calling one has joined, or 0.
 thread_local DWORD joinedThread = 0;
 
+// Shared cursors are known by their number.
+HCURSOR SharedCursor(LPCSTR name) {
+  return reinterpret_cast<HCURSOR>(const_cast<LPSTR>(name));
+}
+
 }  // namespace
 
-// Shared cursors are known by their number. The wait cursor is loaded by the thread that is going to be blocked.
+// The wait cursor is loaded by the thread that is going to be blocked.
 HCURSOR LoadCursorA(HINSTANCE module, LPCSTR name) {
   user::Display* display = user::OpenedDisplay();
   if (display != nullptr && name == IDC_WAIT) display->NoteCursorWindows();
-  return module == nullptr ? reinterpret_cast<HCURSOR>(const_cast<LPSTR>(name)) : nullptr;
+  return module == nullptr ? SharedCursor(name) : nullptr;
 }
 
 HCURSOR SetCursor(HCURSOR cursor) {
   const DWORD thread = joinedThread != 0 ? joinedThread : GetCurrentThreadId();
   user::Display* display = user::DisplayOfThread(thread);
-  if (display != nullptr && cursor == LoadCursorA(nullptr, IDC_WAIT)) display->ShowWaitCursor();
+  if (display != nullptr && cursor == SharedCursor(IDC_WAIT)) display->ShowWaitCursor();
   return nullptr;
 }
 
