@@ -150,7 +150,9 @@ BOOL MoveFileA(LPCSTR from, LPCSTR to) {
 }
 
 HANDLE CreateFileA(LPCSTR path, DWORD, DWORD, struct SECURITY_ATTRIBUTES*, DWORD, DWORD, HANDLE) {
-  const int descriptor = open(NativePath(path).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, anyonesFile);
+  // Without waiting, as streams are opened.
+  constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+  const int descriptor = open(NativePath(path).c_str(), flags, anyonesFile);
   if (descriptor < 0) return INVALID_HANDLE_VALUE;
   return static_cast<HandleObject*>(new WrittenFile(descriptor));
 }
