@@ -66,16 +66,6 @@ TEST_F(Module, SetsNothingToWorkAtLoadAndLeavesAtUnload) {
   }
 }
 
-TEST_F(Module, LooksUpItsCaptionAtLoadAndNotesTheMissAtUnload) {
-  std::filesystem::create_directories(home.folder / "documents/NVTranslation");
-  EXPECT_EQ(RunHost("load").exitCode, 0);
-  std::string narrow;
-  for (const char byte : ReadWholeFile(home.folder / "documents/NVTranslation/nvsupport.txt")) {
-    if (byte != '\0') narrow += byte;
-  }
-  EXPECT_NE(narrow.find("Account Manager\tXXXX\r\n"), std::string::npos) << narrow;
-}
-
 TEST_F(Module, HoldsNothingMoreAfterManyLoads) {
   ExpectNoGrowth("cycle", sanitized ? 100 : 1000);
 }

@@ -1,5 +1,4 @@
 // The file operations of the platform as the library relies on them.
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -22,22 +21,6 @@ using namespace std::string_literals;
 
 HANDLE CreateForWriting(const std::string& path) {
   return CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-}
-
-TEST(PlatformFiles, TakeEitherSeparator) {
-  const TemporaryFolder folder;
-  const std::string path = folder / "sub\\a.txt";
-  ASSERT_TRUE(CreateDirectoryA((folder / "sub").c_str(), nullptr));
-  const HANDLE file = CreateForWriting(path);
-  ASSERT_NE(file, INVALID_HANDLE_VALUE);
-  DWORD written = 99;
-  EXPECT_TRUE(WriteFile(file, "text", 4, &written, nullptr));
-  EXPECT_EQ(written, 4u);
-  EXPECT_TRUE(CloseHandle(file));
-  EXPECT_EQ(ReadWholeFile(folder / "sub/a.txt"), "text");
-  EXPECT_EQ(GetFileAttributesA(path.c_str()), FILE_ATTRIBUTE_NORMAL);
-  EXPECT_TRUE(DeleteFileA(path.c_str()));
-  EXPECT_EQ(GetFileAttributesA(path.c_str()), INVALID_FILE_ATTRIBUTES);
 }
 
 TEST(PlatformFiles, WhatIsNoFileIsNeitherOpenedNorWaitedFor) {
@@ -120,24 +103,6 @@ TEST(PlatformFiles, PatternsMatchAsThePublishedInterfaceDoes) {
   }
   WIN32_FIND_DATAA data{};
   EXPECT_EQ(FindFirstFileA((folder / "missing\\*").c_str(), &data), INVALID_HANDLE_VALUE);
-}
-
-TEST(PlatformFiles, TimeStampsComeInTheFormOfTheSystemTime) {
-  const TemporaryFolder folder;
-  WriteWholeFile(folder / "a", "");
-  const SYSTEMTIME known{2001, 9, 0, 9, 1, 46, 40, 5};  // 1,000,000,000 seconds after 1970, and 5 ms
-  const timespec times[2] = {{1'000'000'000, 5'000'000}, {1'000'000'000, 5'000'000}};
-  ASSERT_EQ(utimensat(AT_FDCWD, (folder / "a").c_str(), times, 0), 0);
-  WIN32_FIND_DATAA data{};
-  FILETIME time{};
-  FindClose(FindFirstFileA((folder / "a").c_str(), &data));
-  ASSERT_TRUE(SystemTimeToFileTime(&known, &time));
-  EXPECT_EQ(CompareFileTime(&time, &data.ftLastWriteTime), 0);
-  SYSTEMTIME now{};
-  GetSystemTime(&now);
-  ASSERT_TRUE(SystemTimeToFileTime(&now, &time));
-  EXPECT_GT(CompareFileTime(&time, &data.ftLastWriteTime), 0);
-  EXPECT_LT(CompareFileTime(&data.ftLastWriteTime, &time), 0);
 }
 
 }  // namespace

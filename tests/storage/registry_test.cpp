@@ -21,7 +21,7 @@ std::string UserText(const std::string& value) {
   return GetRegistryText(HKEY_CURRENT_USER, key, value, "default");
 }
 
-TEST(Registry, ReadsEveryFormOfValue) {
+TEST(Registry, ReadsEveryFormOfValueAndSkipsBrokenLines) {
   const TemporaryHome home;
   home.WriteUserRegistry(
       "; a comment\r\n"
@@ -40,23 +40,6 @@ TEST(Registry, ReadsEveryFormOfValue) {
       "\"Gone\"=\"x\"\n"
       "\"gone\"=-\n"
       "\"Twice\"=\"first\"\n"
-      "[HKEY_LOCAL_MACHINE\\Software\\Norvane]\n"
-      "\"Language\"=\"wrong\"\n"
-      "[HKEY_CURRENT_USER\\Software\\Norvane]\n"
-      "\"TWICE\"=\"second\"");
-  const std::pair<const char*, const char*> values[] = {
-      {"", "standard"},       {"LANGUAGE", "Deutsch"}, {"Path", "C:\\maps\\\"new\""},
-      {"Single", "C:\\maps"}, {"a=\"b\"", "odd name"}, {"Number", "ABC"},
-      {"Text", "abcd"},       {"Gone", "default"},     {"Twice", "second"},
-      {"Missing", "default"}};
-  for (const auto& [name, text] : values) EXPECT_EQ(UserText(name), text) << name;
-  EXPECT_EQ(GetRegistryText(HKEY_LOCAL_MACHINE, key, "Language", "default"), "default");
-}
-
-TEST(Registry, BrokenLinesCostOnlyThemselves) {
-  const TemporaryHome home;
-  home.WriteUserRegistry(
-      "[HKEY_CURRENT_USER\\Software\\Norvane]\n"
       "\"NoEnd\"=\"abc\n"
       "\"NoValue\"\n"
       "\"NoForm\"=abc\n"
@@ -65,11 +48,20 @@ TEST(Registry, BrokenLinesCostOnlyThemselves) {
       "\"CutBytes\"=hex:61,62,\\\n"
       "\"Good\"=\"yes\"\n"
       "[HKEY_CURRENT_USER\\Software\\Norvane\n"
-      "\"Good\"=\"no\"\n");
+      "\"Good\"=\"no\"\n"
+      "[HKEY_LOCAL_MACHINE\\Software\\Norvane]\n"
+      "\"Language\"=\"wrong\"\n"
+      "[HKEY_CURRENT_USER\\Software\\Norvane]\n"
+      "\"TWICE\"=\"second\"");
   const std::pair<const char*, const char*> values[] = {
-      {"NoEnd", "default"}, {"NoValue", "default"}, {"NoForm", "default"}, {"NoNumber", "default"},
-      {"HalfBytes", "ab"},  {"CutBytes", "ab"},     {"Good", "yes"}};
+      {"", "standard"},       {"LANGUAGE", "Deutsch"}, {"Path", "C:\\maps\\\"new\""},
+      {"Single", "C:\\maps"}, {"a=\"b\"", "odd name"}, {"Number", "ABC"},
+      {"Text", "abcd"},       {"Gone", "default"},     {"Twice", "second"},
+      {"Missing", "default"}, {"NoEnd", "default"},    {"NoValue", "default"},
+      {"NoForm", "default"},  {"NoNumber", "default"}, {"HalfBytes", "ab"},
+      {"CutBytes", "ab"},     {"Good", "yes"}};
   for (const auto& [name, text] : values) EXPECT_EQ(UserText(name), text) << name;
+  EXPECT_EQ(GetRegistryText(HKEY_LOCAL_MACHINE, key, "Language", "default"), "default");
 }
 
 TEST(Registry, TextsOf260CharactersFitAndLongerOnesGiveTheDefault) {
