@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cstring>
 #include <limits>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -62,18 +61,12 @@ Found SearchAnswered(const std::string& body) {
 
 TEST(MapShopSearch, SendsThePointsAsTheyStandInMemory) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
-  const std::vector<MapShopPoint> areas[] = {
-      {},
-      {{50.5, 14.25}},
-      {{90, 400}, {-90, -400}, {0, 399.5}},
-      {{nan, nan}},
-  };
+  const std::vector<MapShopPoint> areas[] = {{}, {{90, 400}, {-90, -400}, {nan, 399.5}}};
   for (const auto& area : areas) {
     const Service service(ReplyWith({}, 5).bytes);
     EXPECT_EQ(Search(area).closingValue, 5);
-    const auto count = static_cast<std::int32_t>(area.size());
     const std::string points(reinterpret_cast<const char*>(area.data()), area.size() * sizeof(MapShopPoint));
-    EXPECT_EQ(service.LastRequestBody(), Int(101) + Int(4) + Int(count) + points + Int(0)) << count;
+    EXPECT_EQ(service.LastRequestBody(), Int(101) + Int(4) + Int(area.size()) + points + Int(0));
   }
 }
 
@@ -93,17 +86,12 @@ TEST(MapShopSearch, SpeaksAsTheFormatDocumentShowsAndLaysTheRecordOut) {
 
 TEST(MapShopSearch, AsksNobodyAboutAnAreaOutOfRange) {
   const MapShopPoint good{50, 14};
-  const double infinity = std::numeric_limits<double>::infinity();
-  const MapShopPoint wrong[] = {{90.001, 0}, {-90.001, 0}, {0, 400.5}, {0, -400.5}, {infinity, 0}, {0, -infinity}};
+  const MapShopPoint wrong[] = {{90.001, 0}, {-90.001, 0}, {0, 400.5}, {0, -400.5}};
   const Service service(ReplyWith({}, 5).bytes);
   for (const MapShopPoint& point : wrong) {
-    const Found found = Search({good, good, point});
-    EXPECT_TRUE(found.items.empty());
-    EXPECT_EQ(found.closingValue, 0);
+    EXPECT_EQ(Search({good, good, point}).closingValue, 0);
   }
-  for (const std::int32_t count : {1, -1, std::numeric_limits<std::int32_t>::min()}) {
-    EXPECT_EQ(NSMapShopClose(NSMapShopSearch(nullptr, count)), 0) << count;
-  }
+  for (const std::int32_t count : {1, -1}) EXPECT_EQ(NSMapShopClose(NSMapShopSearch(nullptr, count)), 0) << count;
   EXPECT_TRUE(service.Requests().empty());
 }
 
@@ -117,14 +105,10 @@ TEST(MapShopSearch, MarksPackagesByTheSuffixOfTheirFileAndCutsTexts) {
       {"folder/a.NvPkG", "Sea", "Package: Sea"},
       {"a-nvpkg", "Sea", "Sea"},
       {"a.nvpkg2", "Sea", "Sea"},
-      {"", "Sea", "Sea"},
       {"a.nvpkg", "", "Package: "},
-      {"a.nvpkg", title(189), "Package: " + title(189)},
       {"a.nvpkg", title(190), "Package: " + title(190)},
       {"a.nvpkg", title(191), "Package: " + title(190)},
       {"a.nvpkg", title(199), "Package: " + title(190)},
-      {"a.nvpkg", title(5000), "Package: " + title(190)},
-      {"a.map", title(199), title(199)},
       {"a.map", title(2000), title(199)},
       {std::string(993, 'f') + ".nvpkg", "Sea", "Package: Sea"},
       {std::string(994, 'f') + ".nvpkg", "Sea", "Sea"},
@@ -165,12 +149,13 @@ TEST(MapShopSearch, KeepsWhatCameBeforeAReplyBrokeOffAtAnyByte) {
     while (whole < offered.size() && cut > reply.lastValues[whole]) ++whole;
     ASSERT_EQ(found.items.size(), whole) << cut;
     for (std::size_t i = 0; i < whole; ++i) {
-      const MapShopItem& item = found.items[i];
-      EXPECT_EQ(item.title, (i == 1 ? "Package: " : "") + offered[i].title) << cut;
-      EXPECT_EQ(item.firstValue, offered[i].firstValue) << cut;
-      EXPECT_EQ(item.shortText, offered[i].shortText) << cut;
-      EXPECT_EQ(item.fileReference, offered[i].file) << cut;
-      EXPECT_EQ(item.secondValue, ValueCutAt(offered[i].secondValue, reply.lastValues[i], cut)) << cut;
+      MapShopReply item;
+      const MapShopItem& got = found.items[i];
+      item.Add({got.title, got.firstValue, got.shortText, got.fileReference, got.secondValue});
+      OfferedItem expected = offered[i];
+      if (i == 1) expected.title.insert(0, "Package: ");
+      expected.secondValue = ValueCutAt(expected.secondValue, reply.lastValues[i], cut);
+      EXPECT_EQ(item.bytes, MapShopReply().Add(expected).bytes) << cut;
     }
     EXPECT_EQ(found.closingValue, ValueCutAt(closing, reply.bytes.size() - 4, cut)) << cut;
   }
@@ -184,9 +169,8 @@ TEST(MapShopSearch, PaysForHostileCountsOnlyWithTheBytesThatCame) {
     std::int32_t closing;
   } cases[] = {
       {Int(0) + Int(huge) + Int(1) + Int(2), 0, 0},      {Int(0) + Int(-1) + Int(1) + item + Int(7), 1, 7},
-      {Int(0) + Int(0) + Int(huge) + item + item, 2, 0}, {Int(0) + Int(0) + Int(huge), 0, 0},
-      {Int(0) + Int(0) + Int(-1) + Int(7), 0, 7},        {Int(0) + Int(0) + Int(0) + Int(7) + "more", 0, 7},
-      {Int(1) + Int(0) + Int(1) + item + Int(7), 0, 0},  {Int(-1), 0, 0},
+      {Int(0) + Int(0) + Int(huge) + item + item, 2, 0}, {Int(0) + Int(0) + Int(-1) + Int(7), 0, 7},
+      {Int(1) + Int(0) + Int(1) + item + Int(7), 0, 0},
   };
   for (const auto& each : cases) {
     const auto start = std::chrono::steady_clock::now();
@@ -197,22 +181,11 @@ TEST(MapShopSearch, PaysForHostileCountsOnlyWithTheBytesThatCame) {
   }
 }
 
-std::string Chunked(const std::string& body) {
-  std::string chunks = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
-  for (const char byte : body) chunks += "1\r\n"s + byte + "\r\n";
-  return chunks + "0\r\n\r\n";
-}
-
 TEST(MapShopSearch, TakesAnyHttpReplyForWhatItsBodyHolds) {
   const std::string body = ReplyWith({{"a", 1, "b", "c", 2}}, 5).bytes;
   const Reply whole = HttpReply(200, body);
-  const std::size_t head = whole.bytes.size() - body.size();
-  const std::string chunks = Chunked(body);
-  const std::size_t closingChunks = 4 * std::string("1\r\nx\r\n").size();
-  const std::size_t lastChunk = std::string("0\r\n\r\n").size();
-  Reply trickling = whole;
-  trickling.piece = 16;
-  trickling.pause = std::chrono::milliseconds(2);
+  Reply silent = CutAfter(whole, whole.bytes.size() - 4);
+  silent.end = Reply::End::hold;
   const struct {
     const char* what;
     Reply reply;
@@ -222,16 +195,13 @@ TEST(MapShopSearch, TakesAnyHttpReplyForWhatItsBodyHolds) {
       {"an error page", HttpReply(500, "<html>Internal Server Error</html>"), 0, 0},
       {"a reply under an error status", HttpReply(404, body), 1, 5},
       {"no body", HttpReply(200, ""), 0, 0},
-      {"no content", {.bytes = "HTTP/1.1 204 No Content\r\n\r\n"}, 0, 0},
-      {"chunks of one byte", {.bytes = chunks}, 1, 5},
-      {"chunks that end early", CutAfter({.bytes = chunks}, chunks.size() - lastChunk - closingChunks), 1, 0},
       {"no length", {.bytes = "HTTP/1.1 200 OK\r\n\r\n" + body}, 1, 5},
-      {"a few bytes at a time", trickling, 1, 5},
-      {"a close in the head", CutAfter(whole, head - 5), 0, 0},
-      {"a close without a word", {}, 0, 0},
-      {"a reset", {.bytes = {}, .end = Reply::End::reset}, 0, 0},
+      {"a close in the head", CutAfter(whole, 20), 0, 0},
       {"no HTTP", {.bytes = body}, 0, 0},
+      {"silence", testing::NoReply(), 0, 0},
+      {"silence before the closing value", silent, 1, 0},
   };
+  const testing::ShortTimeouts timeouts;
   for (const auto& each : cases) {
     const Service service(std::vector{each.reply});
     const Found found = Search();
@@ -240,35 +210,15 @@ TEST(MapShopSearch, TakesAnyHttpReplyForWhatItsBodyHolds) {
   }
 }
 
-TEST(MapShopSearch, GivesUpOnAServerThatFallsSilent) {
-  const testing::ShortTimeouts timeouts;
-  Reply reply = HttpReply(200, ReplyWith({{"a", 1, "b", "c", 2}}, 5).bytes);
-  reply.end = Reply::End::hold;
-  const struct {
-    Reply reply;
-    std::size_t items;
-  } cases[] = {{testing::NoReply(), 0}, {CutAfter(reply, 10), 0}, {CutAfter(reply, reply.bytes.size() - 4), 1}};
-  for (const auto& each : cases) {
-    const Service service(std::vector{each.reply});
-    const auto start = std::chrono::steady_clock::now();
-    const Found found = Search();
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
-    EXPECT_EQ(found.items.size(), each.items);
-    EXPECT_EQ(found.closingValue, 0);
-  }
-}
-
 TEST(MapShopSearch, EndsAReplyAtAStringOverTheLimit) {
-  const std::string whole = ReplyOf(3).Add({"first", 1, "s", "f", 2}).bytes;
-  const std::string rest = Int(0) + Text("s") + Text("f") + Int(0) + Int(0) + Int(0) + Int(9);
   const std::string begun[] = {"", Text("t") + Int(0), Text("t") + Int(0) + Text("s")};
   for (const std::string& before : begun) {
-    for (const std::uint32_t length : {100001u, 0xFFFFFFFFu}) {
-      std::string reply = whole;
-      const Found found = SearchAnswered(reply.append(before).append(Int(length)).append(rest));
-      EXPECT_EQ(found.items.size(), 1u);
-      EXPECT_EQ(found.closingValue, 0);
-    }
+    std::string reply = ReplyOf(3).Add({"first", 1, "s", "f", 2}).bytes;
+    // What follows would be read as whole items, were it read.
+    reply.append(before).append(Int(100001)).append(200, '\0');
+    const Found found = SearchAnswered(reply);
+    EXPECT_EQ(found.items.size(), 1u);
+    EXPECT_EQ(found.closingValue, 0);
   }
   const OfferedItem longest{std::string(100000, 't'), 1, "s", "f", 2};
   EXPECT_EQ(SearchAnswered(ReplyWith({longest}, 9).bytes).closingValue, 9) << "the limit itself is allowed";
