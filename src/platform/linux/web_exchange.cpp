@@ -44,7 +44,10 @@ bool WebExchange::Send(WebRequest request, std::string_view extraHeader, std::st
     request.secure = request.secure || target.starts_with("https:");
     request.post = request.post && KeepsMethod(StatusCode());
   }
+  // Redirects without end: the last one is no reply, so nothing of it can be read.
+  phase = Phase::failed;
   headDone = false;
+  begin = end = 0;
   return false;
 }
 
