@@ -74,9 +74,15 @@ bool TrueInChild(const std::function<bool()>& action, bool asNobody = false) {
   return status == 0;
 }
 
-TEST_F(WebDownload, AsksForTheFileOnce) {
+TEST_F(WebDownload, AsksForTheFileOnceIfItHasAllNames) {
   RoutedServer server(HttpReply(200, "new"));
+  for (const char* host : {"", static_cast<const char*>(nullptr)}) {
+    EXPECT_FALSE(x77fc64c7(host, "x", file.c_str(), nullptr, nullptr));
+  }
+  EXPECT_FALSE(x77fc64c7(serverName, "x", nullptr, nullptr, nullptr));
+  EXPECT_EQ(Left(), old);
   EXPECT_TRUE(Download());
+  EXPECT_EQ(Left(), "new");
   EXPECT_EQ(server.Requests(), (std::vector<std::string>{"GET /maps/a.map HTTP/1.1\r\nHost: web.example\r\n"
                                                          "User-Agent: Norvane\r\nPragma: no-cache\r\n\r\n"}));
 }
@@ -155,15 +161,6 @@ TEST_F(WebDownload, StopsAtAnyCallOfTheCallbackAndAtAnException) {
   const auto thrower = [](void*) -> bool { throw 1; };
   EXPECT_FALSE(x77fc64c7(serverName, "x", file.c_str(), thrower, nullptr));
   EXPECT_EQ(Left(), absent);
-}
-
-TEST_F(WebDownload, CallsNoServerWithoutAName) {
-  RoutedServer server(HttpReply(200, "new"));
-  EXPECT_FALSE(x77fc64c7("", "x", file.c_str(), nullptr, nullptr));
-  EXPECT_FALSE(x77fc64c7(nullptr, "x", file.c_str(), nullptr, nullptr));
-  EXPECT_FALSE(x77fc64c7(serverName, "x", nullptr, nullptr, nullptr));
-  EXPECT_EQ(Left(), old);
-  EXPECT_EQ(server.Connections(), 0);
 }
 
 TEST_F(WebDownload, FailsWhereNoFileCanBeWritten) {

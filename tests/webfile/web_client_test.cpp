@@ -139,27 +139,23 @@ TEST(WebClient, RefusesTextsThatWouldChangeTheRequest) {
 
 TEST(WebClient, TakesHandlesThatAreNone) {
   Exchange closed;
-  InternetCloseHandle(closed.request);
+  EXPECT_TRUE(InternetCloseHandle(closed.request));
+  EXPECT_FALSE(InternetCloseHandle(closed.request));
   Exchange open;
-  int someAddress = 0;
   DWORD number = 7;
   DWORD size = sizeof number;
-  constexpr DWORD statusQuery = HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER;
-  // Null, closed, of another kind, never made; at last one that is not sent, so it has nothing to tell.
-  for (const HINTERNET handle : {HINTERNET{}, closed.request, open.connection, HINTERNET{&someAddress}, open.request}) {
-    EXPECT_FALSE(HttpQueryInfoA(handle, statusQuery, &number, &size, nullptr));
-    EXPECT_FALSE(InternetReadFile(handle, &number, sizeof number, &number));
-    EXPECT_EQ(number, 7u);
-    EXPECT_EQ(InternetConnectA(handle, serverName, 80, nullptr, nullptr, INTERNET_SERVICE_HTTP, 0, 0), nullptr);
-    if (handle == open.request) break;
+  // Null, closed, never made, of another kind.
+  for (const HINTERNET handle : {HINTERNET{}, closed.request, HINTERNET{&number}, open.connection}) {
     EXPECT_FALSE(HttpSendRequestA(handle, nullptr, 0, nullptr, 0));
+    EXPECT_FALSE(HttpQueryInfoA(handle, HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER, &number, &size, nullptr));
+    EXPECT_FALSE(InternetReadFile(handle, &number, sizeof number, &number));
+    EXPECT_EQ(InternetConnectA(handle, serverName, 80, nullptr, nullptr, INTERNET_SERVICE_HTTP, 0, 0), nullptr);
   }
-  for (const HINTERNET handle : {HINTERNET{}, open.request, open.internet}) {
-    EXPECT_EQ(HttpOpenRequestA(handle, "GET", "x", nullptr, nullptr, nullptr, 0, 0), nullptr);
-  }
+  EXPECT_EQ(HttpOpenRequestA(open.internet, "GET", "x", nullptr, nullptr, nullptr, 0, 0), nullptr);
   EXPECT_EQ(InternetConnectA(open.internet, "", 80, nullptr, nullptr, INTERNET_SERVICE_HTTP, 0, 0), nullptr);
-  EXPECT_FALSE(InternetCloseHandle(nullptr));
-  EXPECT_FALSE(InternetCloseHandle(closed.request));
+  EXPECT_EQ(open.Status(), 1000u) << "not sent, so it has nothing to tell";
+  EXPECT_EQ(open.Body(), "!");
+  EXPECT_EQ(number, 7u);
 }
 
 }  // namespace
