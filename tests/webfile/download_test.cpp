@@ -170,6 +170,7 @@ TEST_F(WebDownload, FailsWhereNoFileCanBeWritten) {
   chmod(folder.path.c_str(), 0755);
   EXPECT_EQ(server.Requests().size(), 1u);
   EXPECT_EQ(Left(), old);
+  EXPECT_FALSE(x77fc64c7(serverName, "x", (folder / "missing/a.map").c_str(), nullptr, nullptr));
   // A folder of the temporary file's name, and one of the destination's.
   std::filesystem::create_directory(temporary);
   EXPECT_FALSE(Download());

@@ -86,8 +86,10 @@ TEST(WebClient, FollowsARedirectUnlessToldNotTo) {
   };
   const Case cases[] = {
       {301, "http://web.example/new?a=b", "GET /new?a=b "},
+      {302, "/new", "GET /new "},
       {303, "new", "GET /dir/new "},
       {307, "/new", "POST /new body"},
+      {308, "/new", "POST /new body"},
   };
   for (const Case& entry : cases) {
     SCOPED_TRACE(entry.status);
