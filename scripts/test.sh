@@ -1,39 +1,83 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds every preset and runs all tests: the whole suite under AddressSanitizer and
-# UndefinedBehaviorSanitizer, what has threads under ThreadSanitizer, the cross build for Windows, the optimised
-# build with its programs.
+# Installs what is missing, then builds and tests everything, step by step. A step that fails does not hold up those
+# behind it; a table of all steps comes at the end, and the exit code is 0 when all have passed.
+#
+# test.sh           all steps
+# test.sh NAME...   only these
+# test.sh --list    the names
 set -euo pipefail
-
-if [[ "${1-}" == "-h" || "${1-}" == "--help" ]]; then
-  sed -n '2,4s/^# //p' "$0"
-  echo "usage: scripts/test.sh"
-  exit 0
-fi
-
 cd "$(dirname "$0")/.."
+
+check_format() {
+  git ls-files '*.h' '*.cpp' '*.c' | xargs clang-format --dry-run --Werror
+}
+
+build_windows() {
+  cmake --preset windows >/dev/null
+  cmake --build --preset windows
+  scripts/check-exports.sh build/windows/nvsupport.dll
+}
+
+build_release() {
+  cmake --preset release >/dev/null
+  cmake --build --preset release --target programs nvsupport-bench
+  scripts/check-exports.sh build/release/nvsupport.so
+}
+
+test_threads() {
+  cmake --preset tsan >/dev/null
+  cmake --build --preset tsan --target nv_thread_tests
+  ctest --preset tsan -L threads
+}
+
+test_all() {
+  cmake --preset dev >/dev/null
+  cmake --build --preset dev
+  ctest --preset dev -j2
+}
+
+# Name and command of each step, in the order in which they run.
+readonly steps=(
+  "format check_format"      # every source as clang-format leaves it
+  "windows build_windows"    # cross build of the DLL, with its exports
+  "release build_release"    # optimised build of all programs, with the module's exports
+  "threads test_threads"     # what has threads, under ThreadSanitizer
+  "tests test_all"           # every test, under AddressSanitizer and UndefinedBehaviorSanitizer
+)
+
+names() { printf '%s\n' "${steps[@]%% *}"; }
+case ${1:-} in
+-h | --help) sed -n '2,7s/^# \?//p' "$0"; exit ;;
+--list) names; exit ;;
+esac
+for name in "$@"; do
+  names | grep -qxF -e "$name" || { printf 'no step "%s"; there are: %s\n' "$name" "$(names | xargs)" >&2; exit 2; }
+done
+is_wanted() {
+  local -r name=$1
+  shift
+  (($# == 0)) || [[ " $* " == *" $name "* ]]
+}
+
 scripts/install-packages.sh test
 
-step() { printf '\n== %s\n' "$*"; }
-
-step "Format"
-git ls-files '*.h' '*.cpp' '*.c' | xargs clang-format --dry-run --Werror
-
-step "Windows cross build"
-cmake --preset windows >/dev/null
-cmake --build --preset windows
-scripts/check-exports.sh build/windows/nvsupport.dll
-
-step "Optimised build"
-cmake --preset release >/dev/null
-cmake --build --preset release --target programs nvsupport-bench
-scripts/check-exports.sh build/release/nvsupport.so
-
-step "ThreadSanitizer"
-cmake --preset tsan >/dev/null
-cmake --build --preset tsan --target nv_thread_tests
-ctest --preset tsan -L threads
-
-step "AddressSanitizer and UndefinedBehaviorSanitizer: all tests"
-cmake --preset dev >/dev/null
-cmake --build --preset dev
-ctest --preset dev -j2
+table='' failed=0
+for entry in "${steps[@]}"; do
+  read -r name command <<<"$entry"
+  is_wanted "$name" "$@" || continue
+  printf '\n== %s\n' "$name"
+  started=$SECONDS
+  # Not as a condition: within one, a function goes on behind a command that failed.
+  set +e
+  (set -e && $command)
+  status=$?
+  set -e
+  result=passed
+  if ((status != 0)); then
+    result=FAILED failed=1
+    printf '== %s FAILED\n' "$name"
+  fi
+  table+=$(printf '%-10s %-8s %7d' "$name" $result $((SECONDS - started)))$'\n'
+done
+printf '\n%-10s %-8s %7s\n%s' step result seconds "$table"
+exit $failed
