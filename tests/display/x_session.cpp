@@ -123,6 +123,10 @@ bool XSession::IsGone(const std::string& title) const {
   return WaitUntil([&] { return Do(Search(title)).empty(); });
 }
 
+bool XSession::IsGone(xcb_window_t window) const {
+  return WaitUntil([&] { return AreaOf(window).width == 0; });
+}
+
 Area XSession::AreaOf(xcb_window_t window) const {
   const auto askSize = xcb_get_geometry(connection, window);
   const auto askPlace = xcb_translate_coordinates(connection, window, root, 0, 0);

@@ -51,6 +51,7 @@ class XSession {
   xcb_window_t Await(const std::string& title) const;
   bool HasFocus(xcb_window_t window) const;
   bool IsGone(const std::string& title) const;
+  bool IsGone(xcb_window_t window) const;  // whatever others have its title
   // Its client area on the screen.
   Area AreaOf(xcb_window_t window) const;
   xcb_window_t OwnerOf(xcb_window_t window) const;
