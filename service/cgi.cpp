@@ -10,18 +10,18 @@
 #include <optional>
 #include <stdexcept>
 
-#include "service/message.h"
+#include "service/wire_items.h"
 
 namespace nvsupport::service {
 namespace {
 
-constexpr int kOk = 200;
-constexpr int kBadRequest = 400;
-constexpr int kForbidden = 403;
-constexpr int kMethodNotAllowed = 405;
-constexpr int kLengthRequired = 411;
-constexpr int kTooLarge = 413;
-constexpr std::string_view kMessageType = "application/octet-stream";
+constexpr int ok = 200;
+constexpr int badRequest = 400;
+constexpr int forbidden = 403;
+constexpr int methodNotAllowed = 405;
+constexpr int lengthRequired = 411;
+constexpr int tooLarge = 413;
+constexpr std::string_view replyType = "application/octet-stream";
 
 std::optional<std::size_t> ParseLength(std::string_view text) {
   std::size_t length = 0;
@@ -34,13 +34,13 @@ std::optional<std::size_t> ParseLength(std::string_view text) {
 
 // Reads the body of a POST request; the result is the HTTP status, 200 if `body` is complete.
 int ReadPost(std::size_t limit, Transport transport, std::string& body) {
-  if (Variable("REQUEST_METHOD") != "POST") return kMethodNotAllowed;
-  if (transport == Transport::kSecureOnly && !IsSecure()) return kForbidden;
+  if (Variable("REQUEST_METHOD") != "POST") return methodNotAllowed;
+  if (transport == Transport::secureOnly && !IsSecure()) return forbidden;
   const auto length = ParseLength(Variable("CONTENT_LENGTH"));
-  if (!length) return kLengthRequired;
-  if (*length > limit) return kTooLarge;
+  if (!length) return lengthRequired;
+  if (*length > limit) return tooLarge;
   body.resize(*length);
-  return std::fread(body.data(), 1, body.size(), stdin) == body.size() ? kOk : kBadRequest;
+  return std::fread(body.data(), 1, body.size(), stdin) == body.size() ? ok : badRequest;
 }
 
 }  // namespace
@@ -50,12 +50,12 @@ int AnswerPost(std::size_t limit, Transport transport, const std::function<std::
   const int httpStatus = ReadPost(limit, transport, body);
   std::string reply;
   try {
-    reply = httpStatus == kOk ? answer(body) : ReplyWriter(Status::kNotUnderstood).Bytes();
+    reply = httpStatus == ok ? answer(body) : ReplyWriter(Status::notUnderstood).Bytes();
   } catch (const std::exception& error) {
     std::fprintf(stderr, "request failed: %s\n", error.what());
-    reply = ReplyWriter(Status::kServiceFailed).Bytes();
+    reply = ReplyWriter(Status::serviceFailed).Bytes();
   }
-  SendReply(httpStatus, kMessageType, reply);
+  SendReply(httpStatus, replyType, reply);
   return EXIT_SUCCESS;
 }
 

@@ -9,7 +9,7 @@
 
 namespace nvsupport::service {
 
-enum class Transport { kAny, kSecureOnly };
+enum class Transport { any, secureOnly };
 
 // Answers one POST request of at most `limit` bytes with what `answer` makes of its body. A request that does not get
 // as far gets an HTTP error whose body is a status like any other reply: clients do not look at the HTTP status.

@@ -8,17 +8,17 @@
 namespace nvsupport::service {
 
 enum class Status : std::uint32_t {
-  kDone = 0,
-  kNotUnderstood = 1,     // malformed request, unknown operation, a text or number beyond its limit
-  kUserIdInUse = 2,       // *
-  kPasswordTooShort = 3,  // *
-  kWrongUserId = 4,       // *
-  kWrongPassword = 5,     // *
-  kNoUserId = 6,          // a new account's user ID has no letter or digit
-  kTooManyComputers = 7,  // the account has as many computers as it may have
-  kEmailInUse = 13,       // *
-  kInvalidEmail = 14,     // *
-  kServiceFailed = 20,    // the service could not do its work; the request was fine
+  done = 0,
+  notUnderstood = 1,     // malformed request, unknown operation, a text or number beyond its limit
+  userIdInUse = 2,       // *
+  passwordTooShort = 3,  // *
+  wrongUserId = 4,       // *
+  wrongPassword = 5,     // *
+  noUserId = 6,          // a new account's user ID has no letter or digit
+  tooManyComputers = 7,  // the account has as many computers as it may have
+  emailInUse = 13,       // *
+  invalidEmail = 14,     // *
+  serviceFailed = 20,    // the service could not do its work; the request was fine
 };
 
 }  // namespace nvsupport::service

@@ -5,23 +5,23 @@
 #include <cstdlib>
 #include <ctime>
 
-#include "service/account_service.h"
+#include "service/accounts/account_service.h"
 #include "service/cgi.h"
 
 namespace {
 
-constexpr std::int64_t kSessionSeconds = 3600;
+constexpr std::int64_t sessionSeconds = 3600;
 
 }  // namespace
 
 int main() {
   namespace service = nvsupport::service;
   service::KeepSecrets();
-  return service::AnswerPost(service::AccountService::kLargestRequest, service::Transport::kSecureOnly,
+  return service::AnswerPost(service::AccountService::largestRequest, service::Transport::secureOnly,
                              [](std::string_view request) {
                                service::AccountStore store(service::RequiredVariable("NV_SERVICE_DATABASE"));
                                const std::string seconds = service::Variable("NV_SERVICE_SESSION_SECONDS");
-                               const std::int64_t lifetime = seconds.empty() ? kSessionSeconds : std::stoll(seconds);
+                               const std::int64_t lifetime = seconds.empty() ? sessionSeconds : std::stoll(seconds);
                                return service::AccountService(store, std::time(nullptr), lifetime).Answer(request);
                              });
 }

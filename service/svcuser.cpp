@@ -7,15 +7,15 @@
 #include <ctime>
 #include <exception>
 
-#include "service/account_store.h"
+#include "service/accounts/account_store.h"
 #include "service/cgi.h"
 
 namespace {
 
 using namespace nvsupport::service;
 
-constexpr std::string_view kKey = "session=";
-constexpr std::string_view kPageType = "text/html; charset=utf-8";
+constexpr std::string_view key = "session=";
+constexpr std::string_view pageType = "text/html; charset=utf-8";
 
 std::string Escape(std::string_view text) {
   std::string escaped;
@@ -54,13 +54,13 @@ std::string AccountPage(const AccountStore& store, std::int64_t account) {
 
 void Answer() {
   const std::string query = Variable("QUERY_STRING");
-  const std::string token = query.starts_with(kKey) ? query.substr(kKey.size()) : "";
+  const std::string token = query.starts_with(key) ? query.substr(key.size()) : "";
   const AccountStore store(RequiredVariable("NV_SERVICE_DATABASE"));
   const auto account = IsSecure() ? store.FindSession(token, std::time(nullptr)) : std::nullopt;
   if (account) {
-    SendReply(200, kPageType, AccountPage(store, *account));
+    SendReply(200, pageType, AccountPage(store, *account));
   } else {
-    SendReply(403, kPageType,
+    SendReply(403, pageType,
               Page("Please sign in",
                    "<p>This session has ended. Open the page again from the "
                    "application.</p>\n"));
@@ -75,7 +75,7 @@ int main() {
     Answer();
   } catch (const std::exception& error) {
     std::fprintf(stderr, "request failed: %s\n", error.what());
-    SendReply(500, kPageType, Page("Please try again later", ""));
+    SendReply(500, pageType, Page("Please try again later", ""));
   }
   return EXIT_SUCCESS;
 }

@@ -8,8 +8,8 @@
 
 #include "cgi_program.h"
 #include "request.h"
-#include "service/account_service.h"
-#include "service/account_store.h"
+#include "service/accounts/account_service.h"
+#include "service/accounts/account_store.h"
 #include "support/temporary_home.h"
 
 namespace {
@@ -169,12 +169,12 @@ TEST(AccountStore, ForgetsSessionsAtTheirEnd) {
 TEST(AccountStore, LimitsTheComputersOfAnAccount) {
   const TemporaryFolder folder;
   AccountStore store(folder / "accounts.sqlite");
-  for (std::uint32_t device = 0; device < AccountStore::kMostComputers; ++device) {
-    ASSERT_EQ(store.NameComputer(1, {device, "old", 0}), Status::kDone);
+  for (std::uint32_t device = 0; device < AccountStore::mostComputers; ++device) {
+    ASSERT_EQ(store.NameComputer(1, {device, "old", 0}), Status::done);
   }
-  EXPECT_EQ(store.NameComputer(1, {0xFFFFFFFF, "new", 0}), Status::kTooManyComputers);
-  EXPECT_EQ(store.NameComputer(1, {0, "renamed", 0}), Status::kDone);
-  EXPECT_EQ(store.NameComputer(2, {0xFFFFFFFF, "of another", 0}), Status::kDone);
+  EXPECT_EQ(store.NameComputer(1, {0xFFFFFFFF, "new", 0}), Status::tooManyComputers);
+  EXPECT_EQ(store.NameComputer(1, {0, "renamed", 0}), Status::done);
+  EXPECT_EQ(store.NameComputer(2, {0xFFFFFFFF, "of another", 0}), Status::done);
   EXPECT_FALSE(store.HasComputer(1, 0xFFFFFFFF));
   EXPECT_EQ(store.Computers(1).back().name, "renamed");
 }

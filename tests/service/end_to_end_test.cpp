@@ -18,7 +18,7 @@ using nvsupport::testing::ProgramResult;
 using nvsupport::testing::ReadWholeFile;
 using nvsupport::testing::RunProgram;
 
-const std::string kHost = "service.norvane.example";
+const std::string host = "service.norvane.example";
 
 TEST(EndToEnd, AnAccountIsMadeAndNoLogHoldsItsSecrets) {
   const LocalService service;
@@ -69,10 +69,10 @@ TEST(ExampleHost, ShowsWhatTheServiceOffers) {
 
   const std::string path = "/files/maps/fiji.nvmap";
   const std::string file = service.Path("fiji.nvmap");
-  EXPECT_EQ(RunHost("download " + kHost + " " + path + " " + file).exitCode, 0);
+  EXPECT_EQ(RunHost("download " + host + " " + path + " " + file).exitCode, 0);
   const std::string served = ReadWholeFile(service.Path("www" + path));
   EXPECT_EQ(ReadWholeFile(file), served);
-  EXPECT_EQ(RunHost("read " + kHost + " " + path + " 7 1000").output, served.substr(7, 1000));
+  EXPECT_EQ(RunHost("read " + host + " " + path + " 7 1000").output, served.substr(7, 1000));
 }
 
 TEST(ExampleHost, TellsFailuresApartByItsExitCode) {
@@ -88,9 +88,9 @@ TEST(ExampleHost, TellsFailuresApartByItsExitCode) {
       {"--library /nowhere/nvsupport.so whoami --product P", 3, "/nowhere/nvsupport.so"},
       {"search 90.1,0", 4, "out of range"},
       {"search 0,-30", 5, "no products for this area"},
-      {"download " + kHost + " /files/none " + service.Path("none"), 7, "cannot be reached or does not give"},
-      {"read " + kHost + " /files/maps/fiji.nvmap 99999999 10", 7, "does not give these bytes"},
-      {"read " + kHost + " /files/maps/fiji.nvmap 294900 100", 7, "before all bytes were there"},
+      {"download " + host + " /files/none " + service.Path("none"), 7, "cannot be reached or does not give"},
+      {"read " + host + " /files/maps/fiji.nvmap 99999999 10", 7, "does not give these bytes"},
+      {"read " + host + " /files/maps/fiji.nvmap 294900 100", 7, "before all bytes were there"},
       {"gui", 10, "no screen"},
   };
   for (const auto& row : cases) {
@@ -98,7 +98,7 @@ TEST(ExampleHost, TellsFailuresApartByItsExitCode) {
     EXPECT_EQ(result.exitCode, row.exitCode) << row.command;
     EXPECT_NE(result.output.find(row.message), std::string::npos) << row.command << ": " << result.output;
   }
-  const nvsupport::testing::ScopedVariable nowhere("NV_CONNECT_TO", kHost + ":80:127.0.0.1:1");
+  const nvsupport::testing::ScopedVariable nowhere("NV_CONNECT_TO", host + ":80:127.0.0.1:1");
   EXPECT_EQ(RunHost("search 2>/dev/null").exitCode, 6);
 }
 

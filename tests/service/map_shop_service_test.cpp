@@ -7,7 +7,7 @@
 
 #include "cgi_program.h"
 #include "request.h"
-#include "service/map_shop_service.h"
+#include "service/mapshop/map_shop_service.h"
 
 namespace {
 

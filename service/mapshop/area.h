@@ -1,12 +1,12 @@
 // Boxes of latitude and longitude, in degrees.
-#ifndef NVSUPPORT_SERVICE_AREA_H
-#define NVSUPPORT_SERVICE_AREA_H
+#ifndef NVSUPPORT_SERVICE_MAPSHOP_AREA_H
+#define NVSUPPORT_SERVICE_MAPSHOP_AREA_H
 
 namespace nvsupport::service {
 
-inline constexpr double kLargestLatitude = 90;
+inline constexpr double largestLatitude = 90;
 // Beyond 180, so that a client can describe an area across the 180th meridian without a break.
-inline constexpr double kLargestLongitude = 400;
+inline constexpr double largestLongitude = 400;
 
 struct Area {
   double south = 0;

@@ -1,7 +1,7 @@
 // A thin owner of SQLite handles: database, statement, transaction. Every failure is a std::runtime_error with
 // SQLite's own text, which names tables and constraints and never a value.
-#ifndef NVSUPPORT_SERVICE_SQLITE_H
-#define NVSUPPORT_SERVICE_SQLITE_H
+#ifndef NVSUPPORT_SERVICE_DATABASE_SQLITE_H
+#define NVSUPPORT_SERVICE_DATABASE_SQLITE_H
 
 #include <cstdint>
 #include <memory>

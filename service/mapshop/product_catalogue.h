@@ -1,14 +1,14 @@
 // The products on offer, read from a text file: one product a line, columns separated by tabs, texts in UTF-8, lines
 // that begin with '#' left out. The columns are number, title, short text, file reference, size in KiB, south, west,
 // north and east; a product across the 180th meridian has its west above its east.
-#ifndef NVSUPPORT_SERVICE_PRODUCT_CATALOGUE_H
-#define NVSUPPORT_SERVICE_PRODUCT_CATALOGUE_H
+#ifndef NVSUPPORT_SERVICE_MAPSHOP_PRODUCT_CATALOGUE_H
+#define NVSUPPORT_SERVICE_MAPSHOP_PRODUCT_CATALOGUE_H
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "service/area.h"
+#include "service/mapshop/area.h"
 
 namespace nvsupport::service {
 

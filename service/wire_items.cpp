@@ -1,4 +1,4 @@
-#include "service/message.h"
+#include "service/wire_items.h"
 
 #include <bit>
 

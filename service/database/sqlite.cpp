@@ -1,4 +1,4 @@
-#include "service/sqlite.h"
+#include "service/database/sqlite.h"
 
 #include <sqlite3.h>
 
@@ -7,7 +7,7 @@
 namespace nvsupport::service {
 namespace {
 
-constexpr int kBusyMilliseconds = 10'000;
+constexpr int busyMilliseconds = 10'000;
 
 [[noreturn]] void Throw(sqlite3* database) {
   throw std::runtime_error(std::string("database: ") + sqlite3_errmsg(database));
@@ -28,7 +28,7 @@ Database::Database(const std::string& path) {
   const int result = sqlite3_open_v2(path.c_str(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
   handle.reset(opened);
   if (result != SQLITE_OK) Throw(opened);
-  sqlite3_busy_timeout(opened, kBusyMilliseconds);
+  sqlite3_busy_timeout(opened, busyMilliseconds);
 }
 
 void Database::Execute(const char* sql) {

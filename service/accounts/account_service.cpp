@@ -1,33 +1,33 @@
-#include "service/account_service.h"
+#include "service/accounts/account_service.h"
 
-#include "service/message.h"
+#include "service/wire_items.h"
 
 namespace nvsupport::service {
 namespace {
 
-enum Operation : std::uint32_t { kSignIn = 8, kNameComputer = 9, kCreateAccount = 10, kOpenSession = 11 };
+enum Operation : std::uint32_t { signIn = 8, nameComputer = 9, createAccount = 10, openSession = 11 };
 
-enum class ComputerState : std::uint32_t { kNamed = 0, kUnnamed = 1 };
+enum class ComputerState : std::uint32_t { named = 0, unnamed = 1 };
 
 std::string Reply(Status status) {
   return ReplyWriter(status).Bytes();
 }
 
 std::string Text(RequestReader& request) {
-  return request.Text(AccountService::kLongestText);
+  return request.Text(AccountService::longestText);
 }
 
 std::string SignIn(RequestReader& request, AccountStore& store) {
   const std::string userId = Text(request);
   const std::string password = Text(request);
   const std::uint32_t device = request.Word();
-  if (!request.Complete()) return Reply(Status::kNotUnderstood);
+  if (!request.Complete()) return Reply(Status::notUnderstood);
 
   std::int64_t account = 0;
   const Status status = store.Verify(userId, password, account);
-  if (status != Status::kDone) return Reply(status);
-  ReplyWriter reply(Status::kDone);
-  const auto state = store.HasComputer(account, device) ? ComputerState::kNamed : ComputerState::kUnnamed;
+  if (status != Status::done) return Reply(status);
+  ReplyWriter reply(Status::done);
+  const auto state = store.HasComputer(account, device) ? ComputerState::named : ComputerState::unnamed;
   reply.Word(static_cast<std::uint32_t>(state));
   return reply.Bytes();
 }
@@ -40,11 +40,11 @@ std::string NameComputer(RequestReader& request, AccountStore& store) {
   computer.device = request.Word();
   request.Word();  // the same in every client: tells nothing
   computer.platform = request.Word();
-  if (!request.Complete()) return Reply(Status::kNotUnderstood);
+  if (!request.Complete()) return Reply(Status::notUnderstood);
 
   std::int64_t account = 0;
   const Status status = store.Verify(userId, password, account);
-  return Reply(status == Status::kDone ? store.NameComputer(account, computer) : status);
+  return Reply(status == Status::done ? store.NameComputer(account, computer) : status);
 }
 
 std::string CreateAccount(RequestReader& request, AccountStore& store, std::int64_t now) {
@@ -57,18 +57,18 @@ std::string CreateAccount(RequestReader& request, AccountStore& store, std::int6
   account.keepInformed = request.Byte() != 0;
   request.Word();  // the same in every client: tells nothing
   account.language = Text(request);
-  return Reply(request.Complete() ? store.Create(account, now) : Status::kNotUnderstood);
+  return Reply(request.Complete() ? store.Create(account, now) : Status::notUnderstood);
 }
 
 std::string OpenSession(RequestReader& request, AccountStore& store, std::int64_t now, std::int64_t lifetime) {
   const std::string userId = Text(request);
   const std::string password = Text(request);
-  if (!request.Complete()) return Reply(Status::kNotUnderstood);
+  if (!request.Complete()) return Reply(Status::notUnderstood);
 
   std::int64_t account = 0;
   const Status status = store.Verify(userId, password, account);
-  if (status != Status::kDone) return Reply(status);
-  ReplyWriter reply(Status::kDone);
+  if (status != Status::done) return Reply(status);
+  ReplyWriter reply(Status::done);
   reply.Text(store.OpenSession(account, now, lifetime));
   return reply.Bytes();
 }
@@ -78,16 +78,16 @@ std::string OpenSession(RequestReader& request, AccountStore& store, std::int64_
 std::string AccountService::Answer(std::string_view request) {
   RequestReader reader(request);
   switch (reader.Word()) {
-    case kSignIn:
+    case signIn:
       return SignIn(reader, store);
-    case kNameComputer:
+    case nameComputer:
       return NameComputer(reader, store);
-    case kCreateAccount:
+    case createAccount:
       return CreateAccount(reader, store, time);
-    case kOpenSession:
+    case openSession:
       return OpenSession(reader, store, time, lifetime);
     default:
-      return Reply(Status::kNotUnderstood);
+      return Reply(Status::notUnderstood);
   }
 }
 

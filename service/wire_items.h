@@ -1,7 +1,7 @@
-// The items of service messages: numbers with the least significant byte first, texts as a length and two bytes a
+// The items of requests and replies: numbers with the least significant byte first, texts as a length and two bytes a
 // character. Written apart from the client's serializer on purpose, so that each checks the other.
-#ifndef NVSUPPORT_SERVICE_MESSAGE_H
-#define NVSUPPORT_SERVICE_MESSAGE_H
+#ifndef NVSUPPORT_SERVICE_WIRE_ITEMS_H
+#define NVSUPPORT_SERVICE_WIRE_ITEMS_H
 
 #include <cstddef>
 #include <cstdint>

@@ -1,14 +1,14 @@
 // The accounts, their computers and their sessions, in one SQLite file that any number of processes may use at a
 // time. Holds no password and no token in a form that could be used. Times are seconds since 1970.
-#ifndef NVSUPPORT_SERVICE_ACCOUNT_STORE_H
-#define NVSUPPORT_SERVICE_ACCOUNT_STORE_H
+#ifndef NVSUPPORT_SERVICE_ACCOUNTS_ACCOUNT_STORE_H
+#define NVSUPPORT_SERVICE_ACCOUNTS_ACCOUNT_STORE_H
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "service/sqlite.h"
+#include "service/database/sqlite.h"
 #include "service/status.h"
 
 namespace nvsupport::service {
@@ -31,19 +31,19 @@ struct Computer {
 
 class AccountStore {
  public:
-  static constexpr std::int64_t kMostComputers = 100;  // of one account
+  static constexpr std::int64_t mostComputers = 100;  // of one account
 
   // Throws std::runtime_error if the file cannot be used; so does every operation.
   explicit AccountStore(const std::string& path);
 
-  // kDone, or the first of kNoUserId, kPasswordTooShort, kInvalidEmail, kUserIdInUse and kEmailInUse that applies.
+  // done, or the first of noUserId, passwordTooShort, invalidEmail, userIdInUse and emailInUse that applies.
   Status Create(const NewAccount& account, std::int64_t now);
 
-  // kDone with the account's number, kWrongUserId or kWrongPassword.
+  // done with the account's number, wrongUserId or wrongPassword.
   Status Verify(const std::string& userId, const std::string& password, std::int64_t& account) const;
 
   bool HasComputer(std::int64_t account, std::uint32_t device) const;
-  // Names a computer, or names it anew; kTooManyComputers for one that does not fit any more.
+  // Names a computer, or names it anew; tooManyComputers for one that does not fit any more.
   Status NameComputer(std::int64_t account, const Computer& computer);
   std::vector<Computer> Computers(std::int64_t account) const;
 

@@ -1,30 +1,30 @@
-#include "service/map_shop_service.h"
+#include "service/mapshop/map_shop_service.h"
 
 #include <algorithm>
 #include <cmath>
 #include <optional>
 
-#include "service/message.h"
+#include "service/wire_items.h"
 
 namespace nvsupport::service {
 namespace {
 
-constexpr std::uint32_t kSearch = 101;
-constexpr std::uint32_t kSearchKind = 4;  // the second word of every search
-constexpr std::size_t kPointBytes = 16;
-constexpr Area kEverywhere = {-kLargestLatitude, -180, kLargestLatitude, 180};
+constexpr std::uint32_t search = 101;
+constexpr std::uint32_t searchKind = 4;  // the second word of every search
+constexpr std::size_t pointBytes = 16;
+constexpr Area everywhere = {-largestLatitude, -180, largestLatitude, 180};
 
 // The box around the points of a request; none if the request is not as it should be.
 std::optional<Area> RequestedArea(RequestReader& request) {
-  if (request.Word() != kSearch || request.Word() != kSearchKind) return std::nullopt;
+  if (request.Word() != search || request.Word() != searchKind) return std::nullopt;
   const std::uint32_t count = request.Word();
-  if (count > request.Remaining() / kPointBytes) return std::nullopt;
-  Area box = {kLargestLatitude, kLargestLongitude, -kLargestLatitude, -kLargestLongitude};
+  if (count > request.Remaining() / pointBytes) return std::nullopt;
+  Area box = {largestLatitude, largestLongitude, -largestLatitude, -largestLongitude};
   for (std::uint32_t i = 0; i < count; ++i) {
     const double latitude = request.Real();
     const double longitude = request.Real();
     // Asked this way round, what is no number fails too.
-    const bool valid = std::abs(latitude) <= kLargestLatitude && std::abs(longitude) <= kLargestLongitude;
+    const bool valid = std::abs(latitude) <= largestLatitude && std::abs(longitude) <= largestLongitude;
     if (!valid) return std::nullopt;
     box.south = std::min(box.south, latitude);
     box.north = std::max(box.north, latitude);
@@ -33,7 +33,7 @@ std::optional<Area> RequestedArea(RequestReader& request) {
   }
   request.Word();  // always 0
   if (!request.Complete()) return std::nullopt;
-  return count == 0 ? kEverywhere : box;
+  return count == 0 ? everywhere : box;
 }
 
 }  // namespace
@@ -41,13 +41,13 @@ std::optional<Area> RequestedArea(RequestReader& request) {
 std::string AnswerSearch(std::string_view request, const std::vector<Product>& products) {
   RequestReader reader(request);
   const auto area = RequestedArea(reader);
-  if (!area) return ReplyWriter(Status::kNotUnderstood).Bytes();
+  if (!area) return ReplyWriter(Status::notUnderstood).Bytes();
 
   std::vector<const Product*> found;
   for (const Product& product : products) {
     if (Intersects(product.area, *area)) found.push_back(&product);
   }
-  ReplyWriter reply(Status::kDone);
+  ReplyWriter reply(Status::done);
   reply.Word(0);  // words to skip
   reply.Word(static_cast<std::uint32_t>(found.size()));
   for (const Product* product : found) {

@@ -1,6 +1,6 @@
 // User IDs, passwords, e-mail addresses and session tokens: what counts of each, and the form in which it is stored.
-#ifndef NVSUPPORT_SERVICE_CREDENTIALS_H
-#define NVSUPPORT_SERVICE_CREDENTIALS_H
+#ifndef NVSUPPORT_SERVICE_ACCOUNTS_ACCOUNT_RULES_H
+#define NVSUPPORT_SERVICE_ACCOUNTS_ACCOUNT_RULES_H
 
 #include <cstddef>
 #include <string>
@@ -8,9 +8,9 @@
 
 namespace nvsupport::service {
 
-inline constexpr std::size_t kCredentialLength = 16;  // letters and digits that count
-inline constexpr std::size_t kShortestPassword = 6;
-inline constexpr std::size_t kTokenLength = 19;  // what a client's buffer holds
+inline constexpr std::size_t credentialLength = 16;  // letters and digits that count
+inline constexpr std::size_t shortestPassword = 6;
+inline constexpr std::size_t tokenLength = 19;  // what a client's buffer holds
 
 // Makes the cryptographic library ready; throws std::runtime_error if it cannot be used. Call it before the others.
 void StartCryptography();

@@ -1,4 +1,4 @@
-#include "service/credentials.h"
+#include "service/accounts/account_rules.h"
 
 #include <sodium.h>
 
@@ -10,10 +10,10 @@ namespace nvsupport::service {
 namespace {
 
 // An interactive cost: some 20 ms on a desktop machine and few enough bytes for many processes at a time.
-constexpr unsigned long long kHashPasses = 2;
-constexpr std::size_t kHashMemory = 19UL * 1024 * 1024;
-constexpr std::size_t kTokenHashBytes = 32;
-constexpr std::string_view kTokenAlphabet = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+constexpr unsigned long long hashPasses = 2;
+constexpr std::size_t hashMemory = 19UL * 1024 * 1024;
+constexpr std::size_t tokenHashBytes = 32;
+constexpr std::string_view tokenAlphabet = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
 // Of ASCII alone, whatever the locale.
 char Lower(char c) {
@@ -37,7 +37,7 @@ void StartCryptography() {
 std::string CredentialKey(std::string_view text) {
   std::string key;
   for (const char c : text) {
-    if (key.size() == kCredentialLength) break;
+    if (key.size() == credentialLength) break;
     if (IsLetterOrDigit(Lower(c))) key.push_back(Lower(c));
   }
   return key;
@@ -60,7 +60,7 @@ std::string EmailKey(std::string_view text) {
 
 std::string HashPassword(std::string_view credentialKey) {
   std::array<char, crypto_pwhash_STRBYTES> hash;
-  if (crypto_pwhash_str(hash.data(), credentialKey.data(), credentialKey.size(), kHashPasses, kHashMemory) != 0) {
+  if (crypto_pwhash_str(hash.data(), credentialKey.data(), credentialKey.size(), hashPasses, hashMemory) != 0) {
     throw std::runtime_error("no memory to hash a password");
   }
   return hash.data();
@@ -71,16 +71,16 @@ bool MatchesPassword(const std::string& hash, std::string_view credentialKey) {
 }
 
 std::string NewToken() {
-  std::string token(kTokenLength, '\0');
-  for (char& c : token) c = kTokenAlphabet[randombytes_uniform(static_cast<std::uint32_t>(kTokenAlphabet.size()))];
+  std::string token(tokenLength, '\0');
+  for (char& c : token) c = tokenAlphabet[randombytes_uniform(static_cast<std::uint32_t>(tokenAlphabet.size()))];
   return token;
 }
 
 std::string HashToken(std::string_view token) {
-  std::array<unsigned char, kTokenHashBytes> hash;
+  std::array<unsigned char, tokenHashBytes> hash;
   crypto_generichash(hash.data(), hash.size(), reinterpret_cast<const unsigned char*>(token.data()), token.size(),
                      nullptr, 0);
-  std::string text(2 * kTokenHashBytes + 1, '\0');
+  std::string text(2 * tokenHashBytes + 1, '\0');
   sodium_bin2hex(text.data(), text.size(), hash.data(), hash.size());
   text.pop_back();
   return text;

@@ -1,15 +1,15 @@
-#include "service/account_store.h"
+#include "service/accounts/account_store.h"
 
-#include "service/credentials.h"
+#include "service/accounts/account_rules.h"
 
 namespace nvsupport::service {
 namespace {
 
-constexpr std::int64_t kSchemaVersion = 1;
+constexpr std::int64_t schemaVersion = 1;
 
 // The journal is SQLite's plain one: each CGI process opens and closes the file, and a write-ahead log that is folded
 // back at every closing gains nothing.
-constexpr const char* kSchema = R"(
+constexpr const char* schema = R"(
   CREATE TABLE account (
     id INTEGER PRIMARY KEY,
     user_key TEXT NOT NULL UNIQUE,
@@ -47,10 +47,10 @@ bool HasRow(const Database& database, const char* sql, const std::string& key) {
 
 AccountStore::AccountStore(const std::string& path) : database(path) {
   StartCryptography();
-  if (SchemaVersion(database) == kSchemaVersion) return;
+  if (SchemaVersion(database) == schemaVersion) return;
   Transaction transaction(database);
   // Another process may have been quicker.
-  if (SchemaVersion(database) != kSchemaVersion) database.Execute(kSchema);
+  if (SchemaVersion(database) != schemaVersion) database.Execute(schema);
   transaction.Commit();
 }
 
@@ -58,14 +58,14 @@ Status AccountStore::Create(const NewAccount& account, std::int64_t now) {
   const std::string userKey = CredentialKey(account.userId);
   const std::string passwordKey = CredentialKey(account.password);
   const std::string emailKey = EmailKey(account.email);
-  if (userKey.empty()) return Status::kNoUserId;
-  if (passwordKey.size() < kShortestPassword) return Status::kPasswordTooShort;
-  if (emailKey.empty()) return Status::kInvalidEmail;
+  if (userKey.empty()) return Status::noUserId;
+  if (passwordKey.size() < shortestPassword) return Status::passwordTooShort;
+  if (emailKey.empty()) return Status::invalidEmail;
   const std::string hash = HashPassword(passwordKey);  // before the lock: it takes its time
 
   Transaction transaction(database);
-  if (HasRow(database, "SELECT 1 FROM account WHERE user_key = ?", userKey)) return Status::kUserIdInUse;
-  if (HasRow(database, "SELECT 1 FROM account WHERE email_key = ?", emailKey)) return Status::kEmailInUse;
+  if (HasRow(database, "SELECT 1 FROM account WHERE user_key = ?", userKey)) return Status::userIdInUse;
+  if (HasRow(database, "SELECT 1 FROM account WHERE email_key = ?", emailKey)) return Status::emailInUse;
   Statement(database,
             "INSERT INTO account (user_key, user_id, password_hash, name, company, email_key, keep_informed, language,"
             " created) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)",
@@ -73,15 +73,15 @@ Status AccountStore::Create(const NewAccount& account, std::int64_t now) {
             account.language, now)
       .Step();
   transaction.Commit();
-  return Status::kDone;
+  return Status::done;
 }
 
 Status AccountStore::Verify(const std::string& userId, const std::string& password, std::int64_t& account) const {
   Statement found(database, "SELECT id, password_hash FROM account WHERE user_key = ?", CredentialKey(userId));
-  if (!found.Step()) return Status::kWrongUserId;
-  if (!MatchesPassword(found.Text(1), CredentialKey(password))) return Status::kWrongPassword;
+  if (!found.Step()) return Status::wrongUserId;
+  if (!MatchesPassword(found.Text(1), CredentialKey(password))) return Status::wrongPassword;
   account = found.Number(0);
-  return Status::kDone;
+  return Status::done;
 }
 
 bool AccountStore::HasComputer(std::int64_t account, std::uint32_t device) const {
@@ -93,12 +93,12 @@ Status AccountStore::NameComputer(std::int64_t account, const Computer& computer
   Transaction transaction(database);
   Statement count(database, "SELECT count(*) FROM computer WHERE account = ? AND device <> ?", account,
                   std::int64_t{computer.device});
-  if (count.Step() && count.Number(0) >= kMostComputers) return Status::kTooManyComputers;
+  if (count.Step() && count.Number(0) >= mostComputers) return Status::tooManyComputers;
   Statement(database, "INSERT OR REPLACE INTO computer (account, device, name, platform) VALUES (?, ?, ?, ?)", account,
             std::int64_t{computer.device}, computer.name, std::int64_t{computer.platform})
       .Step();
   transaction.Commit();
-  return Status::kDone;
+  return Status::done;
 }
 
 std::vector<Computer> AccountStore::Computers(std::int64_t account) const {

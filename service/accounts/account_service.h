@@ -1,19 +1,19 @@
 // Operations 8 to 11 of the account service: one request in, one reply out.
-#ifndef NVSUPPORT_SERVICE_ACCOUNT_SERVICE_H
-#define NVSUPPORT_SERVICE_ACCOUNT_SERVICE_H
+#ifndef NVSUPPORT_SERVICE_ACCOUNTS_ACCOUNT_SERVICE_H
+#define NVSUPPORT_SERVICE_ACCOUNTS_ACCOUNT_SERVICE_H
 
 #include <cstdint>
 #include <string>
 #include <string_view>
 
-#include "service/account_store.h"
+#include "service/accounts/account_store.h"
 
 namespace nvsupport::service {
 
 class AccountService {
  public:
-  static constexpr std::size_t kLargestRequest = 16UL * 1024;
-  static constexpr std::size_t kLongestText = 1000;  // characters of each text of a request
+  static constexpr std::size_t largestRequest = 16UL * 1024;
+  static constexpr std::size_t longestText = 1000;  // characters of each text of a request
 
   // now: seconds since 1970. sessionLifetime: seconds for which a session token is good.
   AccountService(AccountStore& accounts, std::int64_t now, std::int64_t sessionLifetime)

@@ -1,4 +1,4 @@
-#include "service/product_catalogue.h"
+#include "service/mapshop/product_catalogue.h"
 
 #include <charconv>
 #include <fstream>
@@ -8,7 +8,7 @@
 namespace nvsupport::service {
 namespace {
 
-constexpr std::size_t kColumns = 9;
+constexpr std::size_t columnCount = 9;
 
 std::vector<std::string_view> Split(std::string_view line) {
   std::vector<std::string_view> columns;
@@ -37,7 +37,7 @@ bool ParseArea(std::string_view south, std::string_view west, std::string_view n
 
 bool ParseProduct(std::string_view line, Product& product) {
   const auto column = Split(line);
-  if (column.size() != kColumns) return false;
+  if (column.size() != columnCount) return false;
   product.title = column[1];
   product.shortText = column[2];
   product.fileReference = column[3];
