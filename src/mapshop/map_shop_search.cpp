@@ -6,16 +6,17 @@
 #include <cstring>
 #include <exception>
 #include <limits>
-#include <list>
 #include <new>
 #include <string>
 
 #include "wire/web_binary_cgi.h"
 
-// What a search handle points to.
+// What a search handle points to. The records stay packed, so that they take no more memory than the reply did on its
+// way: a record with short texts is a fiftieth of what the host gets.
 struct MapShopResults {
-  std::list<MapShopItem> items;  // in reply order
-  std::list<MapShopItem>::const_iterator next = items.cbegin();
+  std::string records;            // in reply order, as Pack leaves them
+  std::size_t next = 0;           // where in `records` the next one begins
+  std::int32_t left = 0;          // records from there on
   std::int32_t closingValue = 0;  // the reply's last word
 };
 
@@ -24,7 +25,7 @@ namespace {
 
 constexpr const char* servicePath = "cgi-bin/mapstore2.cgi";
 constexpr std::int32_t searchOperation = 101;
-constexpr std::int32_t secondWord = 4;
+constexpr std::int32_t searchKind = 4;
 constexpr std::int32_t closingWord = 0;
 
 constexpr double latitudeLimit = 90;    // degrees either way
@@ -33,7 +34,7 @@ constexpr double longitudeLimit = 400;  // degrees either way
 // The points travel as one block, whose size is 32-bit.
 constexpr std::int32_t maxPoints = std::numeric_limits<std::int32_t>::max() / sizeof(MapShopPoint);
 // An endless reply, which anyone on the road to the service can send, must not take the host's memory.
-constexpr std::size_t maxItems = 1000000;
+constexpr std::int32_t maxItems = 1000000;
 
 constexpr char packageSuffix[] = "nvpkg";
 constexpr char packagePrefix[] = "Package: ";
@@ -52,7 +53,7 @@ bool IsValidArea(const MapShopPoint* points, std::int32_t count) {
 
 void WriteRequest(CTypeSerializer& channel, const MapShopPoint* points, std::int32_t count) {
   channel.WriteValue(searchOperation);
-  channel.WriteValue(secondWord);
+  channel.WriteValue(searchKind);
   channel.WriteValue(count);
   if (count > 0) channel.WriteBlock(points, count * static_cast<std::int32_t>(sizeof(MapShopPoint)));
   channel.WriteValue(closingWord);
@@ -90,6 +91,25 @@ bool ReadItem(CTypeSerializer& channel, MapShopItem& item) {
   return true;
 }
 
+// The texts with their terminators, then the values.
+void Pack(const MapShopItem& item, std::string& records) {
+  for (const char* text : {item.title, item.shortText, item.fileReference}) records.append(text, std::strlen(text) + 1);
+  for (const std::int32_t* value : {&item.firstValue, &item.secondValue}) {
+    records.append(reinterpret_cast<const char*>(value), sizeof *value);
+  }
+}
+
+// Returns the place behind the record.
+const char* Unpack(const char* record, MapShopItem& item) {
+  const auto take = [&record](void* field, std::size_t size) {
+    std::memcpy(field, record, size);
+    record += size;
+  };
+  for (char* text : {item.title, item.shortText, item.fileReference}) take(text, std::strlen(record) + 1);
+  for (std::int32_t* value : {&item.firstValue, &item.secondValue}) take(value, sizeof *value);
+  return record;
+}
+
 // Takes what is there up to the first failure. A count is only a promise: nothing is done for it in advance.
 void ReadReply(CTypeSerializer& channel, MapShopResults& results) {
   std::int32_t status = -1;
@@ -107,9 +127,10 @@ void ReadReply(CTypeSerializer& channel, MapShopResults& results) {
   channel.ReadValue(itemCount);
   if (!channel.IsGood()) return;
   MapShopItem item;
-  for (std::int32_t i = 0; i < itemCount; ++i) {
-    if (results.items.size() == maxItems || !ReadItem(channel, item)) return;
-    results.items.push_back(item);
+  for (; itemCount > 0; --itemCount) {
+    if (results.left == maxItems || !ReadItem(channel, item)) return;
+    Pack(item, results.records);
+    ++results.left;  // now that it is there whole
   }
   channel.ReadValue(results.closingValue);
 }
@@ -132,13 +153,14 @@ NVMapShopHandle NSMapShopSearch(const MapShopPoint* points, int32_t count) {
   } catch (const std::exception&) {
     // Out of memory: the host gets the items that came before, as after any other failure.
   }
-  results->next = results->items.cbegin();
   return results;
 }
 
 bool NSMapShopGetNext(NVMapShopHandle handle, MapShopItem* item) {
-  if (handle == nullptr || item == nullptr || handle->next == handle->items.cend()) return false;
-  *item = *handle->next++;
+  if (handle == nullptr || item == nullptr || handle->left == 0) return false;
+  const char* const records = handle->records.data();
+  handle->next = static_cast<std::size_t>(nvsupport::Unpack(records + handle->next, *item) - records);
+  --handle->left;
   return true;
 }
 

@@ -1,8 +1,13 @@
 #include <gtest/gtest.h>
 #include <nvsupport/nvsupport.h>
 
+#include <malloc.h>
+
+#include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <limits>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -10,6 +15,29 @@
 #include "support/documented_bytes.h"
 #include "support/routed_server.h"
 #include "support/short_timeouts.h"
+
+// Counts what this program holds of its memory.
+static std::atomic<std::size_t> heldBytes;
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  void* const memory = std::malloc(size);
+  heldBytes += malloc_usable_size(memory);
+  return memory;
+}
+
+void* operator new(std::size_t size) {
+  if (void* const memory = operator new(size, std::nothrow)) return memory;
+  throw std::bad_alloc();
+}
+
+void operator delete(void* memory) noexcept {
+  heldBytes -= malloc_usable_size(memory);
+  std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept {
+  operator delete(memory);
+}
 
 namespace nvsupport {
 namespace {
@@ -177,6 +205,22 @@ TEST(MapShopSearch, PaysForHostileCountsOnlyWithTheBytesThatCame) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
     EXPECT_EQ(found.items.size(), each.items);
     EXPECT_EQ(found.closingValue, each.closing);
+  }
+}
+
+TEST(MapShopSearch, HoldsNoMoreThanTwiceTheReply) {
+  constexpr std::int32_t items = 10'000;
+  for (const char* file : {"", ".nvpkg"}) {
+    MapShopReply reply = ReplyOf(items);
+    for (std::int32_t i = 0; i < items; ++i) reply.Add({"", i, "", file, -i});
+    NVMapShopHandle handle = nullptr;
+    {
+      const Service service(reply.Close(9).bytes);
+      handle = NSMapShopSearch(nullptr, 0);
+    }
+    const std::size_t before = heldBytes;
+    EXPECT_EQ(NSMapShopClose(handle), 9);
+    EXPECT_LE(before - heldBytes, 2 * reply.bytes.size());
   }
 }
 
