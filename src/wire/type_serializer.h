@@ -49,8 +49,15 @@ class CTypeSerializer {
   std::uint8_t wide = 1;    // strings travel in 2-byte units
   std::uint32_t count = 0;  // bytes that the typed operations have passed in the current direction
 
+  // What a channel has read ahead: the typed reads take it from here, and go to Read for what reaches beyond it.
+  const std::uint8_t* readAhead = nullptr;
+  std::uint32_t readPos = 0;  // of the next byte in it
+  std::uint32_t readEnd = 0;  // bytes in it
+
  private:
-  std::int32_t UnitSize() const { return wide != 0 ? 2 : 1; }
+  std::uint32_t UnitSize() const { return wide != 0 ? 2 : 1; }
+  // Appends the units that were read ahead, up to the length of the text.
+  void AppendReadAhead(std::string& text, std::size_t length);
 };
 
 }  // namespace nvsupport

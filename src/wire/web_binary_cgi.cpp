@@ -54,6 +54,7 @@ bool CWebBinaryCGI::Send() {
   readEnd = 0;
   count = 0;
   buffer.resize(std::max(buffer.size(), smallestReadBuffer));
+  readAhead = buffer.data();
   return sent != FALSE;
 }
 
@@ -65,10 +66,12 @@ bool CWebBinaryCGI::Read(void* data, std::int32_t size) {
       readPos = 0;
       readEnd = 0;
       // A call that fails leaves the count at 0 and so reads as the end of the reply.
-      InternetReadFile(request, buffer.data(), static_cast<DWORD>(buffer.size()), &readEnd);
+      DWORD filled = 0;
+      InternetReadFile(request, buffer.data(), static_cast<DWORD>(buffer.size()), &filled);
+      readEnd = filled;
       if (readEnd == 0) break;
     }
-    const DWORD piece = std::min(readEnd - readPos, static_cast<DWORD>(size));
+    const auto piece = std::min<std::uint32_t>(readEnd - readPos, static_cast<std::uint32_t>(size));
     std::memcpy(destination, buffer.data() + readPos, piece);
     destination += piece;
     readPos += piece;

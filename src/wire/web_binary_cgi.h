@@ -30,9 +30,7 @@ class CWebBinaryCGI final : public CTypeSerializer {
   HINTERNET request = nullptr;
   HINTERNET connection = nullptr;
   bool dialled = false;              // this object asked for a dial-up connection and hangs it up again
-  std::vector<std::uint8_t> buffer;  // the request, then the read buffer
-  DWORD readPos = 0;
-  DWORD readEnd = 0;
+  std::vector<std::uint8_t> buffer;  // the request, then what was read ahead
 };
 
 }  // namespace nvsupport
