@@ -32,6 +32,10 @@ std::uint32_t GetComputerDeviceId();
 // for writing is readable by its owner alone.
 std::FILE* OpenFileStream(const char* path, const char* mode);
 
+// Notes the windows that a wait cursor would be shown on. Called by the thread that is going to be blocked, before
+// another one sets the cursor for it; where the system itself finds the window below the pointer it does nothing.
+void NoteWindowsForWaitCursor();
+
 }  // namespace platform
 
 #endif

@@ -3,6 +3,7 @@
 namespace nvsupport {
 
 BusyCursor::BusyCursor() : ownerThread(GetCurrentThreadId()), waitCursor(LoadCursorA(nullptr, IDC_WAIT)) {
+  platform::NoteWindowsForWaitCursor();
   stopEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
   watcher = CreateThread(nullptr, 0, &BusyCursor::Watch, this, 0, nullptr);
   // Without a second thread nobody can time the delay.

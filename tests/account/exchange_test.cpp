@@ -168,8 +168,8 @@ TEST_F(AccountExchange, ShowsTheWaitCursorWhileTheServiceTakesItsTime) {
   Serve({slow}, identity);
   OpenSession({"ann", "secret1"});
   EXPECT_TRUE(Run({Clicks(IDOK)}, &CVServiceManager::Login));
-  EXPECT_EQ(user::Record().waitCursorsShown, 1);
-  EXPECT_EQ(user::Record().cursorsRestored, 1);
+  EXPECT_EQ(headless::Record().waitCursorsShown, 1);
+  EXPECT_EQ(headless::Record().cursorsRestored, 1);
 }
 
 }  // namespace

@@ -23,22 +23,22 @@ TEST(BusyCursor, NeverShowsForAShortCall) {
   std::this_thread::sleep_for(milliseconds(20));
   cursor.reset();
   if (Clock::now() - start >= milliseconds(150)) GTEST_SKIP() << "the machine is too busy for a short call";
-  EXPECT_EQ(user::Record().waitCursorsShown, 0);
-  EXPECT_EQ(user::Record().cursorsRestored, 1);
+  EXPECT_EQ(headless::Record().waitCursorsShown, 0);
+  EXPECT_EQ(headless::Record().cursorsRestored, 1);
 }
 
 TEST(BusyCursor, ShowsAfterItsDelayAndGoesWithTheCall) {
   const PlayedUser person;
   const Clock::time_point start = Clock::now();
   std::optional<BusyCursor> cursor(std::in_place);
-  while (user::Record().waitCursorsShown == 0 && Clock::now() - start < std::chrono::seconds(20)) {
+  while (headless::Record().waitCursorsShown == 0 && Clock::now() - start < std::chrono::seconds(20)) {
     std::this_thread::sleep_for(milliseconds(1));
   }
   EXPECT_GE(Clock::now() - start, milliseconds(150));
-  EXPECT_EQ(user::Record().waitCursorsShown, 1);
-  EXPECT_EQ(user::Record().cursorsRestored, 0);
+  EXPECT_EQ(headless::Record().waitCursorsShown, 1);
+  EXPECT_EQ(headless::Record().cursorsRestored, 0);
   cursor.reset();
-  EXPECT_EQ(user::Record().cursorsRestored, 1);
+  EXPECT_EQ(headless::Record().cursorsRestored, 1);
 }
 
 TEST(BusyCursor, ShowsAtOnceWhenThereIsNoThread) {
@@ -50,26 +50,33 @@ TEST(BusyCursor, ShowsAtOnceWhenThereIsNoThread) {
   pthread_attr_setstacksize(&huge, std::size_t{1} << 47);
   ASSERT_EQ(pthread_setattr_default_np(&huge), 0);
   std::optional<BusyCursor> cursor(std::in_place);
-  EXPECT_EQ(user::Record().waitCursorsShown, 1);
+  EXPECT_EQ(headless::Record().waitCursorsShown, 1);
   cursor.reset();
-  EXPECT_EQ(user::Record().cursorsRestored, 1);
+  EXPECT_EQ(headless::Record().cursorsRestored, 1);
   pthread_setattr_default_np(&usual);
   pthread_attr_destroy(&usual);
 }
 
 // Or it would run on in code that is unloaded.
 TEST(Threads, HaveEndedOnceTheirHandleIsClosed) {
-  std::atomic<DWORD> ended = 0;
+  struct Job {
+    HANDLE go = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    std::atomic<DWORD> ended = 0;
+  } job;
   const auto run = [](LPVOID argument) -> DWORD {
+    auto& mine = *static_cast<Job*>(argument);
+    WaitForSingleObject(mine.go, INFINITE);
     std::this_thread::sleep_for(milliseconds(30));
-    *static_cast<std::atomic<DWORD>*>(argument) = GetCurrentThreadId();
+    mine.ended = GetCurrentThreadId();
     return 0;
   };
-  const HANDLE thread = CreateThread(nullptr, 0, run, &ended, 0, nullptr);
+  const HANDLE thread = CreateThread(nullptr, 0, run, &job, 0, nullptr);
   EXPECT_EQ(WaitForSingleObject(thread, 1), WAIT_TIMEOUT);
+  SetEvent(job.go);
   CloseHandle(thread);
-  EXPECT_NE(ended, 0u);
-  EXPECT_NE(ended, GetCurrentThreadId());
+  CloseHandle(job.go);
+  EXPECT_NE(job.ended, 0u);
+  EXPECT_NE(job.ended, GetCurrentThreadId());
 }
 
 }  // namespace

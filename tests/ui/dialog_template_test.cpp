@@ -1,5 +1,5 @@
 // The library's own templates as compiled, and damaged ones.
-#include "platform/linux/user/dialog_template.h"
+#include "platform/linux/windowing/dialog_template.h"
 
 #include <gtest/gtest.h>
 
@@ -8,12 +8,12 @@
 
 namespace {
 
-using user::Bytes;
+using windowing::Bytes;
 
 constexpr LONG_PTR tabStop = 0x10000;
 
 Bytes OwnTemplate(WORD id) {
-  return user::FindDialogTemplate(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(id));
+  return windowing::FindDialogTemplate(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(id));
 }
 
 TEST(DialogTemplates, HaveTheirControlsInTabOrder) {
@@ -29,7 +29,7 @@ TEST(DialogTemplates, HaveTheirControlsInTabOrder) {
       {IDD_COMPUTER_NAME, "Give your Computer a Name", {1016, 1, 2, 1041}},
   };
   for (const auto& row : cases) {
-    const auto dialog = user::ParseDialogTemplate(OwnTemplate(row.id));
+    const auto dialog = windowing::ParseDialogTemplate(OwnTemplate(row.id));
     ASSERT_TRUE(dialog);
     EXPECT_EQ(dialog->title, row.title);
     std::vector<int> tabOrder;
@@ -45,8 +45,8 @@ TEST(DialogTemplates, AreRefusedWhenTruncatedAnywhere) {
   for (std::size_t size = 0; size < whole.size(); ++size) {
     // A copy of exactly that size, so that a read behind its end is seen.
     const std::vector<unsigned char> front(&whole[0], &whole[size]);
-    EXPECT_FALSE(user::ParseDialogTemplate(front)) << size;
-    EXPECT_TRUE(user::FindDialogTemplateIn(front, IDD_CREATE_ACCOUNT).empty()) << "what is no script, of " << size;
+    EXPECT_FALSE(windowing::ParseDialogTemplate(front)) << size;
+    EXPECT_TRUE(windowing::FindDialogTemplateIn(front, IDD_CREATE_ACCOUNT).empty()) << "what is no script, of " << size;
   }
 }
 

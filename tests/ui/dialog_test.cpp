@@ -29,7 +29,7 @@ TEST(Dialog, EndsWithTheValueOfWhatTheUserDid) {
   } cases[] = {
       {"OK", PlayedUser::Clicks(IDOK), 1},
       {"Cancel", PlayedUser::Clicks(IDCANCEL), 2},
-      {"close box", [](HWND window) { user::CloseBox(window); }, 2},
+      {"close box", [](HWND window) { headless::CloseBox(window); }, 2},
       // Dialog itself does not look at the notification code.
       {"notification", [](HWND window) { SendMessageA(window, WM_COMMAND, 0x0300'0001, 0); }, 1},
   };
@@ -112,7 +112,7 @@ TEST(Dialog, ThatCannotBeShownSaysSo) {
   };
   for (const auto& row : cases) {
     PlayedUser person;
-    user::Screen().foreignWindows[hostId] = {0, 0, 100, 100};
+    headless::Screen().foreignWindows[hostId] = {0, 0, 100, 100};
     EXPECT_EQ(Dialog(row.id).run(hostWindow), row.result);
     Noted told;
     for (const auto& box : person.boxes) {

@@ -27,7 +27,7 @@ class Placement : public ::testing::Test {
     ProbeDialog dialog(id);
     person.steps = {[&](HWND window) {
       opened = RectOf(window);
-      if (by.x != 0 || by.y != 0) user::Drag(window, by);
+      if (by.x != 0 || by.y != 0) headless::Drag(window, by);
       EndDialog(window, 1);
     }};
     EXPECT_EQ(dialog.run(owner), 1);
@@ -35,7 +35,7 @@ class Placement : public ::testing::Test {
     return opened;
   }
   RECT OpenUnder(const RECT& owner, std::uint32_t id = IDD_PROBE, POINT by = {0, 0}) {
-    user::Screen().foreignWindows[hostId] = owner;
+    headless::Screen().foreignWindows[hostId] = owner;
     return Open(host, id, by);
   }
 
@@ -43,7 +43,7 @@ class Placement : public ::testing::Test {
 };
 
 TEST_F(Placement, CentresOnTheOwnerInsideTheWorkArea) {
-  user::Screen().workArea = {40, 30, 1280, 1000};
+  headless::Screen().workArea = {40, 30, 1280, 1000};
   const RECT centred = OpenUnder({100, 150, 1001, 801});
   const LONG width = centred.right - centred.left;
   const LONG height = centred.bottom - centred.top;

@@ -3,16 +3,8 @@
 #include <cstdio>
 #include <map>
 
-#include "platform/linux/user/resources.h"
-
-extern "C" const unsigned char ui_test_dialogs_begin[];
-extern "C" const unsigned char ui_test_dialogs_end[];
-
 namespace nvsupport {
 namespace {
-
-[[maybe_unused]] const bool templatesAdded =
-    (user::AddResources(GetModuleHandleA(nullptr), {ui_test_dialogs_begin, ui_test_dialogs_end}), true);
 
 CoreProbe* opening = nullptr;  // has the next new window
 std::map<HWND, CoreProbe*> probes;

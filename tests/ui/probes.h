@@ -1,4 +1,4 @@
-// Dialogs that note what happens to them: on the bare user core, and on the frame. The templates are those of
+// Dialogs that note what happens to them: on the bare window core, and on the frame. The templates are those of
 // test_dialogs.rc.
 #ifndef NVSUPPORT_TESTS_UI_PROBES_H
 #define NVSUPPORT_TESTS_UI_PROBES_H

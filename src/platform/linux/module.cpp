@@ -10,7 +10,7 @@
 #include <string>
 
 #include "platform/platform.h"
-#include "user/display_selection.h"
+#include "windowing/display_selection.h"
 
 namespace {
 
@@ -66,7 +66,7 @@ ModuleEntry::ModuleEntry() {
 }
 ModuleEntry::~ModuleEntry() {
   DllMain(ThisModule(), DLL_PROCESS_DETACH, nullptr);
-  user::CloseDisplay();
+  windowing::CloseDisplay();
 }
 
 }  // namespace platform

@@ -10,7 +10,7 @@
 #include "shell.h"
 #include "threads.h"
 #include "types.h"
-#include "user/user.h"
 #include "web_client.h"
+#include "windowing/windowing.h"
 
 #endif

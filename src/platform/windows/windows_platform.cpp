@@ -25,4 +25,6 @@ std::FILE* OpenFileStream(const char* path, const char* mode) {
   return std::fopen(path, mode);
 }
 
+void NoteWindowsForWaitCursor() {}
+
 }  // namespace platform

@@ -9,7 +9,7 @@
 #include "host_state.h"
 #include "usable_platform.h"
 
-namespace user {
+namespace windowing {
 namespace {
 
 bool MakeApplication() {
@@ -35,4 +35,4 @@ bool EnsureApplication() {
   return qobject_cast<const QApplication*>(application) != nullptr && application->thread() == QThread::currentThread();
 }
 
-}  // namespace user
+}  // namespace windowing

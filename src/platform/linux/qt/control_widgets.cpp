@@ -7,7 +7,7 @@
 #include <QStyle>
 #include <QStyleOptionButton>
 
-namespace user {
+namespace windowing {
 namespace {
 
 // Takes clicks on all of its rectangle. They are told to the core, which changes the state by its own rules.
@@ -178,4 +178,4 @@ void ShowCheckState(QWidget& widget, int state) {
   if (box != nullptr && state >= 0 && state < 3) box->setCheckState(states[state]);
 }
 
-}  // namespace user
+}  // namespace windowing

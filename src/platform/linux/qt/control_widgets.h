@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "user/display.h"
+#include "windowing/display.h"
 
-namespace user {
+namespace windowing {
 
 inline QRect ToQRect(const RECT& r) {
   return {r.left, r.top, r.right - r.left, r.bottom - r.top};
@@ -22,6 +22,6 @@ std::vector<QWidget*> MakeControlWidgets(const std::vector<ControlView>& control
 void ShowControlText(QWidget& widget, const std::string& text);
 void ShowCheckState(QWidget& widget, int state);
 
-}  // namespace user
+}  // namespace windowing
 
 #endif

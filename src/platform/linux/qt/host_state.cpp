@@ -5,7 +5,7 @@
 #include <clocale>
 #include <cstdlib>
 
-namespace user {
+namespace windowing {
 namespace {
 
 // Taken by Qt as told by the desktop, for the program that was started, which is the host.
@@ -64,4 +64,4 @@ void HostState::Keep(const char* name) {
   variables.push_back({name, value != nullptr ? std::optional<std::string>(value) : std::nullopt});
 }
 
-}  // namespace user
+}  // namespace windowing

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace user {
+namespace windowing {
 
 class HostState {
  public:
@@ -31,6 +31,6 @@ class HostState {
   std::vector<Variable> variables;
 };
 
-}  // namespace user
+}  // namespace windowing
 
 #endif

@@ -2,7 +2,7 @@
 
 #include <QGuiApplication>
 
-namespace user {
+namespace windowing {
 namespace {
 
 QWindow* WindowOfQt(WId id) {
@@ -34,4 +34,4 @@ void SetOwner(QWidget& window, QWindow* owner) {
   window.windowHandle()->setTransientParent(owner);
 }
 
-}  // namespace user
+}  // namespace windowing

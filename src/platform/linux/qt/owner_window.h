@@ -10,7 +10,7 @@
 
 #include "x11_connection.h"
 
-namespace user {
+namespace windowing {
 
 // What Qt knows of the window that owns another. One that is not Qt's stands here for as long as it owns.
 struct OwnerWindow {
@@ -23,6 +23,6 @@ OwnerWindow OwnerOf(QWidget* dialog, std::uintptr_t foreignId, const X11Connecti
 // A window without an owner holds up all of the application's windows: the host is waiting for this one.
 void SetOwner(QWidget& window, QWindow* owner);
 
-}  // namespace user
+}  // namespace windowing
 
 #endif

@@ -2,15 +2,16 @@
 #include "application.h"
 #include "qt_display.h"
 
-extern "C" __attribute__((visibility("default"))) user::Display* nvsupport_open_display(user::DisplayEvents* events) {
+extern "C" __attribute__((visibility("default"))) windowing::Display* nvsupport_open_display(
+    windowing::DisplayEvents* events) {
   // Lives as long as the process, like the application that it shows its windows in.
-  static user::QtDisplay* display = nullptr;
+  static windowing::QtDisplay* display = nullptr;
   if (events == nullptr) {
     if (display != nullptr) display->Use(nullptr);
     return nullptr;
   }
-  if (!user::EnsureApplication()) return nullptr;
-  if (display == nullptr) display = new user::QtDisplay();
+  if (!windowing::EnsureApplication()) return nullptr;
+  if (display == nullptr) display = new windowing::QtDisplay();
   display->Use(events);
   return display;
 }

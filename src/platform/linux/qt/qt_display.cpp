@@ -10,9 +10,9 @@
 #include <QScreen>
 
 #include "control_widgets.h"
-#include "user/user.h"
+#include "windowing/windowing.h"
 
-namespace user {
+namespace windowing {
 namespace {
 
 RECT ToRect(const QRect& r) {
@@ -66,26 +66,26 @@ RECT QtDisplay::WorkArea() {
 }
 
 int QtDisplay::CaptionHeight() {
-  return DialogWindow::Frame().top() - FrameWidth();
+  return DialogWidget::Frame().top() - FrameWidth();
 }
 
 int QtDisplay::FrameWidth() {
-  return DialogWindow::Frame().left();
+  return DialogWidget::Frame().left();
 }
 
-DialogWindow* QtDisplay::Find(HWND dialog) const {
+DialogWidget* QtDisplay::Find(HWND dialog) const {
   const auto found = dialogs.find(dialog);
   return found != dialogs.end() ? found->second : nullptr;
 }
 
-DialogWindow* QtDisplay::FindOwnerOf(HWND control) const {
+DialogWidget* QtDisplay::FindOwnerOf(HWND control) const {
   const auto found = controlOwners.find(control);
   return found != controlOwners.end() ? found->second : nullptr;
 }
 
 bool QtDisplay::CreateDialogWindow(const DialogView& view) {
   if (events == nullptr) return false;
-  auto* dialog = new DialogWindow(view, *events);
+  auto* dialog = new DialogWidget(view, *events);
   dialog->SetOwner(OwnerOf(Find(view.owner), view.foreignOwner, x11.get()));
   dialogs[view.handle] = dialog;
   for (const ControlView& control : view.controls) controlOwners[control.handle] = dialog;
@@ -93,11 +93,11 @@ bool QtDisplay::CreateDialogWindow(const DialogView& view) {
 }
 
 void QtDisplay::ShowDialogWindow(HWND dialog) {
-  if (DialogWindow* window = Find(dialog)) window->ShowActive();
+  if (DialogWidget* window = Find(dialog)) window->ShowActive();
 }
 
 void QtDisplay::DestroyDialogWindow(HWND dialog) {
-  DialogWindow* window = Find(dialog);
+  DialogWidget* window = Find(dialog);
   if (window == nullptr) return;
   dialogs.erase(dialog);
   std::erase_if(controlOwners, [window](const auto& entry) { return entry.second == window; });
@@ -105,7 +105,7 @@ void QtDisplay::DestroyDialogWindow(HWND dialog) {
 }
 
 void QtDisplay::RunModal(HWND dialog, const bool& ended) {
-  if (DialogWindow* window = Find(dialog)) window->SetRun(ended);
+  if (DialogWidget* window = Find(dialog)) window->SetRun(ended);
   QEventLoop loop;
   // Whatever has ended the dialog, the user or a timer of the host's, is seen before the thread would sleep, and at
   // the next round of events where the host never lets it sleep.
@@ -120,7 +120,7 @@ void QtDisplay::RunModal(HWND dialog, const bool& ended) {
 
 int QtDisplay::RunMessageBox(const MessageBoxView& view) {
   if (events == nullptr) return 0;
-  DialogWindow* dialog = Find(view.owner);
+  DialogWidget* dialog = Find(view.owner);
   const OwnerWindow owner = OwnerOf(dialog, view.foreignOwner, x11.get());
   // The owner may go while the box runs, and the box with it.
   const QPointer<QMessageBox> box = new QMessageBox(dialog);
@@ -129,7 +129,7 @@ int QtDisplay::RunMessageBox(const MessageBoxView& view) {
   box->setTextFormat(Qt::PlainText);
   box->setText(QString::fromStdString(view.text));
   box->setStandardButtons(QMessageBox::Ok);
-  user::SetOwner(*box, owner.window);
+  windowing::SetOwner(*box, owner.window);
   box->exec();
   delete box;
   if (Find(view.owner) == dialog && dialog != nullptr) dialog->activateWindow();
@@ -137,34 +137,34 @@ int QtDisplay::RunMessageBox(const MessageBoxView& view) {
 }
 
 void QtDisplay::SetText(HWND window, const std::string& text) {
-  if (DialogWindow* dialog = Find(window)) dialog->setWindowTitle(QString::fromStdString(text));
-  if (const DialogWindow* dialog = FindOwnerOf(window)) ShowControlText(*dialog->Controls().at(window), text);
+  if (DialogWidget* dialog = Find(window)) dialog->setWindowTitle(QString::fromStdString(text));
+  if (const DialogWidget* dialog = FindOwnerOf(window)) ShowControlText(*dialog->Controls().at(window), text);
 }
 
 void QtDisplay::SetCheck(HWND checkBox, int state) {
-  if (const DialogWindow* dialog = FindOwnerOf(checkBox)) ShowCheckState(*dialog->Controls().at(checkBox), state);
+  if (const DialogWidget* dialog = FindOwnerOf(checkBox)) ShowCheckState(*dialog->Controls().at(checkBox), state);
 }
 
 // A dialog that owns another takes no input by that one's modality, and keeps its looks.
 void QtDisplay::SetEnabled(HWND window, bool enabled) {
-  if (const DialogWindow* dialog = FindOwnerOf(window)) dialog->Controls().at(window)->setEnabled(enabled);
+  if (const DialogWidget* dialog = FindOwnerOf(window)) dialog->Controls().at(window)->setEnabled(enabled);
 }
 
 void QtDisplay::SetFocus(HWND control, bool selectAll) {
-  if (DialogWindow* dialog = FindOwnerOf(control)) dialog->FocusControl(control, selectAll);
+  if (DialogWidget* dialog = FindOwnerOf(control)) dialog->FocusControl(control, selectAll);
 }
 
 void QtDisplay::MoveDialogWindow(HWND dialog, POINT topLeft) {
-  if (DialogWindow* window = Find(dialog)) window->Place({topLeft.x, topLeft.y});
+  if (DialogWidget* window = Find(dialog)) window->Place({topLeft.x, topLeft.y});
 }
 
 RECT QtDisplay::WindowRect(HWND dialog) {
-  const DialogWindow* window = Find(dialog);
+  const DialogWidget* window = Find(dialog);
   return window != nullptr ? ToRect(window->FrameRectangle()) : RECT{};
 }
 
 POINT QtDisplay::ClientOrigin(HWND dialog) {
-  const DialogWindow* window = Find(dialog);
+  const DialogWidget* window = Find(dialog);
   if (window == nullptr) return {};
   const QRect client = window->ClientRectangle();
   return {client.left(), client.top()};
@@ -193,4 +193,4 @@ std::optional<POINT> QtDisplay::CursorPosition() {
   return POINT{point.x(), point.y()};
 }
 
-}  // namespace user
+}  // namespace windowing

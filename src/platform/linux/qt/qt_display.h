@@ -5,12 +5,12 @@
 #include <map>
 #include <memory>
 
-#include "dialog_window.h"
-#include "user/display.h"
+#include "dialog_widget.h"
 #include "wait_cursor.h"
+#include "windowing/display.h"
 #include "x11_connection.h"
 
-namespace user {
+namespace windowing {
 
 class QtDisplay final : public Display {
  public:
@@ -45,16 +45,16 @@ class QtDisplay final : public Display {
   std::optional<POINT> CursorPosition() override;
 
  private:
-  DialogWindow* Find(HWND dialog) const;
-  DialogWindow* FindOwnerOf(HWND control) const;
+  DialogWidget* Find(HWND dialog) const;
+  DialogWidget* FindOwnerOf(HWND control) const;
 
   DisplayEvents* events = nullptr;
   const std::unique_ptr<X11Connection> x11;     // null when there is no X server
-  std::map<HWND, DialogWindow*> dialogs;        // let go by Retire
-  std::map<HWND, DialogWindow*> controlOwners;  // by control
+  std::map<HWND, DialogWidget*> dialogs;        // let go by Retire
+  std::map<HWND, DialogWidget*> controlOwners;  // by control
   WaitCursor waitCursor;
 };
 
-}  // namespace user
+}  // namespace windowing
 
 #endif

@@ -13,7 +13,7 @@
 #include <QStringList>
 #include <cstring>
 
-namespace user {
+namespace windowing {
 namespace {
 
 constexpr const char* platformVariable = "QT_QPA_PLATFORM";
@@ -86,4 +86,4 @@ bool HasUsablePlatform() {
   return false;
 }
 
-}  // namespace user
+}  // namespace windowing

@@ -2,12 +2,12 @@
 #ifndef NVSUPPORT_PLATFORM_LINUX_QT_USABLE_PLATFORM_H
 #define NVSUPPORT_PLATFORM_LINUX_QT_USABLE_PLATFORM_H
 
-namespace user {
+namespace windowing {
 
 // True if one of the platforms that Qt would try has its plugin on this machine and, where it needs one, a server
 // that answers. Looks where Qt looks: QT_QPA_PLATFORM, WAYLAND_DISPLAY, DISPLAY.
 bool HasUsablePlatform();
 
-}  // namespace user
+}  // namespace windowing
 
 #endif

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace user {
+namespace windowing {
 namespace {
 
 // Qt passes a cursor on only when it differs from the last one.
@@ -48,4 +48,4 @@ void WaitCursor::GiveBack() {
   FlushQtConnection();
 }
 
-}  // namespace user
+}  // namespace windowing

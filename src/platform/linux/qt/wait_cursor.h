@@ -8,7 +8,7 @@
 
 #include "x11_connection.h"
 
-namespace user {
+namespace windowing {
 
 class WaitCursor {
  public:
@@ -24,6 +24,6 @@ class WaitCursor {
   bool shown = false;
 };
 
-}  // namespace user
+}  // namespace windowing
 
 #endif

@@ -9,7 +9,7 @@
 // Last, because its macros take names that Qt uses.
 #include <X11/Xlib.h>
 
-namespace user {
+namespace windowing {
 namespace {
 
 struct Free {
@@ -73,4 +73,4 @@ void X11Connection::SetWaitCursor(const std::vector<xcb_window_t>& windows) cons
   }
 }
 
-}  // namespace user
+}  // namespace windowing

@@ -11,7 +11,7 @@
 #include <optional>
 #include <vector>
 
-namespace user {
+namespace windowing {
 
 class X11Connection {
  public:
@@ -34,6 +34,6 @@ class X11Connection {
   xcb_cursor_t waitCursor = XCB_CURSOR_NONE;
 };
 
-}  // namespace user
+}  // namespace windowing
 
 #endif

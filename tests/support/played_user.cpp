@@ -1,19 +1,24 @@
-#include "headless_display.h"
+#include "played_user.h"
 
 #include <memory>
 #include <optional>
+#include <utility>
 
-#include "display_events.h"
-#include "display_selection.h"
-#include "user.h"
-#include "window_tree.h"
+#include "platform/linux/windowing/dialog_manager.h"
+#include "platform/linux/windowing/display_selection.h"
+#include "platform/linux/windowing/window_tree.h"
 
-namespace user {
+namespace headless {
 namespace {
+
+using windowing::ControlKind;
+using windowing::ControlView;
+using windowing::CoreEvents;
+using windowing::DialogView;
+using windowing::MessageBoxView;
 
 constexpr POINT baseUnits{7, 13};
 constexpr POINT pointerPosition{100, 100};
-constexpr int mostIdleCalls = 1000;
 
 struct ShownDialog {
   DialogView view;
@@ -21,7 +26,7 @@ struct ShownDialog {
 };
 
 struct HeadlessState {
-  HeadlessUser* user = nullptr;
+  PlayedUser* person = nullptr;
   HeadlessScreen screen;
   HeadlessRecord record;
   std::map<HWND, ShownDialog> dialogs;
@@ -51,7 +56,7 @@ ControlView* ViewOfControl(HWND control) {
   return nullptr;
 }
 
-class HeadlessDisplay final : public Display {
+class HeadlessDisplay final : public windowing::Display {
  public:
   POINT BaseUnits() override { return baseUnits; }
   RECT ScreenArea() override { return State().screen.area; }
@@ -73,13 +78,27 @@ class HeadlessDisplay final : public Display {
   }
 
   void RunModal(HWND dialog, const bool& ended) override {
-    for (int calls = 0; !ended && calls < mostIdleCalls; ++calls) State().user->OnDialog(dialog);
+    std::deque<PlayedUser::Step>& steps = State().person->steps;
+    while (!ended && !steps.empty()) {
+      const PlayedUser::Step step = std::move(steps.front());
+      steps.pop_front();
+      step(dialog);
+    }
     if (ended) return;
-    State().user->OnStuck(dialog);
+    ADD_FAILURE() << "a dialog was left open";
     EndDialog(dialog, IDCANCEL);
   }
 
-  int RunMessageBox(const MessageBoxView& box) override { return State().user->OnMessageBox(box); }
+  int RunMessageBox(const MessageBoxView& box) override {
+    PlayedUser& person = *State().person;
+    const DialogView* const owner = ViewOf(box.owner);
+    person.boxes.push_back(box);
+    person.boxOwners.push_back(owner != nullptr ? owner->title : "");
+    if (person.answers.empty()) return IDOK;
+    const int answer = person.answers.front();
+    person.answers.pop_front();
+    return answer;
+  }
 
   void SetText(HWND window, const std::string& text) override {
     const auto dialog = State().dialogs.find(window);
@@ -92,10 +111,7 @@ class HeadlessDisplay final : public Display {
 
   void SetFocus(HWND control, bool selectAll) override { State().record.selectedWhole = selectAll ? control : nullptr; }
 
-  void MoveDialogWindow(HWND dialog, POINT topLeft) override {
-    State().dialogs[dialog].topLeft = topLeft;
-    State().record.moves.push_back(topLeft);
-  }
+  void MoveDialogWindow(HWND dialog, POINT topLeft) override { State().dialogs[dialog].topLeft = topLeft; }
 
   RECT WindowRect(HWND dialog) override {
     const ShownDialog& shown = State().dialogs[dialog];
@@ -124,12 +140,6 @@ class HeadlessDisplay final : public Display {
 HeadlessDisplay display;
 
 }  // namespace
-
-void UseHeadlessDisplay(HeadlessUser* user) {
-  if (user != nullptr) currentState = std::make_unique<HeadlessState>();
-  State().user = user;
-  UseDisplay(user != nullptr ? &display : nullptr);
-}
 
 HeadlessScreen& Screen() {
   return State().screen;
@@ -184,7 +194,7 @@ void Wheel(HWND window, int delta) {
 }
 
 HWND FocusedControl(HWND dialog) {
-  const Window* window = FindDialog(dialog);
+  const windowing::Window* window = windowing::FindDialog(dialog);
   return window != nullptr ? window->dialog->focus : nullptr;
 }
 
@@ -203,4 +213,39 @@ bool IsEnabledOnDisplay(HWND window) {
   return found == State().enabled.end() || found->second;
 }
 
-}  // namespace user
+}  // namespace headless
+
+// The display of a thread that has a user; else there is none, as where the library finds no plugin.
+NvOpenDisplay windowing::FindDisplay() {
+  return [](DisplayEvents*) -> Display* { return headless::State().person != nullptr ? &headless::display : nullptr; };
+}
+
+namespace {
+
+HWND Control(HWND dialog, int id) {
+  const HWND control = GetDlgItem(dialog, id);
+  EXPECT_NE(control, nullptr) << "no control " << id;
+  return control;
+}
+
+}  // namespace
+
+PlayedUser::Step PlayedUser::Types(int id, std::string text) {
+  return [id, text = std::move(text)](HWND dialog) { headless::Type(Control(dialog, id), text); };
+}
+
+PlayedUser::Step PlayedUser::Clicks(int id) {
+  return [id](HWND dialog) { headless::Click(Control(dialog, id)); };
+}
+
+PlayedUser::PlayedUser() {
+  headless::currentState = std::make_unique<headless::HeadlessState>();
+  headless::State().person = this;
+  windowing::OpenDisplay();
+}
+
+PlayedUser::~PlayedUser() {
+  headless::State().person = nullptr;
+  windowing::CloseDisplay();
+  EXPECT_TRUE(steps.empty()) << steps.size() << " steps were not played";
+}

@@ -1,29 +1,13 @@
-#include "dialog_windows.h"
+#include "dialog_creation.h"
 
 #include "../multibyte.h"
 #include "controls.h"
 #include "dialog_manager.h"
 #include "display_selection.h"
-#include "focus.h"
-#include "styles.h"
+#include "modal_dialogs.h"
 
-namespace user {
+namespace windowing {
 namespace {
-
-constexpr int unitsAcross = 4;  // of the average character
-constexpr int unitsDown = 8;
-
-LONG ToPixels(int units, LONG base, int unitsOfBase) {
-  const int scaled = units * static_cast<int>(base) * 2 / unitsOfBase;
-  return static_cast<LONG>((scaled + (scaled < 0 ? -1 : 1)) / 2);
-}
-
-RECT ToPixels(const UnitRect& place, POINT base) {
-  const LONG left = ToPixels(place.x, base.x, unitsAcross);
-  const LONG top = ToPixels(place.y, base.y, unitsDown);
-  return {left, top, left + ToPixels(place.width, base.x, unitsAcross),
-          top + ToPixels(place.height, base.y, unitsDown)};
-}
 
 HWND CreateControl(const ControlTemplate& form, HWND dialog, POINT base) {
   Window& window = NewWindow();
@@ -119,16 +103,16 @@ HWND CreateDialogWindows(Display& display, const DialogTemplate& form, HWND owne
   return handle;
 }
 
-}  // namespace user
+}  // namespace windowing
 
 BOOL DestroyWindow(HWND handle) {
-  const user::Window* window = user::Find(handle);
+  const windowing::Window* window = windowing::Find(handle);
   if (window == nullptr || window->destroying) return FALSE;
   // A dialog that goes without EndDialog ends its run too.
   if (window->dialog) window->dialog->run->ended = true;
   const bool isDialog = window->dialog.has_value();
-  user::TakeDown(handle);
-  user::Display* display = user::OpenedDisplay();
+  windowing::TakeDown(handle);
+  windowing::Display* display = windowing::OpenedDisplay();
   if (isDialog && display != nullptr) display->DestroyDialogWindow(handle);
   return TRUE;
 }

@@ -1,12 +1,13 @@
-// One modal run of a dialog. It lives on the stack of DialogBoxParamA; runs that nest end from the inside out.
-#ifndef NVSUPPORT_PLATFORM_LINUX_USER_MODAL_RUN_H
-#define NVSUPPORT_PLATFORM_LINUX_USER_MODAL_RUN_H
+// Modal dialogs and message boxes, from opening to end. The run of a dialog lives on the stack of DialogBoxParamA; runs
+// that nest end from the inside out.
+#ifndef NVSUPPORT_PLATFORM_LINUX_WINDOWING_MODAL_DIALOGS_H
+#define NVSUPPORT_PLATFORM_LINUX_WINDOWING_MODAL_DIALOGS_H
 
 #include <exception>
 
 #include "../types.h"
 
-namespace user {
+namespace windowing {
 
 class ModalRun {
  public:
@@ -36,6 +37,6 @@ class ModalRun {
   ModalRun* const outer;
 };
 
-}  // namespace user
+}  // namespace windowing
 
 #endif

@@ -4,9 +4,8 @@
 #include <map>
 
 #include "display_selection.h"
-#include "styles.h"
 
-namespace user {
+namespace windowing {
 namespace {
 
 constexpr std::uintptr_t largestForeignId = 0xFFFFFFFF;
@@ -73,55 +72,55 @@ std::uintptr_t ForeignId(HWND handle) {
   return id <= largestForeignId ? id : 0;
 }
 
-}  // namespace user
+}  // namespace windowing
 
 BOOL IsWindow(HWND window) {
-  if (user::Find(window) != nullptr || (window != nullptr && window == GetDesktopWindow())) return TRUE;
-  const std::uintptr_t foreign = user::ForeignId(window);
-  user::Display* display = user::OpenedDisplay();
+  if (windowing::Find(window) != nullptr || (window != nullptr && window == GetDesktopWindow())) return TRUE;
+  const std::uintptr_t foreign = windowing::ForeignId(window);
+  windowing::Display* display = windowing::OpenedDisplay();
   return foreign != 0 && display != nullptr && display->ForeignRect(foreign).has_value();
 }
 
 HWND GetParent(HWND window) {
-  const user::Window* found = user::Find(window);
+  const windowing::Window* found = windowing::Find(window);
   if (found == nullptr) return nullptr;
   if (!found->dialog) return found->parent;
-  return (found->style & (WS_CHILD | user::stylePopup)) != 0 ? found->dialog->owner : nullptr;
+  return (found->style & (WS_CHILD | windowing::stylePopup)) != 0 ? found->dialog->owner : nullptr;
 }
 
 HWND GetWindow(HWND window, UINT relation) {
-  const user::Window* found = user::FindDialog(window);
+  const windowing::Window* found = windowing::FindDialog(window);
   if (found == nullptr || relation != GW_OWNER || (found->style & WS_CHILD) != 0) return nullptr;
   return found->dialog->owner;
 }
 
 HWND GetDesktopWindow() {
-  return reinterpret_cast<HWND>(user::desktopId);
+  return reinterpret_cast<HWND>(windowing::desktopId);
 }
 
 HWND GetDlgItem(HWND dialog, int id) {
-  const user::Window* found = user::FindDialog(dialog);
+  const windowing::Window* found = windowing::FindDialog(dialog);
   if (found == nullptr) return nullptr;
   for (const HWND control : found->dialog->controls) {
-    const user::Window* window = user::Find(control);
+    const windowing::Window* window = windowing::Find(control);
     if (window != nullptr && window->id == id) return control;
   }
   return nullptr;
 }
 
 BOOL EnumChildWindows(HWND parent, WNDENUMPROC callback, LPARAM lParam) {
-  const user::Window* found = user::FindDialog(parent);
+  const windowing::Window* found = windowing::FindDialog(parent);
   if (found == nullptr) return FALSE;
   // A copy, because the callback may destroy the windows.
   const std::vector<HWND> controls = found->dialog->controls;
   for (const HWND control : controls) {
-    if (user::Find(control) != nullptr && callback(control, lParam) == 0) return FALSE;
+    if (windowing::Find(control) != nullptr && callback(control, lParam) == 0) return FALSE;
   }
   return TRUE;
 }
 
 LONG_PTR GetWindowLongPtrA(HWND window, int index) {
-  const user::Window* found = user::Find(window);
+  const windowing::Window* found = windowing::Find(window);
   if (found == nullptr) return 0;
   switch (index) {
     case GWL_STYLE:
@@ -136,7 +135,7 @@ LONG_PTR GetWindowLongPtrA(HWND window, int index) {
 }
 
 LONG_PTR SetWindowLongPtrA(HWND window, int index, LONG_PTR value) {
-  user::Window* found = user::Find(window);
+  windowing::Window* found = windowing::Find(window);
   if (found == nullptr) return 0;
   const LONG_PTR before = GetWindowLongPtrA(window, index);
   switch (index) {
@@ -153,4 +152,34 @@ LONG_PTR SetWindowLongPtrA(HWND window, int index, LONG_PTR value) {
       break;
   }
   return before;
+}
+
+// Sending messages, and the published functions that are messages in other clothes.
+
+LRESULT CallWindowProcA(WNDPROC procedure, HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  return procedure != nullptr ? procedure(window, message, wParam, lParam) : 0;
+}
+
+LRESULT SendMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  const windowing::Window* found = windowing::Find(window);
+  return found != nullptr ? CallWindowProcA(found->procedure, window, message, wParam, lParam) : 0;
+}
+
+LRESULT SendDlgItemMessageA(HWND dialog, int id, UINT message, WPARAM wParam, LPARAM lParam) {
+  return SendMessageA(GetDlgItem(dialog, id), message, wParam, lParam);
+}
+
+BOOL SetWindowTextA(HWND window, LPCSTR text) {
+  return static_cast<BOOL>(SendMessageA(window, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text)));
+}
+
+int GetWindowTextA(HWND window, LPSTR buffer, int size) {
+  if (buffer == nullptr || size <= 0) return 0;
+  buffer[0] = '\0';
+  return static_cast<int>(
+      SendMessageA(window, WM_GETTEXT, static_cast<WPARAM>(size), reinterpret_cast<LPARAM>(buffer)));
+}
+
+UINT GetDlgItemTextA(HWND dialog, int id, LPSTR buffer, int size) {
+  return static_cast<UINT>(GetWindowTextA(GetDlgItem(dialog, id), buffer, size));
 }

@@ -1,20 +1,20 @@
 // The window of one dialog: shows what the core says and reports what the user does. It never ends by itself.
-#ifndef NVSUPPORT_PLATFORM_LINUX_QT_DIALOG_WINDOW_H
-#define NVSUPPORT_PLATFORM_LINUX_QT_DIALOG_WINDOW_H
+#ifndef NVSUPPORT_PLATFORM_LINUX_QT_DIALOG_WIDGET_H
+#define NVSUPPORT_PLATFORM_LINUX_QT_DIALOG_WIDGET_H
 
 #include <QDialog>
 #include <QMargins>
 #include <map>
 
 #include "owner_window.h"
-#include "user/display.h"
+#include "windowing/display.h"
 
-namespace user {
+namespace windowing {
 
-class DialogWindow final : public QDialog {
+class DialogWidget final : public QDialog {
  public:
   // The events are told until Abandon or Retire.
-  DialogWindow(const DialogView& view, DisplayEvents& coreEvents);
+  DialogWidget(const DialogView& view, DisplayEvents& coreEvents);
 
   const std::map<HWND, QWidget*>& Controls() const { return controls; }
   void SetOwner(OwnerWindow ownerWindow);
@@ -65,6 +65,6 @@ class DialogWindow final : public QDialog {
   QPoint clientPlace;      // where the client area was last
 };
 
-}  // namespace user
+}  // namespace windowing
 
 #endif

@@ -1,4 +1,4 @@
-#include "dialog_window.h"
+#include "dialog_widget.h"
 
 #include <QAbstractButton>
 #include <QCloseEvent>
@@ -9,7 +9,7 @@
 
 #include "control_widgets.h"
 
-namespace user {
+namespace windowing {
 namespace {
 
 // Frame widths of a plain desktop.
@@ -35,7 +35,7 @@ bool IsEscape(const QKeyEvent& event) {
 
 }  // namespace
 
-DialogWindow::DialogWindow(const DialogView& view, DisplayEvents& coreEvents)
+DialogWidget::DialogWidget(const DialogView& view, DisplayEvents& coreEvents)
     : QDialog(nullptr, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint),
       handle(view.handle),
       events(&coreEvents) {
@@ -45,7 +45,7 @@ DialogWindow::DialogWindow(const DialogView& view, DisplayEvents& coreEvents)
   for (std::size_t i = 0; i < widgets.size(); ++i) Connect(view.controls[i], *widgets[i]);
 }
 
-void DialogWindow::Connect(const ControlView& view, QWidget& widget) {
+void DialogWidget::Connect(const ControlView& view, QWidget& widget) {
   const HWND control = view.handle;
   controls[control] = &widget;
   widget.installEventFilter(this);
@@ -61,29 +61,29 @@ void DialogWindow::Connect(const ControlView& view, QWidget& widget) {
 }
 
 template <class What>
-void DialogWindow::Report(What what) {
+void DialogWidget::Report(What what) {
   if (events == nullptr) return;
   ++reports;
   what(*events);
   --reports;
 }
 
-void DialogWindow::SetOwner(OwnerWindow ownerWindow) {
+void DialogWidget::SetOwner(OwnerWindow ownerWindow) {
   owner = std::move(ownerWindow);
-  user::SetOwner(*this, owner.window);
+  windowing::SetOwner(*this, owner.window);
 }
 
-void DialogWindow::ShowActive() {
+void DialogWidget::ShowActive() {
   show();
   activateWindow();
 }
 
-void DialogWindow::Abandon() {
+void DialogWidget::Abandon() {
   events = nullptr;
   isEnded = nullptr;
 }
 
-void DialogWindow::Retire() {
+void DialogWidget::Retire() {
   Abandon();
   if (windowHandle() != nullptr && windowHandle()->isExposed()) KnownFrame() = windowHandle()->frameMargins();
   hide();
@@ -95,7 +95,7 @@ void DialogWindow::Retire() {
   }
 }
 
-void DialogWindow::FocusControl(HWND control, bool selectAll) {
+void DialogWidget::FocusControl(HWND control, bool selectAll) {
   const QScopedValueRollback<bool> guard(placing, true);
   QWidget* widget = controls.at(control);
   focused = control;
@@ -104,7 +104,7 @@ void DialogWindow::FocusControl(HWND control, bool selectAll) {
   if (edit != nullptr && selectAll) edit->selectAll();
 }
 
-void DialogWindow::Place(QPoint topLeft) {
+void DialogWidget::Place(QPoint topLeft) {
   const QScopedValueRollback<bool> guard(placing, true);
   framePlace = topLeft;
   // A plain move would place the client area of a window that has no frame yet.
@@ -112,19 +112,19 @@ void DialogWindow::Place(QPoint topLeft) {
   windowHandle()->setFramePosition(topLeft);
 }
 
-QRect DialogWindow::FrameRectangle() const {
+QRect DialogWidget::FrameRectangle() const {
   return isVisible() ? frameGeometry() : QRect(framePlace, size().grownBy(Frame()));
 }
 
-QRect DialogWindow::ClientRectangle() const {
+QRect DialogWidget::ClientRectangle() const {
   return isVisible() ? geometry() : FrameRectangle().marginsRemoved(Frame());
 }
 
-QMargins DialogWindow::Frame() {
+QMargins DialogWidget::Frame() {
   return KnownFrame();
 }
 
-bool DialogWindow::eventFilter(QObject* widget, QEvent* event) {
+bool DialogWidget::eventFilter(QObject* widget, QEvent* event) {
   // A push button with the focus would answer Enter by itself.
   if (event->type() == QEvent::KeyPress && qobject_cast<QPushButton*>(widget) != nullptr) {
     auto* key = static_cast<QKeyEvent*>(event);
@@ -140,13 +140,13 @@ bool DialogWindow::eventFilter(QObject* widget, QEvent* event) {
   return false;
 }
 
-void DialogWindow::OnFocusIn(HWND control) {
+void DialogWidget::OnFocusIn(HWND control) {
   // The same one again when the window becomes the active one.
   if (std::exchange(focused, control) == control) return;
   Report([control](DisplayEvents& to) { to.OnFocus(control); });
 }
 
-void DialogWindow::keyPressEvent(QKeyEvent* event) {
+void DialogWidget::keyPressEvent(QKeyEvent* event) {
   if (IsEnter(*event)) {
     Report([this](DisplayEvents& to) { to.OnEnter(handle); });
   } else if (IsEscape(*event)) {
@@ -157,13 +157,13 @@ void DialogWindow::keyPressEvent(QKeyEvent* event) {
 }
 
 // A host that quits closes all windows first and gives up on one that stays open.
-void DialogWindow::closeEvent(QCloseEvent* event) {
+void DialogWidget::closeEvent(QCloseEvent* event) {
   Report([this](DisplayEvents& to) { to.OnCloseBox(handle); });
   event->setAccepted(!event->spontaneous() && isEnded != nullptr && *isEnded);
 }
 
 // A window manager places a window before it shows it; from then on it is the user who moves it.
-void DialogWindow::moveEvent(QMoveEvent* event) {
+void DialogWidget::moveEvent(QMoveEvent* event) {
   QDialog::moveEvent(event);
   // Without a change of the client's place only the frame has become known.
   const QPoint place = geometry().topLeft();
@@ -171,24 +171,24 @@ void DialogWindow::moveEvent(QMoveEvent* event) {
   Report([this](DisplayEvents& to) { to.OnDragged(handle); });
 }
 
-void DialogWindow::wheelEvent(QWheelEvent* event) {
+void DialogWidget::wheelEvent(QWheelEvent* event) {
   const int delta = event->angleDelta().y();
   const POINT point = ToPoint(event->globalPosition().toPoint());
   Report([this, delta, point](DisplayEvents& to) { to.OnWheel(handle, delta, point); });
 }
 
-void DialogWindow::ReportLeftButton(const QMouseEvent& event, bool doubleClick) {
+void DialogWidget::ReportLeftButton(const QMouseEvent& event, bool doubleClick) {
   if (event.button() != Qt::LeftButton) return;
   const POINT point = ToPoint(event.position().toPoint());
   Report([this, doubleClick, point](DisplayEvents& to) { to.OnLeftButton(handle, doubleClick, point); });
 }
 
-void DialogWindow::mousePressEvent(QMouseEvent* event) {
+void DialogWidget::mousePressEvent(QMouseEvent* event) {
   ReportLeftButton(*event, false);
 }
 
-void DialogWindow::mouseDoubleClickEvent(QMouseEvent* event) {
+void DialogWidget::mouseDoubleClickEvent(QMouseEvent* event) {
   ReportLeftButton(*event, true);
 }
 
-}  // namespace user
+}  // namespace windowing

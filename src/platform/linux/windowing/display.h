@@ -1,8 +1,8 @@
-// The seam between the user core and what shows its windows. The core holds all state and rules (texts, styles,
+// The seam between the window core and what shows its windows. The core holds all state and rules (texts, styles,
 // focus, default button, messages); a display only shows that state and reports what the user does. Texts are UTF-8
 // here, rectangles are pixels. All calls come on the thread that runs the dialogs, but for ShowWaitCursor.
-#ifndef NVSUPPORT_PLATFORM_LINUX_USER_DISPLAY_H
-#define NVSUPPORT_PLATFORM_LINUX_USER_DISPLAY_H
+#ifndef NVSUPPORT_PLATFORM_LINUX_WINDOWING_DISPLAY_H
+#define NVSUPPORT_PLATFORM_LINUX_WINDOWING_DISPLAY_H
 
 #include <cstdint>
 #include <optional>
@@ -11,7 +11,7 @@
 
 #include "../types.h"
 
-namespace user {
+namespace windowing {
 
 enum class ControlKind { label, edit, pushButton, checkBox };
 
@@ -106,12 +106,12 @@ class Display {
   virtual std::optional<POINT> CursorPosition() = 0;
 };
 
-}  // namespace user
+}  // namespace windowing
 
 // The one function that a display plugin exports: gives its display for these events, null when there is no usable
 // display. The plugin keeps the display; a later call, by the module loaded again, replaces `events`. Null events
 // end the use of the display before the module goes, which at the end of a process is after the plugin's own objects
 // are gone.
-extern "C" using NvOpenDisplay = user::Display * (*)(user::DisplayEvents * events);
+extern "C" using NvOpenDisplay = windowing::Display * (*)(windowing::DisplayEvents * events);
 
 #endif

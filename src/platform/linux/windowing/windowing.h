@@ -1,6 +1,7 @@
-// Windows, dialogs, messages and the cursor: the published part of the user core.
-#ifndef NVSUPPORT_PLATFORM_LINUX_USER_USER_H
-#define NVSUPPORT_PLATFORM_LINUX_USER_USER_H
+// Windows, dialogs, messages and the cursor: the published part of the window core. Each group of functions stands in
+// the file named over it.
+#ifndef NVSUPPORT_PLATFORM_LINUX_WINDOWING_WINDOWING_H
+#define NVSUPPORT_PLATFORM_LINUX_WINDOWING_WINDOWING_H
 
 #include "../types.h"
 
@@ -59,33 +60,38 @@ inline LPSTR MAKEINTRESOURCEA(WORD id) {
 }
 inline LPSTR const IDC_WAIT = reinterpret_cast<LPSTR>(static_cast<UINT_PTR>(32514));
 
+// modal_dialogs.cpp
 INT_PTR DialogBoxParamA(HINSTANCE module, LPCSTR dialogTemplate, HWND owner, DLGPROC dialogProc, LPARAM initParam);
 BOOL EndDialog(HWND dialog, INT_PTR result);
 int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type);
 
-LONG_PTR GetWindowLongPtrA(HWND window, int index);
-LONG_PTR SetWindowLongPtrA(HWND window, int index, LONG_PTR value);
-LRESULT CallWindowProcA(WNDPROC procedure, HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-LRESULT SendMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-LRESULT SendDlgItemMessageA(HWND dialog, int id, UINT message, WPARAM wParam, LPARAM lParam);
-
+// window_tree.cpp
 BOOL IsWindow(HWND window);
-BOOL DestroyWindow(HWND window);
 HWND GetParent(HWND window);
 HWND GetWindow(HWND window, UINT relation);
 HWND GetDesktopWindow();
 HWND GetDlgItem(HWND dialog, int id);
 BOOL EnumChildWindows(HWND parent, WNDENUMPROC callback, LPARAM lParam);
+LONG_PTR GetWindowLongPtrA(HWND window, int index);
+LONG_PTR SetWindowLongPtrA(HWND window, int index, LONG_PTR value);
+LRESULT CallWindowProcA(WNDPROC procedure, HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT SendMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT SendDlgItemMessageA(HWND dialog, int id, UINT message, WPARAM wParam, LPARAM lParam);
 BOOL SetWindowTextA(HWND window, LPCSTR text);
 int GetWindowTextA(HWND window, LPSTR buffer, int size);
 UINT GetDlgItemTextA(HWND dialog, int id, LPSTR buffer, int size);
 
+// dialog_creation.cpp
+BOOL DestroyWindow(HWND window);
+
+// geometry.cpp
 BOOL GetWindowRect(HWND window, RECT* rectangle);
 int MapWindowPoints(HWND from, HWND to, POINT* points, UINT count);
 BOOL SetWindowPos(HWND window, HWND insertAfter, int x, int y, int width, int height, UINT flags);
 int GetSystemMetrics(int index);
 BOOL SystemParametersInfoA(UINT action, UINT parameter, LPVOID value, UINT flags);
 
+// cursor.cpp
 HCURSOR LoadCursorA(HINSTANCE module, LPCSTR name);
 HCURSOR SetCursor(HCURSOR cursor);
 BOOL GetCursorPos(POINT* point);

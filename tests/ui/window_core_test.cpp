@@ -1,4 +1,4 @@
-// The user core on the headless display: message orders, keys, focus, controls, handles.
+// The window core on the headless display: message orders, keys, focus, controls, handles.
 #include <gtest/gtest.h>
 
 #include <new>
@@ -9,7 +9,7 @@
 namespace nvsupport {
 namespace {
 
-using user::Key;
+using headless::Key;
 
 HWND Item(HWND dialog, int id) {
   return GetDlgItem(dialog, id);
@@ -20,10 +20,10 @@ void FocusItem(HWND dialog, int id) {
 }
 
 // No exception of a handler reaches the display.
-const PlayedUser::Step closeBox = [](HWND dialog) { EXPECT_NO_THROW(user::CloseBox(dialog)); };
+const PlayedUser::Step closeBox = [](HWND dialog) { EXPECT_NO_THROW(headless::CloseBox(dialog)); };
 const PlayedUser::Step end = [](HWND dialog) { EndDialog(dialog, 1); };
 
-TEST(UserCore, SendsADialogItsMessagesInTheirOrder) {
+TEST(WindowCore, SendsADialogItsMessagesInTheirOrder) {
   PlayedUser person;
   CoreProbe probe([](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) -> INT_PTR {
     EXPECT_TRUE(IsWindow(dialog));
@@ -42,8 +42,8 @@ TEST(UserCore, SendsADialogItsMessagesInTheirOrder) {
   });
   person.steps = {PlayedUser::Clicks(IDC_BUTTON), PlayedUser::Types(IDC_EDIT, "typed"),
                   [](HWND dialog) {
-                    user::Drag(dialog, {1, 1});
-                    user::Wheel(Item(dialog, IDC_EDIT), -120);
+                    headless::Drag(dialog, {1, 1});
+                    headless::Wheel(Item(dialog, IDC_EDIT), -120);
                     MessageBoxA(dialog, "takes the focus meanwhile", nullptr, MB_OK);
                   },
                   closeBox};
@@ -61,7 +61,7 @@ TEST(UserCore, SendsADialogItsMessagesInTheirOrder) {
   EXPECT_FALSE(IsWindow(probe.dialog));
 }
 
-TEST(UserCore, MeasuresInPixelsOfTheDialogFont) {
+TEST(WindowCore, MeasuresInPixelsOfTheDialogFont) {
   CoreProbe probe;
   Within(probe, [](HWND dialog) {
     SetWindowPos(dialog, nullptr, 30, 40, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
@@ -76,7 +76,7 @@ TEST(UserCore, MeasuresInPixelsOfTheDialogFont) {
   });
 }
 
-TEST(UserCore, ChoosesTheButtonForAKeyByTheFocus) {
+TEST(WindowCore, ChoosesTheButtonForAKeyByTheFocus) {
   const struct {
     int focus;
     Key key;
@@ -90,7 +90,7 @@ TEST(UserCore, ChoosesTheButtonForAKeyByTheFocus) {
     PlayedUser person;
     person.steps = {[&](HWND dialog) {
       FocusItem(dialog, row.focus);
-      user::Press(dialog, row.key);
+      headless::Press(dialog, row.key);
     }};
     CoreProbe probe([](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
       if (message == WM_COMMAND) {
@@ -102,24 +102,24 @@ TEST(UserCore, ChoosesTheButtonForAKeyByTheFocus) {
   }
 }
 
-TEST(UserCore, MovesTheFocusInTemplateOrderPastWhatCannotTakeIt) {
+TEST(WindowCore, MovesTheFocusInTemplateOrderPastWhatCannotTakeIt) {
   CoreProbe probe(EndOnButton);
   std::vector<int> visited;
   Within(probe, [&](HWND dialog) {
     for (int presses = 0; presses < 9; ++presses) {
       for (const int id : {10, 11, 12, 13, 14, 15, 1, 2, 16, 17}) {
-        if (Item(dialog, id) == user::FocusedControl(dialog)) visited.push_back(id);
+        if (Item(dialog, id) == headless::FocusedControl(dialog)) visited.push_back(id);
       }
-      user::Press(dialog, Key::tab);
+      headless::Press(dialog, Key::tab);
     }
     SendMessageA(dialog, WM_NEXTDLGCTL, 1, 0);
-    EXPECT_EQ(user::FocusedControl(dialog), Item(dialog, IDC_EDIT));
-    EXPECT_EQ(user::Record().selectedWhole, Item(dialog, IDC_EDIT));
+    EXPECT_EQ(headless::FocusedControl(dialog), Item(dialog, IDC_EDIT));
+    EXPECT_EQ(headless::Record().selectedWhole, Item(dialog, IDC_EDIT));
   });
   EXPECT_EQ(visited, (std::vector<int>{10, 11, 12, 13, 14, 1, 2, 16, 10}));
 }
 
-TEST(UserCore, ChangesACheckBoxBeforeItTellsTheDialog) {
+TEST(WindowCore, ChangesACheckBoxBeforeItTellsTheDialog) {
   std::vector<LRESULT> states;
   CoreProbe probe([&](HWND, UINT message, WPARAM, LPARAM lParam) -> INT_PTR {
     if (message == WM_COMMAND) states.push_back(SendMessageA(reinterpret_cast<HWND>(lParam), BM_GETCHECK, 0, 0));
@@ -127,25 +127,25 @@ TEST(UserCore, ChangesACheckBoxBeforeItTellsTheDialog) {
   });
   Within(probe, [&](HWND dialog) {
     for (const int id : {IDC_TWO_STATES, IDC_THREE_STATES, IDC_MANUAL_BOX}) {
-      user::Click(Item(dialog, id));
-      user::Press(dialog, Key::space);
+      headless::Click(Item(dialog, id));
+      headless::Press(dialog, Key::space);
       SendDlgItemMessageA(dialog, id, BM_CLICK, 0, 0);
     }
-    user::Click(Item(dialog, IDC_DISABLED));
+    headless::Click(Item(dialog, IDC_DISABLED));
     EXPECT_EQ(states, (std::vector<LRESULT>{1, 0, 1, 1, 2, 0, 0, 0, 0}));
     for (const auto& [id, largest] : {std::pair{IDC_TWO_STATES, 1}, {IDC_THREE_STATES, 2}, {IDOK, 0}}) {
       SendDlgItemMessageA(dialog, id, BM_SETCHECK, 7, 0);
       EXPECT_EQ(SendDlgItemMessageA(dialog, id, BM_GETCHECK, 0, 0), largest);
-      EXPECT_EQ(user::CheckStateShown(Item(dialog, id)), largest);
+      EXPECT_EQ(headless::CheckStateShown(Item(dialog, id)), largest);
     }
   });
 }
 
-TEST(UserCore, KeepsTextsInStepWithTheDisplay) {
+TEST(WindowCore, KeepsTextsInStepWithTheDisplay) {
   CoreProbe probe;
   Within(probe, [](HWND dialog) {
     const std::string typed = "Gr\xC3\xBC\xC3\x9F";
-    user::Type(Item(dialog, IDC_SECRET), typed);
+    headless::Type(Item(dialog, IDC_SECRET), typed);
     char text[7] = "######";
     EXPECT_EQ(SendDlgItemMessageA(dialog, IDC_SECRET, WM_GETTEXTLENGTH, 0, 0), 6);
     EXPECT_EQ(GetDlgItemTextA(dialog, IDC_SECRET, text, 7), 6u);
@@ -155,23 +155,23 @@ TEST(UserCore, KeepsTextsInStepWithTheDisplay) {
     EXPECT_EQ(GetDlgItemTextA(dialog, 999, text, 7), 0u);
     EXPECT_STREQ(text, "");
     SetWindowTextA(dialog, "caf\xE9");  // not valid in the code page
-    EXPECT_EQ(user::ViewOf(dialog)->title, "caf\xC3\xA9");
-    EXPECT_EQ(user::ViewOf(dialog)->controls[3].text, "&Two \xE2\x82\xAC");
+    EXPECT_EQ(headless::ViewOf(dialog)->title, "caf\xC3\xA9");
+    EXPECT_EQ(headless::ViewOf(dialog)->controls[3].text, "&Two \xE2\x82\xAC");
   });
 }
 
-TEST(UserCore, OpensADialogInsideADialog) {
+TEST(WindowCore, OpensADialogInsideADialog) {
   PlayedUser person;
   CoreProbe outer(EndOnButton);
   CoreProbe inner([&](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_INITDIALOG) {
       EXPECT_EQ(GetParent(dialog), outer.dialog);
       EXPECT_EQ(GetWindow(dialog, GW_OWNER), outer.dialog);
-      EXPECT_EQ(user::ViewOf(dialog)->owner, outer.dialog);
-      EXPECT_FALSE(user::IsEnabledOnDisplay(outer.dialog));
+      EXPECT_EQ(headless::ViewOf(dialog)->owner, outer.dialog);
+      EXPECT_FALSE(headless::IsEnabledOnDisplay(outer.dialog));
     }
     if (message == WM_DESTROY) {
-      EXPECT_TRUE(user::IsEnabledOnDisplay(outer.dialog));
+      EXPECT_TRUE(headless::IsEnabledOnDisplay(outer.dialog));
     }
     return EndOnButton(dialog, message, wParam, lParam);
   });
@@ -180,16 +180,16 @@ TEST(UserCore, OpensADialogInsideADialog) {
                     EndDialog(dialog, 7);
                   },
                   [&](HWND dialog) {
-                    user::Click(Item(outer.dialog, IDOK));  // does not reach a disabled dialog
-                    user::CloseBox(outer.dialog);
-                    user::Press(dialog, Key::enter);
+                    headless::Click(Item(outer.dialog, IDOK));  // does not reach a disabled dialog
+                    headless::CloseBox(outer.dialog);
+                    headless::Press(dialog, Key::enter);
                   }};
   EXPECT_EQ(outer.Run(IDD_PROBE), 7);
   EXPECT_EQ(outer.seen, (Noted{"SETFONT", "INITDIALOG", "COMMAND 10 100", "COMMAND 10 200", "COMMAND 10 100",
                                "COMMAND 10 200", "DESTROY", "NCDESTROY"}));
 }
 
-TEST(UserCore, LeavesNothingOfADialogWhoseHandlerDestroysItOrThrows) {
+TEST(WindowCore, LeavesNothingOfADialogWhoseHandlerDestroysItOrThrows) {
   const struct {
     UINT trigger;
     PlayedUser::Step act;
@@ -220,12 +220,12 @@ TEST(UserCore, LeavesNothingOfADialogWhoseHandlerDestroysItOrThrows) {
       person.steps.push_back(closeBox);
       EXPECT_EQ(outer.Run(IDD_PROBE), IDCANCEL);
       EXPECT_FALSE(IsWindow(inner.dialog));
-      EXPECT_EQ(user::ViewOf(inner.dialog), nullptr);
+      EXPECT_EQ(headless::ViewOf(inner.dialog), nullptr);
     }
   }
 }
 
-TEST(UserCore, TakesAnInnerDialogDownWithItsOwner) {
+TEST(WindowCore, TakesAnInnerDialogDownWithItsOwner) {
   PlayedUser person;
   CoreProbe inner;
   CoreProbe outer;
@@ -235,7 +235,7 @@ TEST(UserCore, TakesAnInnerDialogDownWithItsOwner) {
   EXPECT_EQ(inner.seen, (Noted{"INITDIALOG", "DESTROY", "NCDESTROY"}));
 }
 
-TEST(UserCore, AnswersStaleAndUnknownHandlesWithNothing) {
+TEST(WindowCore, AnswersStaleAndUnknownHandlesWithNothing) {
   std::vector<HWND> handles = {nullptr, reinterpret_cast<HWND>(0x1234), reinterpret_cast<HWND>(~std::uintptr_t{0})};
   CoreProbe probe;
   Within(probe, [&](HWND dialog) {
@@ -250,14 +250,14 @@ TEST(UserCore, AnswersStaleAndUnknownHandlesWithNothing) {
     EXPECT_FALSE(SetWindowTextA(handle, "x") || GetWindowTextA(handle, text, sizeof text));
     EXPECT_FALSE(GetParent(handle) || Item(handle, IDOK) || SendMessageA(handle, WM_CLOSE, 0, 0));
     EXPECT_FALSE(SetWindowLongPtrA(handle, GWLP_USERDATA, 1) || GetWindowLongPtrA(handle, GWLP_USERDATA));
-    user::Click(handle);
-    user::Type(handle, "x");
-    user::Drag(handle, {1, 1});
-    user::Wheel(handle, 120);
+    headless::Click(handle);
+    headless::Type(handle, "x");
+    headless::Drag(handle, {1, 1});
+    headless::Wheel(handle, 120);
   }
 }
 
-TEST(UserCore, FailsWhereThereIsNothingToShow) {
+TEST(WindowCore, FailsWhereThereIsNothingToShow) {
   testing::internal::CaptureStderr();
   {
     PlayedUser person;

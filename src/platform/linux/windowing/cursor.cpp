@@ -2,7 +2,8 @@
 // has opened no window has no cursor of ours.
 #include "../threads.h"
 #include "display_selection.h"
-#include "user.h"
+#include "platform/platform.h"
+#include "windowing.h"
 
 namespace {
 
@@ -16,22 +17,27 @@ HCURSOR SharedCursor(LPCSTR name) {
 
 }  // namespace
 
-// The wait cursor is loaded by the thread that is going to be blocked.
+namespace platform {
+
+void NoteWindowsForWaitCursor() {
+  if (windowing::Display* display = windowing::OpenedDisplay()) display->NoteCursorWindows();
+}
+
+}  // namespace platform
+
 HCURSOR LoadCursorA(HINSTANCE module, LPCSTR name) {
-  user::Display* display = user::OpenedDisplay();
-  if (display != nullptr && name == IDC_WAIT) display->NoteCursorWindows();
   return module == nullptr ? SharedCursor(name) : nullptr;
 }
 
 HCURSOR SetCursor(HCURSOR cursor) {
   const DWORD thread = joinedThread != 0 ? joinedThread : GetCurrentThreadId();
-  user::Display* display = user::DisplayOfThread(thread);
+  windowing::Display* display = windowing::DisplayOfThread(thread);
   if (display != nullptr && cursor == SharedCursor(IDC_WAIT)) display->ShowWaitCursor();
   return nullptr;
 }
 
 BOOL GetCursorPos(POINT* point) {
-  user::Display* display = user::OpenedDisplay();
+  windowing::Display* display = windowing::OpenedDisplay();
   const std::optional<POINT> position = display != nullptr ? display->CursorPosition() : std::nullopt;
   if (!position) return FALSE;
   *point = *position;
@@ -41,7 +47,7 @@ BOOL GetCursorPos(POINT* point) {
 // The pointer is the user's and stays where it is: what is wanted is the other effect, that the window below it
 // chooses its cursor again.
 BOOL SetCursorPos(int, int) {
-  user::Display* display = user::OpenedDisplay();
+  windowing::Display* display = windowing::OpenedDisplay();
   if (display == nullptr) return FALSE;
   display->RestoreCursor();
   return TRUE;

@@ -1,17 +1,57 @@
-#include "display_events.h"
+#include "dialog_manager.h"
 
 #include "../multibyte.h"
 #include "controls.h"
-#include "dialog_manager.h"
 #include "display_selection.h"
-#include "focus.h"
-#include "styles.h"
+#include "modal_dialogs.h"
 #include "window_tree.h"
 
-namespace user {
+namespace windowing {
 namespace {
 
 constexpr WPARAM leftButtonDown = 1;
+
+// wParam is a control if lParam says so, else whether to go backwards in the tab order.
+void MoveFocus(HWND dialog, WPARAM wParam, LPARAM lParam) {
+  const Window* window = FindDialog(dialog);
+  if (window == nullptr) return;
+  const bool toControl = LOWORD(static_cast<std::uint64_t>(lParam)) != 0;
+  const HWND control =
+      toControl ? reinterpret_cast<HWND>(wParam) : NextTabStop(dialog, window->dialog->focus, wParam != 0);
+  if (control != dialog && DialogOf(control) == dialog) FocusControl(control, true);
+}
+
+bool IsDefaultButton(const Window& window) {
+  return window.kind == ControlKind::pushButton && (window.style & styleControlType) == styleDefaultPushButton;
+}
+
+int DefaultButtonId(const DialogState& dialog) {
+  if (const Window* focused = FindControl(dialog.focus, ControlKind::pushButton)) return focused->id;
+  for (const HWND control : dialog.controls) {
+    const Window* window = Find(control);
+    if (window != nullptr && IsDefaultButton(*window)) return window->id;
+  }
+  return IDOK;
+}
+
+// The command of a button by its id, there or not; nothing if it is disabled.
+void PressButton(HWND dialog, int id) {
+  const HWND button = GetDlgItem(dialog, id);
+  const Window* window = Find(button);
+  if (window != nullptr && !window->enabled) return;
+  SendMessageA(dialog, WM_COMMAND, PackWords(static_cast<WORD>(id), codeButtonClicked),
+               reinterpret_cast<LPARAM>(button));
+}
+
+// The command of the button with the focus, else of the default button, else IDOK.
+void PressEnter(HWND dialog) {
+  if (const Window* window = FindDialog(dialog)) PressButton(dialog, DefaultButtonId(*window->dialog));
+}
+
+// Esc and the close box mean Cancel.
+void PressEscape(HWND dialog) {
+  PressButton(dialog, IDCANCEL);
+}
 
 // False for windows that are gone, disabled by a dialog of their own, or on their way out.
 bool TakesInput(HWND window) {
@@ -56,7 +96,7 @@ class Events final : public DisplayEvents {
   }
 
   void OnEscape(HWND dialog) override {
-    IfItTakesInput(dialog, [=] { PressButton(dialog, IDCANCEL); });
+    IfItTakesInput(dialog, [=] { PressEscape(dialog); });
   }
 
   void OnCloseBox(HWND dialog) override {
@@ -89,9 +129,28 @@ class Events final : public DisplayEvents {
 
 }  // namespace
 
+LRESULT CALLBACK DialogWindowProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+  const Window* window = FindDialog(dialog);
+  if (window == nullptr) return 0;
+  const DLGPROC procedure = window->dialog->procedure;
+  const INT_PTR handled = procedure != nullptr ? procedure(dialog, message, wParam, lParam) : FALSE;
+  if (message == WM_INITDIALOG) return handled;
+  if (handled != FALSE) return 0;
+  switch (message) {
+    case WM_CLOSE:
+      PressEscape(dialog);
+      return 0;
+    case WM_NEXTDLGCTL:
+      MoveFocus(dialog, wParam, lParam);
+      return 0;
+    default:
+      return DefaultWindowProcedure(dialog, message, wParam, lParam);
+  }
+}
+
 DisplayEvents& CoreEvents() {
   static Events events;
   return events;
 }
 
-}  // namespace user
+}  // namespace windowing

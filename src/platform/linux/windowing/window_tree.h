@@ -1,8 +1,8 @@
 // All windows that the core made: dialogs and their controls, found by handle. Handles count up and are never used
 // again, so a stale one finds nothing; they lie above every X11 window id, so the two cannot be mixed up. A pointer to
 // a Window is good until the next call of a window procedure: look the handle up again after it.
-#ifndef NVSUPPORT_PLATFORM_LINUX_USER_WINDOW_TREE_H
-#define NVSUPPORT_PLATFORM_LINUX_USER_WINDOW_TREE_H
+#ifndef NVSUPPORT_PLATFORM_LINUX_WINDOWING_WINDOW_TREE_H
+#define NVSUPPORT_PLATFORM_LINUX_WINDOWING_WINDOW_TREE_H
 
 #include <cstdint>
 #include <optional>
@@ -10,10 +10,40 @@
 #include <vector>
 
 #include "display.h"
-#include "modal_run.h"
-#include "user.h"
+#include "windowing.h"
 
-namespace user {
+namespace windowing {
+
+// Styles, notification codes and message words that pass inside the core only; published values.
+inline constexpr LONG_PTR stylePopup = 0x80000000;
+inline constexpr LONG_PTR styleDisabled = 0x08000000;
+inline constexpr LONG_PTR styleTabStop = 0x00010000;
+inline constexpr LONG_PTR styleSetFont = 0x40;      // of a dialog: the template names a font
+inline constexpr LONG_PTR styleControlType = 0x0F;  // of a button or static: which kind
+inline constexpr LONG_PTR stylePassword = 0x20;     // of an edit
+
+// Kinds of buttons.
+inline constexpr LONG_PTR stylePushButton = 0;
+inline constexpr LONG_PTR styleDefaultPushButton = 1;
+inline constexpr LONG_PTR styleCheckBox = 2;
+inline constexpr LONG_PTR styleAutoCheckBox = 3;
+inline constexpr LONG_PTR styleThreeState = 5;
+inline constexpr LONG_PTR styleAutoThreeState = 6;
+// A kind of static.
+inline constexpr LONG_PTR styleLabelRight = 2;
+
+inline constexpr WORD codeButtonClicked = 0;
+inline constexpr WORD codeEditSetFocus = 0x100;
+inline constexpr WORD codeEditKillFocus = 0x200;
+inline constexpr WORD codeEditChange = 0x300;
+inline constexpr WORD codeEditUpdate = 0x400;
+
+// Two words as one parameter of a message.
+constexpr std::uint32_t PackWords(WORD low, WORD high) {
+  return low | static_cast<std::uint32_t>(high) << 16;
+}
+
+class ModalRun;
 
 struct DialogState {
   DLGPROC procedure;
@@ -54,6 +84,6 @@ std::vector<HWND> OwnedDialogs(HWND owner);
 // The X11 window id that a handle which the core did not make stands for; 0 if it cannot be one.
 std::uintptr_t ForeignId(HWND handle);
 
-}  // namespace user
+}  // namespace windowing
 
 #endif

@@ -1,9 +1,15 @@
 #include "dialog_template.h"
 
-#include "byte_reader.h"
-#include "styles.h"
+#include <algorithm>
 
-namespace user {
+#include "../module.h"
+#include "window_tree.h"
+
+// The module's own compiled script, put there by the build.
+extern "C" const unsigned char module_resources_begin[];
+extern "C" const unsigned char module_resources_end[];
+
+namespace windowing {
 namespace {
 
 constexpr WORD templateVersion = 1;
@@ -14,7 +20,54 @@ constexpr WORD editClass = 0x81;
 constexpr WORD staticClass = 0x82;
 constexpr std::size_t fontAttributesSize = 6;  // bytes: size, weight, italic, character set
 
+constexpr WORD dialogType = 5;
+constexpr std::size_t sizesLength = 8;
+constexpr std::uintptr_t largestNumber = 0xFFFF;
+
+constexpr int unitsAcross = 4;  // of the average character
+constexpr int unitsDown = 8;
+
 constexpr char32_t replacementCharacter = 0xFFFD;
+
+// Reads little-endian numbers from bytes that nothing vouches for: past their end everything is 0, and the reader has
+// failed.
+class ByteReader {
+ public:
+  explicit ByteReader(Bytes source) : bytes(source) {}
+
+  bool Good() const { return good; }
+  bool AtEnd() const { return at == bytes.size(); }
+
+  std::uint8_t Byte() { return static_cast<std::uint8_t>(Number(1)); }
+  std::uint16_t Word() { return static_cast<std::uint16_t>(Number(2)); }
+  std::int16_t Short() { return static_cast<std::int16_t>(Number(2)); }
+  std::uint32_t DoubleWord() { return Number(4); }
+
+  Bytes Take(std::size_t size) {
+    if (size > bytes.size() - at) good = false;
+    if (!good) return {};
+    const Bytes taken = bytes.subspan(at, size);
+    at += size;
+    return taken;
+  }
+  // Goes on to a multiple of 4 from the beginning; the end is as good as one.
+  void Align() { at = std::min((at + 3) / 4 * 4, bytes.size()); }
+
+ private:
+  std::uint32_t Number(std::size_t size) {
+    std::uint32_t value = 0;
+    unsigned shift = 0;
+    for (const unsigned char byte : Take(size)) {
+      value |= static_cast<std::uint32_t>(byte) << shift;
+      shift += 8;
+    }
+    return value;
+  }
+
+  Bytes bytes;
+  std::size_t at = 0;
+  bool good = true;
+};
 
 void AppendUtf8(std::string& text, char32_t character) {
   const auto tail = [character](unsigned shift) { return static_cast<char>(0x80 | (character >> shift & 0x3F)); };
@@ -111,6 +164,19 @@ std::optional<ControlTemplate> ReadControl(ByteReader& reader) {
   return control;
 }
 
+// A number, or 0 for a name, which is skipped.
+WORD ReadNumberOrName(ByteReader& header) {
+  WORD unit = header.Word();
+  if (unit == ordinalMark) return header.Word();
+  while (unit != 0) unit = header.Word();
+  return 0;
+}
+
+LONG ToPixels(int units, LONG base, int unitsOfBase) {
+  const int scaled = units * static_cast<int>(base) * 2 / unitsOfBase;
+  return static_cast<LONG>((scaled + (scaled < 0 ? -1 : 1)) / 2);
+}
+
 }  // namespace
 
 std::optional<DialogTemplate> ParseDialogTemplate(Bytes bytes) {
@@ -138,4 +204,33 @@ std::optional<DialogTemplate> ParseDialogTemplate(Bytes bytes) {
   return dialog;
 }
 
-}  // namespace user
+Bytes FindDialogTemplateIn(Bytes compiledScript, WORD id) {
+  ByteReader script(compiledScript);
+  while (script.Good() && !script.AtEnd()) {
+    const std::uint32_t dataSize = script.DoubleWord();
+    const std::uint32_t headerSize = script.DoubleWord();
+    if (headerSize < sizesLength) return {};
+    ByteReader header(script.Take(headerSize - sizesLength));
+    const WORD type = ReadNumberOrName(header);
+    const WORD name = ReadNumberOrName(header);
+    const Bytes data = script.Take(dataSize);
+    if (header.Good() && type == dialogType && name == id) return data;
+    script.Align();
+  }
+  return {};
+}
+
+Bytes FindDialogTemplate(HINSTANCE module, LPCSTR name) {
+  const auto number = reinterpret_cast<std::uintptr_t>(name);
+  if (module == nullptr || module != GetModuleHandleA(nullptr) || number == 0 || number > largestNumber) return {};
+  return FindDialogTemplateIn({module_resources_begin, module_resources_end}, static_cast<WORD>(number));
+}
+
+RECT ToPixels(const UnitRect& place, POINT base) {
+  const LONG left = ToPixels(place.x, base.x, unitsAcross);
+  const LONG top = ToPixels(place.y, base.y, unitsDown);
+  return {left, top, left + ToPixels(place.width, base.x, unitsAcross),
+          top + ToPixels(place.height, base.y, unitsDown)};
+}
+
+}  // namespace windowing

@@ -2,11 +2,10 @@
 #include <optional>
 
 #include "display_selection.h"
-#include "styles.h"
-#include "user.h"
 #include "window_tree.h"
+#include "windowing.h"
 
-namespace user {
+namespace windowing {
 namespace {
 
 RECT MovedBy(const RECT& rectangle, POINT by) {
@@ -31,41 +30,41 @@ std::optional<POINT> OriginOf(Display& display, HWND handle) {
 }
 
 }  // namespace
-}  // namespace user
+}  // namespace windowing
 
 BOOL GetWindowRect(HWND window, RECT* rectangle) {
-  user::Display* display = user::OpenedDisplay();
+  windowing::Display* display = windowing::OpenedDisplay();
   if (display == nullptr) return FALSE;
-  const std::optional<RECT> found = user::RectOf(*display, window);
+  const std::optional<RECT> found = windowing::RectOf(*display, window);
   if (!found) return FALSE;
   *rectangle = *found;
   return TRUE;
 }
 
 int MapWindowPoints(HWND from, HWND to, POINT* points, UINT count) {
-  user::Display* display = user::OpenedDisplay();
+  windowing::Display* display = windowing::OpenedDisplay();
   if (display == nullptr) return 0;
-  const std::optional<POINT> source = user::OriginOf(*display, from);
-  const std::optional<POINT> target = user::OriginOf(*display, to);
+  const std::optional<POINT> source = windowing::OriginOf(*display, from);
+  const std::optional<POINT> target = windowing::OriginOf(*display, to);
   if (!source || !target) return 0;
   const POINT by{source->x - target->x, source->y - target->y};
   for (UINT i = 0; i < count; ++i) {
     points[i].x += by.x;
     points[i].y += by.y;
   }
-  return static_cast<int>(user::PackWords(static_cast<WORD>(by.x), static_cast<WORD>(by.y)));
+  return static_cast<int>(windowing::PackWords(static_cast<WORD>(by.x), static_cast<WORD>(by.y)));
 }
 
 // Dialogs move; nothing changes its size or its place among the windows.
 BOOL SetWindowPos(HWND window, HWND, int x, int y, int, int, UINT flags) {
-  user::Display* display = user::OpenedDisplay();
-  if (display == nullptr || user::FindDialog(window) == nullptr || (flags & SWP_NOSIZE) == 0) return FALSE;
+  windowing::Display* display = windowing::OpenedDisplay();
+  if (display == nullptr || windowing::FindDialog(window) == nullptr || (flags & SWP_NOSIZE) == 0) return FALSE;
   display->MoveDialogWindow(window, {x, y});
   return TRUE;
 }
 
 int GetSystemMetrics(int index) {
-  user::Display* display = user::OpenedDisplay();
+  windowing::Display* display = windowing::OpenedDisplay();
   if (display == nullptr) return 0;
   switch (index) {
     case SM_CYSIZE:
@@ -79,7 +78,7 @@ int GetSystemMetrics(int index) {
 }
 
 BOOL SystemParametersInfoA(UINT action, UINT, LPVOID value, UINT) {
-  user::Display* display = user::OpenedDisplay();
+  windowing::Display* display = windowing::OpenedDisplay();
   if (display == nullptr || action != SPI_GETWORKAREA) return FALSE;
   *static_cast<RECT*>(value) = display->WorkArea();
   return TRUE;

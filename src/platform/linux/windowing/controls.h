@@ -1,0 +1,39 @@
+// Statics, edits and buttons: their window procedures, what they tell their dialog, and what all windows do alike. And
+// the keyboard focus among them: one control of the process has it, and each dialog keeps the one that gets it back.
+#ifndef NVSUPPORT_PLATFORM_LINUX_WINDOWING_CONTROLS_H
+#define NVSUPPORT_PLATFORM_LINUX_WINDOWING_CONTROLS_H
+
+#include "display.h"
+#include "windowing.h"
+
+namespace windowing {
+
+WNDPROC ControlProcedure(ControlKind kind);
+
+// What a window of any kind does with a message: it keeps a text.
+LRESULT DefaultWindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+// Sends a control's WM_COMMAND to its dialog.
+void NotifyDialog(HWND control, WORD code);
+// EN_UPDATE, then EN_CHANGE.
+void NotifyTextChange(HWND edit);
+// A click on a push button or check box, by whatever means.
+void ClickButton(HWND button);
+
+// The control that has the focus, or null.
+HWND FocusedControlOfProcess();
+
+// The focus has gone to a control (null: to none), as the display knows: tells the edits concerned.
+void GiveFocus(HWND control);
+// Moves the focus to a control, on the display too; selectAll: selects an edit's text, as Tab does.
+void FocusControl(HWND control, bool selectAll);
+// A window goes: nothing is told to it any more.
+void ForgetFocus(HWND window);
+
+// The enabled control with a tab stop that follows `from` in tab order, or precedes it; null without one. From null:
+// the first, or the last.
+HWND NextTabStop(HWND dialog, HWND from, bool backwards);
+
+}  // namespace windowing
+
+#endif
