@@ -10,7 +10,7 @@ readonly build_packages=(
   libbenchmark-dev libcli11-dev libcurl4-openssl-dev libgtest-dev libsodium-dev libsqlite3-dev libssl-dev
   nlohmann-json3-dev
   libx11-dev libxcb-cursor-dev libxcb-xfixes0-dev libxcb1-dev qt6-base-dev
-  fonts-dejavu-core lighttpd lighttpd-mod-openssl openssl xdotool xvfb
+  fcgiwrap fonts-dejavu-core lighttpd lighttpd-mod-openssl openssl xdotool xvfb
 )
 readonly test_packages=(
   clang clang-format clang-tidy curl g++-mingw-w64-x86-64 gettext libclang-rt-14-dev locales openbox
@@ -38,11 +38,19 @@ if ((EUID != 0)); then
   command -v sudo >/dev/null || { echo "missing packages, and no sudo to install them: ${missing[*]}" >&2; exit 1; }
   as_root=(sudo)
 fi
+
+# Some packages start a server of their own, now and at every boot; only the programs are wanted.
+readonly servers=(fcgiwrap.service fcgiwrap.socket lighttpd.service)
+readonly policy=/usr/sbin/policy-rc.d # asked before a package starts a server
+if [[ ! -e $policy ]]; then
+  trap '"${as_root[@]}" rm -f "$policy"' EXIT
+  printf '#!/bin/sh\nexit 101\n' | "${as_root[@]}" install -m 755 /dev/stdin "$policy"
+fi
 echo "Installing ${missing[*]}"
 "${as_root[@]}" apt-get update -q
 "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}"
-
-# The package starts a web server of its own on port 80 and at every boot; only the program is wanted.
-if [[ " ${missing[*]} " == *" lighttpd "* && -d /run/systemd/system ]]; then
-  "${as_root[@]}" systemctl disable --now lighttpd || true
-fi
+for server in "${servers[@]}"; do
+  if [[ " ${missing[*]} " == *" ${server%.*} "* && -d /run/systemd/system ]]; then
+    "${as_root[@]}" systemctl disable "$server" || true
+  fi
+done

@@ -8,6 +8,7 @@ readonly service_host=${NV_SERVICE_HOST:-service.norvane.example}
 readonly web_host=${NV_WEB_HOST:-www.norvane.example}
 readonly session_seconds=${NV_SERVICE_SESSION_SECONDS:-3600}
 readonly kbytes_per_second=${NV_SERVICE_KBYTES_PER_SECOND:-0}
+readonly processes=${NV_SERVICE_PROCESSES:-8}
 readonly certificate_days=2
 readonly start_tries=20    # of finding two free ports
 readonly answer_tries=100  # tenths of a second
@@ -22,7 +23,8 @@ Usage: service.sh start DIR   start the service; keep everything it needs and wr
 
 "start" prints the environment, too:  eval "\$(service/service.sh start /tmp/nv)"
 Starting a running service and stopping one that does not run do nothing. The service listens on loopback only, on
-free ports of its own choosing, and needs no root.
+free ports of its own choosing, and needs no root. DIR is made if it is missing; it has to be yours and closed to
+others (mode 0700), because it holds keys and accounts, and what "env" prints is made from it.
 
 In DIR: ca.pem (throw-away certificate authority, made anew at each start, its key not kept), accounts.sqlite (the
 accounts), www/ (pages and files), log/ (access.log, error.log, cgi.log), lighttpd.conf, pid.
@@ -33,6 +35,7 @@ Environment:
   NV_WEB_HOST                   name of the host of the vendor's pages (now $web_host)
   NV_SERVICE_SESSION_SECONDS    for how long a session token is good (now $session_seconds)
   NV_SERVICE_KBYTES_PER_SECOND  most that a connection gets, to have time to watch; 0: no limit (now $kbytes_per_second)
+  NV_SERVICE_PROCESSES          requests at work at a time; the rest wait (now $processes)
 
 Exit code: 0 done, 1 failed, 2 wrong arguments, 3 the service does not run ("env").
 TEXT
@@ -89,11 +92,30 @@ make_www() {
   done <"$here/data/products.tsv"
 }
 
+# The operators' configuration with values of ours at its top.
 write_configuration() {
-  sed -e "s|@DIR@|$dir|g" -e "s|@CGI_BIN@|$1|g" -e "s|@PRODUCTS@|$here/data/products.tsv|g" \
-    -e "s|@SESSION_SECONDS@|$session_seconds|g" -e "s|@KBYTES_PER_SECOND@|$kbytes_per_second|g" \
-    -e "s|@HTTP_PORT@|$2|g" -e "s|@HTTPS_PORT@|$3|g" \
-    "$here/lighttpd.conf.in" >"$dir/lighttpd.conf"
+  local -r cgi_bin=$1 http_port=$2 https_port=$3
+  {
+    cat <<CONFIGURATION
+var.state = "$dir"
+var.logs = "$dir/log"
+var.pages = "$dir/www"
+var.programs = "$cgi_bin/"
+var.certificate = "$dir/tls/server.pem"
+var.key = "$dir/tls/server.key"
+var.address = "127.0.0.1"
+var.http_port = $http_port
+var.https_port = "$https_port"
+var.kbytes_per_second = $kbytes_per_second
+var.processes = $processes
+var.settings = (
+  "NV_SERVICE_DATABASE" => "$dir/accounts.sqlite",
+  "NV_SERVICE_PRODUCTS" => "$here/data/products.tsv",
+  "NV_SERVICE_SESSION_SECONDS" => "$session_seconds"
+)
+CONFIGURATION
+    sed '1,/^$/d' "$here/deploy/lighttpd.conf"
+  } >"$dir/lighttpd.conf"
 }
 
 # True once the map shop program answers by HTTP (a GET is refused with 405, by the program itself) and a page
@@ -152,8 +174,9 @@ end() {
 }
 
 print_environment() {
-  local http_port https_port host connect_to=()
-  read -r http_port https_port <"$dir/ports"
+  [[ $(<"$dir/ports") =~ ^([0-9]{1,5})\ ([0-9]{1,5})$ ]] || fail "$dir/ports does not hold two port numbers"
+  local -r http_port=${BASH_REMATCH[1]} https_port=${BASH_REMATCH[2]}
+  local host connect_to=()
   for host in "$service_host" "$web_host"; do
     connect_to+=("$host:80:127.0.0.1:$http_port" "$host:443:127.0.0.1:$https_port")
   done
@@ -163,12 +186,12 @@ print_environment() {
 
 start() {
   running_pid >/dev/null && { print_environment; return; }
-  for program in lighttpd openssl; do
+  for program in lighttpd fcgiwrap openssl; do
     command -v $program >/dev/null || fail "$program is missing; scripts/install-packages.sh installs it"
   done
   local cgi_bin http_port https_port try program
   cgi_bin=$(find_cgi_bin)
-  mkdir -p "$dir/log" "$dir/upload"
+  mkdir -p "$dir/log"
   make_certificates
   make_www
   for ((try = 0; try < start_tries; ++try)); do
@@ -180,13 +203,26 @@ start() {
   fail "the server does not start; see $dir/log/"
 }
 
+# Whoever else could write to the folder could give us keys of theirs or another program to end.
+refuse_what_others_can_reach() {
+  local owner mode
+  for owner in "$(stat -c %u "${1%/}")" "$(stat -L -c %u "$1")"; do # of a symbolic link, and of the folder
+    [[ $owner == "$EUID" ]] || fail "$1 is not yours"
+  done
+  mode=$(stat -L -c %a "$1")
+  [[ $mode == *00 ]] || fail "$1 is open to others (mode $mode); chmod 700 closes it"
+}
+
 [[ ${1:-} == --help || ${1:-} == -h ]] && { usage; exit; }
 [[ $# == 2 && $1 =~ ^(start|env|stop)$ ]] || { usage >&2; exit 2; }
 umask 077
 if [[ $1 == start ]]; then mkdir -p "$2"; fi
 [ -d "$2" ] || { [[ $1 == stop ]] && exit 0; echo "service.sh: $2 is no folder" >&2; exit 3; }
+refuse_what_others_can_reach "$2"
 dir=$(cd "$2" && pwd)
-[[ $dir$here == *[\"\'\|\&\\]* ]] && fail "the names of the folders cannot hold any of \" ' | & \\"
+[[ $dir$here == *[\"\'\\]* || $dir$here == *$'\n'* ]] && fail "the names of the folders cannot hold \" ' \\ or a line feed"
+[[ $service_host$web_host =~ ^[A-Za-z0-9.-]+$ ]] || fail "NV_SERVICE_HOST and NV_WEB_HOST are no host names"
+[[ $session_seconds$kbytes_per_second$processes =~ ^[0-9]+$ ]] || fail "a variable that takes a number holds none"
 
 # One start or stop at a time.
 exec 9>"$dir/lock"
