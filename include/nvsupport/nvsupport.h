@@ -162,6 +162,28 @@ NVSUPPORT_API bool x77fc64c7(const char* host, const char* path, const char* fil
 NVSUPPORT_API int32_t xfa704a3f(const char* host, const char* path, int64_t offset, int32_t length, void* buffer,
                                 WebProgressCallback callback, void* callbackData);
 
+/* ---- Function types ------------------------------------------------------------------------------------------- */
+
+/*
+ * Pointers to the ten functions, in the order of this header, for a host that finds them by name (dlsym,
+ * GetProcAddress). nvsupport_module.h finds all of them at once.
+ */
+typedef void (*NVOpenSessionFunction)(const char* product);           /* x3e491215 */
+typedef const char* (*NVUserIdFunction)(void);                        /* x0d83f18d */
+typedef uint32_t (*NVDeviceIdFunction)(void);                         /* x2ed7465a */
+typedef bool (*NVSessionTokenFunction)(NVWindow parent, char* token); /* xff99a5e4 */
+typedef NVMapShopHandle (*NVMapShopSearchFunction)(const MapShopPoint* points, int32_t count);
+typedef bool (*NVMapShopGetNextFunction)(NVMapShopHandle handle, MapShopItem* item);
+typedef int32_t (*NVMapShopCloseFunction)(NVMapShopHandle handle);
+typedef bool (*NVDownloadWebFileProgressFunction)(const char* host, const char* path, const char* file,
+                                                  WebProgressCallback callback, void* callbackData,
+                                                  WebProgressCounters* counters);
+typedef bool (*NVDownloadWebFileFunction)(const char* host, const char* path, const char* file,
+                                          WebProgressCallback callback, void* callbackData); /* x77fc64c7 */
+typedef int32_t (*NVReadWebFileFunction)(const char* host, const char* path, int64_t offset, int32_t length,
+                                         void* buffer, WebProgressCallback callback,
+                                         void* callbackData); /* xfa704a3f */
+
 #ifdef __cplusplus
 }
 #endif

@@ -1,6 +1,5 @@
 /* Proves that the public header compiles as C and that its records have the layout that hosts rely on. */
-#include <nvsupport/nvsupport.h>
-#include <stddef.h>
+#include <nvsupport/nvsupport_module.h>
 
 _Static_assert(sizeof(bool) == 1, "bool results are one byte");
 _Static_assert(sizeof(MapShopPoint) == 16, "area point");
@@ -10,3 +9,18 @@ _Static_assert(offsetof(MapShopItem, shortText) == 204, "short text");
 _Static_assert(offsetof(MapShopItem, fileReference) == 304, "file reference");
 _Static_assert(offsetof(MapShopItem, secondValue) == 1304, "second value");
 _Static_assert(sizeof(WebProgressCounters) == 16, "progress counters");
+
+/* Each function type is that of its function. */
+const NVSupportModule asLinked = {
+    NULL,
+    x3e491215,
+    x0d83f18d,
+    x2ed7465a,
+    xff99a5e4,
+    NSMapShopSearch,
+    NSMapShopGetNext,
+    NSMapShopClose,
+    NSDownloadWebFileProgress,
+    x77fc64c7,
+    xfa704a3f,
+};
