@@ -9,7 +9,8 @@ install(TARGETS nvsupport EXPORT nvsupport
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES include/nvsupport/nvsupport.h include/nvsupport/nvsupport_module.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/nvsupport)
+install(FILES include/nvsupport/nvsupport.h include/nvsupport/nvsupport_module.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/nvsupport)
 if(TARGET nvsupport-qt)
   install(TARGETS nvsupport-qt LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endif()

@@ -9,32 +9,33 @@
 #include <stdexcept>
 #include <string>
 
-#include "nvsupport_module.h"
+#include "library.h"
 
 namespace nvhost {
 
 enum ExitCode {
-  kDone = 0,
-  kUnexpected = 1,
-  kWrongArguments = 2,
-  kNoModule = 3,
-  kAreaOutOfRange = 4,
-  kNoProducts = 5,
-  kNoAnswer = 6,
-  kTransferFailed = 7,
-  kNoToken = 8,
-  kCannotWrite = 9,
-  kNoScreen = 10,
-  kInterrupted = 130,  // as shells report Ctrl-C
+  done = 0,
+  unexpected = 1,
+  wrongArguments = 2,
+  noModule = 3,
+  areaOutOfRange = 4,
+  noProducts = 5,
+  noAnswer = 6,
+  transferFailed = 7,
+  noToken = 8,
+  cannotWrite = 9,
+  noScreen = 10,
+  incomplete = 11,
+  interruptedBy = 128,  // and the number of the signal, as shells report it
 };
 
 // Why a command ended without having done its work; main shows it.
 struct Failure : std::runtime_error {
-  Failure(ExitCode exitCode, const std::string& reason) : std::runtime_error(reason), code(exitCode) {}
-  ExitCode code;
+  Failure(int exitCode, const std::string& reason) : std::runtime_error(reason), code(exitCode) {}
+  int code;  // an ExitCode
 };
 
-using Work = std::function<void(const NvSupport&)>;  // throws Failure
+using Work = std::function<void(const NVSupportModule&)>;  // throws Failure
 
 void AddSearch(CLI::App& app, Work& chosen);
 void AddDownload(CLI::App& app, Work& chosen);

@@ -15,10 +15,10 @@ void AddGui(CLI::App& app, Work& chosen) {
   command->add_option("--product", *product, "Product whose settings to use")->type_name("NAME")->capture_default_str();
   command->callback([product, &app, &chosen] {
     const auto library = std::filesystem::absolute(app.get_option("--library")->as<std::string>());
-    chosen = [product, library](const NvSupport&) {
+    chosen = [product, library](const NVSupportModule&) {
       const auto program = std::filesystem::read_symlink("/proc/self/exe").parent_path() / "nvhost-gui";
       execl(program.c_str(), "nvhost-gui", "--library", library.c_str(), "--product", product->c_str(), nullptr);
-      throw Failure(kNoModule, "cannot start " + program.string() + ": " + std::strerror(errno));
+      throw Failure(noModule, "cannot start " + program.string() + ": " + std::strerror(errno));
     };
   });
 }

@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "commands.h"
-#include "interrupt.h"
 
 namespace nvhost {
 namespace {
@@ -16,23 +15,17 @@ struct Arguments {
   std::int32_t length = 0;
 };
 
-bool OnProgress(void*) {
-  return !Interrupted();
-}
-
-void Run(const NvSupport& support, const Arguments& arguments) {
-  WatchInterrupt();
+void Run(const NVSupportModule& support, const Arguments& arguments) {
   std::vector<char> buffer(static_cast<std::size_t>(arguments.length));
   const std::int32_t got = support.readRange(arguments.host.c_str(), arguments.path.c_str(), arguments.offset,
-                                             arguments.length, buffer.data(), OnProgress, nullptr);
+                                             arguments.length, buffer.data(), nullptr, nullptr);
   if (got == arguments.length) {
     if (std::fwrite(buffer.data(), 1, buffer.size(), stdout) != buffer.size()) {
-      throw Failure(kCannotWrite, "standard output cannot be written");
+      throw Failure(cannotWrite, "standard output cannot be written");
     }
     return;
   }
-  if (Interrupted()) throw Failure(kInterrupted, "stopped");
-  throw Failure(kTransferFailed,
+  throw Failure(transferFailed,
                 got < 0 ? arguments.host + " cannot be reached, or does not give these bytes of " + arguments.path
                         : "the file ended or the transfer broke off before all bytes were there");
 }
@@ -53,7 +46,7 @@ void AddRead(CLI::App& app, Work& chosen) {
       ->type_name("LENGTH")
       ->check(CLI::Range(std::int32_t{1}, std::numeric_limits<std::int32_t>::max()));
   command->callback(
-      [arguments, &chosen] { chosen = [arguments](const NvSupport& support) { Run(support, *arguments); }; });
+      [arguments, &chosen] { chosen = [arguments](const NVSupportModule& support) { Run(support, *arguments); }; });
 }
 
 }  // namespace nvhost

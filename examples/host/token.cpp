@@ -3,12 +3,12 @@
 #include <cstdio>
 
 #include "commands.h"
-#include "text_table.h"
+#include "terminal/text_table.h"
 
 namespace nvhost {
 namespace {
 
-constexpr std::size_t kTokenSize = 20;  // with its terminator
+constexpr std::size_t tokenSize = 20;  // with its terminator
 
 }  // namespace
 
@@ -17,11 +17,11 @@ void AddToken(CLI::App& app, Work& chosen) {
   CLI::App* const command = app.add_subcommand("token", "Get a session token, signing in if no password is saved");
   command->add_option("--product", *product, "Product whose settings to use")->required()->type_name("NAME");
   command->callback([product, &chosen] {
-    chosen = [product](const NvSupport& support) {
-      std::array<char, kTokenSize> token = {};
+    chosen = [product](const NVSupportModule& support) {
+      std::array<char, tokenSize> token = {};
       support.openSession(product->c_str());
       if (!support.sessionToken(nullptr, token.data())) {
-        throw Failure(kNoToken, "no token: the sign-in was cancelled or refused, or the service is out of reach");
+        throw Failure(noToken, "no token: the sign-in was cancelled or refused, or the service is out of reach");
       }
       std::puts(Printable(token.data()).text.c_str());
     };

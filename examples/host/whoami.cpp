@@ -3,7 +3,7 @@
 #include <cstdio>
 
 #include "commands.h"
-#include "text_table.h"
+#include "terminal/text_table.h"
 
 namespace nvhost {
 
@@ -12,7 +12,7 @@ void AddWhoAmI(CLI::App& app, Work& chosen) {
   CLI::App* const command = app.add_subcommand("whoami", "Show the user ID and the identifier of this computer");
   command->add_option("--product", *product, "Product whose settings to use")->required()->type_name("NAME");
   command->callback([product, &chosen] {
-    chosen = [product](const NvSupport& support) {
+    chosen = [product](const NVSupportModule& support) {
       support.openSession(product->c_str());
       const std::string userId = support.userId();
       std::printf("user ID            %s\n", userId.empty() ? "(none)" : Printable(userId).text.c_str());

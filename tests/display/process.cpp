@@ -8,7 +8,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
+#include <thread>
 
 namespace nvsupport::testing {
 namespace {
@@ -29,6 +31,15 @@ constexpr int longestWait = 20'000;  // milliseconds
 }
 
 }  // namespace
+
+bool WaitUntil(const std::function<bool()>& condition) {
+  using std::chrono::steady_clock;
+  for (const auto end = steady_clock::now() + std::chrono::seconds(20); steady_clock::now() < end;) {
+    if (condition()) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  return false;
+}
 
 Process::Process(const std::vector<std::string>& command, const std::map<std::string, std::string>& environment,
                  bool withErrors) {
@@ -86,6 +97,10 @@ std::string Process::Find(const std::string& key) {
   }
   ADD_FAILURE() << "no line " << key << " behind\n" << seen;
   return {};
+}
+
+void Process::Signal(int number) const {
+  EXPECT_EQ(kill(process, number), 0);
 }
 
 int Process::Join() {

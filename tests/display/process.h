@@ -4,11 +4,15 @@
 
 #include <sys/types.h>
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
 namespace nvsupport::testing {
+
+// Asks until it holds, for 20 seconds at most.
+bool WaitUntil(const std::function<bool()>& condition);
 
 class Process {
  public:
@@ -20,6 +24,7 @@ class Process {
   Process& operator=(const Process&) = delete;
   ~Process();
 
+  void Signal(int number) const;
   void WriteLine(const std::string& line) const;
   // The next line of its output, empty at its end and after 20 seconds without one.
   std::string ReadLine();

@@ -7,7 +7,9 @@
 
 #include "display/process.h"
 #include "display/x_session.h"
+#include "mapshop/map_shop_reply.h"
 #include "service/local_service.h"
+#include "support/routed_server.h"
 
 namespace nvsupport::testing {
 namespace {
@@ -103,6 +105,31 @@ TEST(HostWindow, DownloadsWhatTheSearchFoundAndOwnsTheDialogsOfTheLibrary) {
   ASSERT_TRUE(screen.IsGone("Sign in to Your Account"));
   screen.CloseBox(window);
   EXPECT_EQ(host.Join(), 0);
+}
+
+TEST(HostWindow, StaysAwakeWhileAServerIsSilent) {
+  TemporaryHome home;
+  const std::string file = home.folder / "file";
+  const RoutedServer server(
+      [](const std::string& request) {
+        if (request.starts_with("POST")) return HttpReply(200, ReplyWith({{"Map", 1, "", "f", 2}}, 7).bytes);
+        return Reply{.bytes = "HTTP/1.1 200 OK\r\nContent-Length: 1000000\r\n\r\n12345", .end = Reply::End::hold};
+      },
+      nullptr, "service.norvane.example");
+  const XSession screen(XSession::Manager::openbox);
+  Process host({NV_HOST_WINDOW}, {{"DISPLAY", screen.Name()}, {"ASAN_OPTIONS", "detect_leaks=0"}});
+  const xcb_window_t window = screen.Await("nvhost");
+  screen.Type("\t\t\t ");  // to Search
+  screen.Do("key alt+d");
+  screen.Await("Download to");
+  screen.Type(file + "\n");
+  EXPECT_TRUE(WaitUntil([&] { return std::filesystem::exists(file + ".TMP"); }));
+  screen.Await("nvhost");
+  screen.Do("key alt+c");
+  screen.CloseBox(window);
+  EXPECT_TRUE(screen.IsGone("nvhost"));
+  EXPECT_EQ(host.Join(), 0);
+  EXPECT_FALSE(std::filesystem::exists(file + ".TMP"));
 }
 
 }  // namespace

@@ -3,9 +3,7 @@
 #include <gtest/gtest.h>
 #include <xcb/xfixes.h>
 
-#include <chrono>
 #include <cstdlib>
-#include <thread>
 
 #include "support/run_program.h"
 
@@ -37,15 +35,6 @@ std::string KeyOf(char character) {
 }
 
 }  // namespace
-
-bool WaitUntil(const std::function<bool()>& condition) {
-  using std::chrono::steady_clock;
-  for (const auto end = steady_clock::now() + std::chrono::seconds(20); steady_clock::now() < end;) {
-    if (condition()) return true;
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  return false;
-}
 
 XSession::XSession(Manager manager)
     : server(std::make_unique<Process>(std::vector<std::string>{"Xvfb", "-displayfd", "1", "-screen", "0",

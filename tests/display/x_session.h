@@ -5,7 +5,6 @@
 
 #include <xcb/xcb.h>
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,8 +23,6 @@ struct Area : Place {
   int width = 0;
   int height = 0;
 };
-
-bool WaitUntil(const std::function<bool()>& condition);
 
 class XSession {
  public:

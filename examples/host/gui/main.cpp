@@ -1,23 +1,26 @@
 // nvhost-gui: a small host application with a window, which owns the library's dialogs. `nvhost gui` starts it.
 #include <CLI/CLI.hpp>
 
+#include <unistd.h>
+
 #include <QApplication>
-#include <algorithm>
-#include <array>
+#include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <string>
+#include <string_view>
 
 #include "commands.h"
 #include "main_window.h"
 
 namespace {
 
-// Qt aborts a program that has nowhere to draw.
-bool NamesScreen() {
-  constexpr std::array variables = {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DISPLAY"};
-  return std::any_of(variables.begin(), variables.end(),
-                     [](const char* name) { return !qEnvironmentVariableIsEmpty(name); });
+// Qt aborts a program that has nowhere to draw, and has told why by then.
+void OnAbort(int) {
+  constexpr std::string_view text = "nvhost-gui: there is no screen for a window\n";
+  static_cast<void>(!write(STDERR_FILENO, text.data(), text.size()));
+  _exit(nvhost::noScreen);
 }
 
 int Run(int argc, char** argv) {
@@ -31,15 +34,18 @@ int Run(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? nvhost::kDone : nvhost::kWrongArguments;
+    return app.exit(error) == 0 ? nvhost::done : nvhost::wrongArguments;
   }
-  if (!NamesScreen()) throw nvhost::Failure(nvhost::kNoScreen, "no screen for a window; DISPLAY is not set");
+  std::signal(SIGABRT, OnAbort);
   QApplication application(argc, argv);
-  const nvhost::NvSupport support(library);
-  support.openSession(product.c_str());
-  MainWindow window(support, product, host);
+  std::signal(SIGABRT, SIG_DFL);
+  const nvhost::Library support(library);
+  support.Functions().openSession(product.c_str());
+  MainWindow window(support.Functions(), product, host);
   window.show();
-  return QApplication::exec();
+  const int exitCode = QApplication::exec();
+  if (!window.EndDownloads()) std::_Exit(exitCode);
+  return exitCode;
 }
 
 }  // namespace
@@ -52,6 +58,6 @@ int main(int argc, char** argv) {
     return failure.code;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "nvhost-gui: %s\n", error.what());
-    return nvhost::kNoModule;
+    return nvhost::noModule;
   }
 }

@@ -1,7 +1,6 @@
 #include "main_window.h"
 
 #include <QApplication>
-#include <QCloseEvent>
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QGroupBox>
@@ -14,7 +13,10 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 #include <array>
+#include <chrono>
 #include <optional>
+
+#include "commands.h"
 
 namespace {
 
@@ -33,13 +35,18 @@ std::optional<MapShopPoint> ParsePoint(const QString& text) {
 }
 
 // Of a transfer; bytes stay exact in the counters.
-constexpr int kProgressSteps = 1000;
+constexpr int progressSteps = 1000;
 
-enum Column { kTitle, kText, kFile, kColumnCount };
+using namespace std::chrono_literals;
+
+constexpr auto lookPause = 100ms;
+constexpr auto stopPatience = 500ms;  // at the end of the program
+
+enum Column { titleColumn, textColumn, fileColumn, columnCount };
 
 }  // namespace
 
-MainWindow::MainWindow(const nvhost::NvSupport& library, const std::string& product, const std::string& downloadHost)
+MainWindow::MainWindow(const NVSupportModule& library, const std::string& product, const std::string& downloadHost)
     : support(library), fileHost(downloadHost) {
   setWindowTitle("nvhost");
   auto* layout = new QVBoxLayout(this);
@@ -48,6 +55,8 @@ MainWindow::MainWindow(const nvhost::NvSupport& library, const std::string& prod
   layout->addWidget(MakeDownloadBox());
   resize(720, 520);
   SetDownloading(false);
+  look.setInterval(lookPause);
+  connect(&look, &QTimer::timeout, this, [this] { LookAtDownloads(); });
 }
 
 QWidget* MainWindow::MakeAccountBox(const std::string& product) {
@@ -80,12 +89,12 @@ QWidget* MainWindow::MakeShopBox() {
   area->addWidget(new QLabel("to"));
   area->addWidget(southEast);
   area->addWidget(searchButton);
-  products = new QTableWidget(0, kColumnCount);
+  products = new QTableWidget(0, columnCount);
   products->setObjectName("products");
   products->setHorizontalHeaderLabels({"Product", "Description", "File"});
-  products->horizontalHeader()->setSectionResizeMode(kTitle, QHeaderView::Stretch);
-  products->horizontalHeader()->setSectionResizeMode(kText, QHeaderView::ResizeToContents);
-  products->horizontalHeader()->setSectionResizeMode(kFile, QHeaderView::ResizeToContents);
+  products->horizontalHeader()->setSectionResizeMode(titleColumn, QHeaderView::Stretch);
+  products->horizontalHeader()->setSectionResizeMode(textColumn, QHeaderView::ResizeToContents);
+  products->horizontalHeader()->setSectionResizeMode(fileColumn, QHeaderView::ResizeToContents);
   products->setSelectionBehavior(QAbstractItemView::SelectRows);
   products->setSelectionMode(QAbstractItemView::SingleSelection);
   products->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -116,8 +125,8 @@ QWidget* MainWindow::MakeDownloadBox() {
   row->addWidget(cancelButton);
   layout->addLayout(row);
   layout->addWidget(status);
-  connect(downloadButton, &QPushButton::clicked, this, [this] { Download(); });
-  connect(cancelButton, &QPushButton::clicked, this, [this] { cancelled = true; });
+  connect(downloadButton, &QPushButton::clicked, this, [this] { StartDownload(); });
+  connect(cancelButton, &QPushButton::clicked, this, [this] { Cancel(); });
   return box;
 }
 
@@ -143,68 +152,88 @@ void MainWindow::Search() {
   const std::array<MapShopPoint, 2> area{*first, *second};
   NVMapShopHandle results = support.search(area.data(), static_cast<int32_t>(area.size()));
   MapShopItem item;
-  while (support.nextItem(results, &item)) {
+  while (support.getNext(results, &item)) {
     const int row = products->rowCount();
     products->insertRow(row);
-    products->setItem(row, kTitle, new QTableWidgetItem(QString::fromLocal8Bit(item.title)));
-    products->setItem(row, kText, new QTableWidgetItem(QString::fromLocal8Bit(item.shortText)));
-    products->setItem(row, kFile, new QTableWidgetItem(QString::fromLocal8Bit(item.fileReference)));
+    products->setItem(row, titleColumn, new QTableWidgetItem(QString::fromLocal8Bit(item.title)));
+    products->setItem(row, textColumn, new QTableWidgetItem(QString::fromLocal8Bit(item.shortText)));
+    products->setItem(row, fileColumn, new QTableWidgetItem(QString::fromLocal8Bit(item.fileReference)));
   }
   support.closeSearch(results);
   status->setText(products->rowCount() == 0 ? QString("No products: none on offer there, or the shop is out of reach.")
                                             : QString("%1 products").arg(products->rowCount()));
   if (products->rowCount() > 0) products->selectRow(0);
-  SetDownloading(false);
+  downloadButton->setEnabled(!download && products->rowCount() > 0);
 }
 
-void MainWindow::Download() {
+void MainWindow::StartDownload() {
   const int row = products->currentRow();
   if (row < 0) return;
-  const QString path = products->item(row, kFile)->text();
-  const QString file = QFileDialog::getSaveFileName(this, "Download to", path.section('/', -1));
+  const QString path = products->item(row, fileColumn)->text();
+  file = QFileDialog::getSaveFileName(this, "Download to", path.section('/', -1));
   if (file.isEmpty()) return;
+  download = std::make_unique<nvhost::BackgroundDownload>(support, fileHost, path.toLocal8Bit().toStdString(),
+                                                          file.toLocal8Bit().toStdString());
+  status->setText("Downloading ...");
   SetDownloading(true);
-  const auto callback = [](void* self) { return static_cast<MainWindow*>(self)->OnProgress(); };
-  const bool good = support.download(fileHost.c_str(), path.toLocal8Bit().constData(), file.toLocal8Bit().constData(),
-                                     callback, this, &counters);
-  SetDownloading(false);
-  if (good) progress->setValue(kProgressSteps);
-  status->setText(good        ? QString("%1: %2 bytes").arg(file).arg(counters.done)
-                  : cancelled ? QString("Cancelled.")
-                              : QString("The file could not be downloaded."));
-  if (closing) close();
+  signalWatch.emplace();
+  look.start();
 }
 
-bool MainWindow::OnProgress() {
-  if (counters.total > 0) {
-    progress->setRange(0, kProgressSteps);
-    progress->setValue(static_cast<int>(counters.done * kProgressSteps / static_cast<uint64_t>(counters.total)));
-  } else {
-    progress->setRange(0, 0);  // length unknown: a busy bar
+void MainWindow::LookAtDownloads() {
+  std::erase_if(cancelled, [](const auto& one) { return one->EndsWithin(0ms); });
+  if (download && download->EndsWithin(0ms)) {
+    ShowResult();
+  } else if (download) {
+    ShowProgress(download->Progress());
   }
-  QApplication::processEvents();
-  return !cancelled;
+  if (signalWatch->Seen() != 0) QApplication::exit(nvhost::interruptedBy + signalWatch->Seen());
+  if (download || !cancelled.empty()) return;
+  look.stop();
+  signalWatch.reset();
+}
+
+void MainWindow::ShowProgress(const WebProgressCounters& counters) {
+  const bool known = counters.total > 0;
+  progress->setRange(0, known ? progressSteps : 0);  // length unknown: a busy bar
+  if (!known) return;
+  progress->setValue(static_cast<int>(counters.done * progressSteps / static_cast<uint64_t>(counters.total)));
+}
+
+void MainWindow::ShowResult() {
+  using Outcome = nvhost::BackgroundDownload::Outcome;
+  const Outcome outcome = download->Result();
+  const WebProgressCounters bytes = download->Progress();
+  download.reset();
+  SetDownloading(false);
+  if (outcome == Outcome::complete) progress->setValue(progressSteps);
+  status->setText(outcome == Outcome::complete ? QString("%1: %L2 bytes").arg(file).arg(bytes.done)
+                  : outcome == Outcome::incomplete
+                      ? QString("Incomplete: %L1 of %L2 bytes; nothing was kept.").arg(bytes.done).arg(bytes.total)
+                      : QString("The file could not be downloaded."));
+}
+
+void MainWindow::Cancel() {
+  download->Stop();
+  cancelled.push_back(std::move(download));
+  status->setText("Cancelled.");
+  SetDownloading(false);
 }
 
 void MainWindow::SetDownloading(bool active) {
-  downloading = active;
-  if (active) {
-    cancelled = false;
-    counters = {};
-    status->setText("Downloading ...");
-  }
-  // One call of the library at a time: what starts another waits until the transfer is over.
-  tokenButton->setEnabled(!active);
-  searchButton->setEnabled(!active);
   downloadButton->setEnabled(!active && products->rowCount() > 0);
   cancelButton->setEnabled(active);
-  progress->setRange(0, kProgressSteps);
+  progress->setRange(0, progressSteps);
   progress->setValue(0);
 }
 
-void MainWindow::closeEvent(QCloseEvent* event) {
-  cancelled = true;
-  // A transfer runs above this window's own loop: it stops first, then the window closes.
-  closing = downloading;
-  event->setAccepted(!downloading);
+bool MainWindow::EndDownloads() {
+  if (download) Cancel();
+  bool ended = true;
+  for (const auto& one : cancelled) {
+    if (one->EndsWithin(stopPatience)) continue;
+    one->Abandon();
+    ended = false;
+  }
+  return ended;
 }

@@ -3,12 +3,15 @@
 #ifndef NVHOST_GUI_MAIN_WINDOW_H
 #define NVHOST_GUI_MAIN_WINDOW_H
 
-#include <nvsupport/nvsupport.h>
-
+#include <QTimer>
 #include <QWidget>
+#include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
-#include "nvsupport_module.h"
+#include "background_download.h"
+#include "signal_watch.h"
 
 class QLabel;
 class QLineEdit;
@@ -19,10 +22,11 @@ class QTableWidget;
 class MainWindow : public QWidget {
  public:
   // support: outlives the window. fileHost: server that products are downloaded from.
-  MainWindow(const nvhost::NvSupport& support, const std::string& product, const std::string& fileHost);
+  MainWindow(const NVSupportModule& support, const std::string& product, const std::string& fileHost);
 
- protected:
-  void closeEvent(QCloseEvent* event) override;
+  // For the end of the program: stops what still runs. False if a silent server keeps a download busy: the program then
+  // ends by std::_Exit() and leaves the library loaded.
+  bool EndDownloads();
 
  private:
   QWidget* MakeAccountBox(const std::string& product);
@@ -32,17 +36,21 @@ class MainWindow : public QWidget {
   void ShowAccount(const QString& state);
   void GetToken();
   void Search();
-  void Download();
-  // Called between chunks of a download: shows the progress and lets the user press Cancel.
-  bool OnProgress();
+  void StartDownload();
+  void LookAtDownloads();
+  void ShowProgress(const WebProgressCounters& counters);
+  void ShowResult();
+  void Cancel();
   void SetDownloading(bool downloading);
 
-  const nvhost::NvSupport& support;
+  const NVSupportModule& support;
   std::string fileHost;
-  WebProgressCounters counters{};
-  bool downloading = false;
-  bool cancelled = false;
-  bool closing = false;  // as soon as the transfer has stopped
+  // While there are downloads:
+  QTimer look;
+  std::optional<nvhost::SignalWatch> signalWatch;
+  QString file;  // that is being downloaded
+  std::unique_ptr<nvhost::BackgroundDownload> download;
+  std::vector<std::unique_ptr<nvhost::BackgroundDownload>> cancelled;  // until they have ended
 
   QLabel* account = nullptr;
   QLineEdit* northWest = nullptr;

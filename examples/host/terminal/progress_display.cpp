@@ -12,10 +12,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kTerminalPause = 100ms;
-constexpr auto kPlainPause = 1s;
-constexpr int kBarColumns = 24;
-constexpr const char* kClearLine = "\r\x1b[K";
+constexpr auto terminalPause = 100ms;
+constexpr auto plainPause = 1s;
+constexpr int barColumns = 24;
+constexpr const char* clearLine = "\r\x1b[K";
 
 template <typename... Values>
 std::string Format(const char* format, Values... values) {
@@ -30,23 +30,29 @@ std::string FormatDuration(double seconds) {
 }
 
 std::string Bar(double share) {
-  const int filled = static_cast<int>(share * kBarColumns);
+  const int filled = static_cast<int>(share * barColumns);
   return "[" + std::string(static_cast<std::size_t>(filled), '#') +
-         std::string(static_cast<std::size_t>(kBarColumns - filled), '-') + "] ";
+         std::string(static_cast<std::size_t>(barColumns - filled), '-') + "] ";
 }
 
 }  // namespace
 
 std::string FormatBytes(double bytes) {
-  constexpr std::array<const char*, 5> kUnits = {"bytes", "KiB", "MiB", "GiB", "TiB"};
+  constexpr std::array<const char*, 5> units = {"bytes", "KiB", "MiB", "GiB", "TiB"};
   std::size_t unit = 0;
-  for (; bytes >= 1024 && unit + 1 < kUnits.size(); ++unit) bytes /= 1024;
-  return Format(unit == 0 ? "%.0f %s" : "%.1f %s", bytes, kUnits[unit]);
+  for (; bytes >= 1024 && unit + 1 < units.size(); ++unit) bytes /= 1024;
+  return Format(unit == 0 ? "%.0f %s" : "%.1f %s", bytes, units[unit]);
+}
+
+std::string FormatCount(std::uint64_t count) {
+  std::string text = std::to_string(count);
+  for (std::size_t comma = text.size(); comma > 3;) text.insert(comma -= 3, 1, ',');
+  return text;
 }
 
 ProgressDisplay::ProgressDisplay()
     : terminal(isatty(STDOUT_FILENO) != 0),
-      pause(terminal ? Clock::duration(kTerminalPause) : Clock::duration(kPlainPause)),
+      pause(terminal ? Clock::duration(terminalPause) : Clock::duration(plainPause)),
       next(begin + pause) {}
 
 double ProgressDisplay::Seconds() const {
@@ -77,7 +83,7 @@ void ProgressDisplay::Update(const WebProgressCounters& counters) {
 }
 
 void ProgressDisplay::Clear() {
-  if (terminal) std::fputs(kClearLine, stdout);
+  if (terminal) std::fputs(clearLine, stdout);
 }
 
 }  // namespace nvhost

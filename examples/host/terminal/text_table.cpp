@@ -7,7 +7,7 @@
 namespace nvhost {
 namespace {
 
-constexpr std::string_view kGap = "  ";
+constexpr std::string_view gap = "  ";
 
 // Makes the character functions read UTF-8 for as long as it lives, whatever the user's locale.
 class Utf8Scope {
@@ -66,8 +66,8 @@ std::string TextTable::Format() const {
     std::string line;
     for (std::size_t i = 0; i < columns.size(); ++i) {
       const std::string padding(widths[i] - row[i].columns, ' ');
-      if (i > 0) line += kGap;
-      line += columns[i].align == Align::kLeft ? row[i].text + padding : padding + row[i].text;
+      if (i > 0) line += gap;
+      line += columns[i].align == Align::left ? row[i].text + padding : padding + row[i].text;
     }
     line.erase(line.find_last_not_of(' ') + 1);
     table += line + '\n';

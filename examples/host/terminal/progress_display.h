@@ -1,6 +1,6 @@
 // Shows on standard output how far a transfer is: a bar that is drawn anew in a terminal, else a line now and then.
-#ifndef NVHOST_PROGRESS_DISPLAY_H
-#define NVHOST_PROGRESS_DISPLAY_H
+#ifndef NVHOST_TERMINAL_PROGRESS_DISPLAY_H
+#define NVHOST_TERMINAL_PROGRESS_DISPLAY_H
 
 #include <nvsupport/nvsupport.h>
 
@@ -11,6 +11,8 @@ namespace nvhost {
 
 // Such as "8.4 MiB".
 std::string FormatBytes(double bytes);
+// Such as "1,000,000".
+std::string FormatCount(std::uint64_t count);
 
 class ProgressDisplay {
  public:

@@ -1,6 +1,6 @@
 // A table of texts for the terminal, its columns as wide as their widest text.
-#ifndef NVHOST_TEXT_TABLE_H
-#define NVHOST_TEXT_TABLE_H
+#ifndef NVHOST_TERMINAL_TEXT_TABLE_H
+#define NVHOST_TERMINAL_TEXT_TABLE_H
 
 #include <cstddef>
 #include <string>
@@ -20,10 +20,10 @@ struct Printable {
 
 class TextTable {
  public:
-  enum class Align { kLeft, kRight };
+  enum class Align { left, right };
   struct Column {
     std::string title;
-    Align align = Align::kLeft;
+    Align align = Align::left;
   };
 
   explicit TextTable(std::vector<Column> tableColumns);

@@ -1,0 +1,65 @@
+#include "background_download.h"
+
+#include <filesystem>
+
+namespace nvhost {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool IsOpenHere(const fs::path& file) {
+  std::error_code ignored;
+  for (const auto& descriptor : fs::directory_iterator("/proc/self/fd", ignored)) {
+    if (fs::equivalent(descriptor.path(), file, ignored)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+BackgroundDownload::BackgroundDownload(const NVSupportModule& support, const std::string& host, const std::string& path,
+                                       const std::string& localFile)
+    : file(localFile),
+      outcome(std::async(std::launch::async, [this, &support, host, path] { return Run(support, host, path); })) {}
+
+BackgroundDownload::~BackgroundDownload() {
+  Stop();
+  outcome.wait();
+}
+
+bool BackgroundDownload::EndsWithin(std::chrono::milliseconds time) const {
+  return outcome.wait_for(time) == std::future_status::ready;
+}
+
+BackgroundDownload::Outcome BackgroundDownload::Run(const NVSupportModule& support, const std::string& host,
+                                                    const std::string& path) {
+  const auto callback = [](void* self) { return static_cast<BackgroundDownload*>(self)->OnProgress(); };
+  const bool arrived = support.download(host.c_str(), path.c_str(), file.c_str(), callback, this, &counters);
+  ShowCounters();
+  if (!arrived) return begun ? Outcome::brokenOff : Outcome::refused;
+  // A server that closes early looks to the library like the end of the body.
+  if (counters.total < 0 || counters.done == static_cast<std::uint64_t>(counters.total)) return Outcome::complete;
+  std::error_code ignored;
+  fs::remove(file, ignored);
+  return Outcome::incomplete;
+}
+
+bool BackgroundDownload::OnProgress() {
+  begun = true;
+  ShowCounters();
+  return !stopping;
+}
+
+void BackgroundDownload::ShowCounters() {
+  done = counters.done;
+  total = counters.total;
+}
+
+void BackgroundDownload::Abandon() const {
+  // Another process may be at work on a file of that name.
+  const fs::path temporary = file + ".TMP";
+  std::error_code ignored;
+  if (IsOpenHere(temporary)) fs::remove(temporary, ignored);
+}
+
+}  // namespace nvhost
