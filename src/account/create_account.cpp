@@ -1,9 +1,8 @@
 // A new account: the dialog that asks for the user's details, and operation 10 that makes the account.
-#include "account/account_service.h"
+#include "account/account_exchange.h"
 #include "core/service_manager.h"
 #include "resources/resource_ids.h"
-#include "storage/open_document.h"
-#include "storage/registry_text.h"
+#include "storage/desktop.h"
 #include "ui/dialog.h"
 #include "ui/message.h"
 

@@ -1,7 +1,8 @@
 #include "account/credentials.h"
 
+#include "base/ascii.h"
 #include "core/service_manager.h"
-#include "storage/format_text.h"
+#include "platform/platform.h"
 #include "storage/settings_file.h"
 
 namespace nvsupport {
@@ -11,15 +12,12 @@ constexpr std::string_view codedCharacters = "0123456789abcdefghijklmnopqrstuvwx
 
 // 0 for a character that does not count.
 std::uint8_t CodeOf(char c) {
-  if (c >= '0' && c <= '9') return static_cast<std::uint8_t>(c - '0' + 1);
-  if (c >= 'A' && c <= 'Z') return static_cast<std::uint8_t>(c - 'A' + 11);
-  if (c >= 'a' && c <= 'z') return static_cast<std::uint8_t>(c - 'a' + 11);
-  return 0;
+  return static_cast<std::uint8_t>(codedCharacters.find(base::ToLower(c)) + 1);
 }
 
 std::string HexDigits(const Credential& bytes) {
   std::string digits;
-  for (const std::uint8_t byte : bytes) AppendFormatText(digits, "%02x", static_cast<unsigned>(byte));
+  for (const std::uint8_t byte : bytes) base::AppendHexByte(digits, byte);
   return digits;
 }
 
@@ -50,9 +48,7 @@ Credential MaskCredential(const Credential& bytes) {
 }
 
 void WipeText(std::string& text) {
-  // Volatile: nobody reads the bytes again, so plain writes could be left out.
-  volatile char* bytes = text.data();
-  for (std::size_t at = 0; at < text.size(); ++at) bytes[at] = '\0';
+  SecureZeroMemory(text.data(), text.size());
   text.clear();
 }
 

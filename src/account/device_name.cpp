@@ -1,8 +1,8 @@
 // The computer's name at the account service: the dialog that asks for it, and operation 9 that stores it.
-#include "account/account_service.h"
+#include "account/account_exchange.h"
 #include "core/service_manager.h"
 #include "resources/resource_ids.h"
-#include "storage/open_document.h"
+#include "storage/desktop.h"
 #include "ui/dialog.h"
 #include "ui/message.h"
 

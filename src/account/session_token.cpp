@@ -1,7 +1,7 @@
 // The session token: operation 11, with a sign-in before it when no password is known.
 #include <algorithm>
 
-#include "account/account_service.h"
+#include "account/account_exchange.h"
 #include "core/service_manager.h"
 #include "nvsupport/nvsupport.h"
 

@@ -1,9 +1,9 @@
 // Sign-in: the dialog that asks for user ID and password, and operation 8 that proves them to the account service.
-#include "account/account_service.h"
+#include "account/account_exchange.h"
 #include "account/credentials.h"
 #include "core/service_manager.h"
 #include "resources/resource_ids.h"
-#include "storage/open_document.h"
+#include "storage/desktop.h"
 #include "ui/dialog.h"
 #include "ui/message.h"
 

@@ -1,10 +1,10 @@
 // What happens when the platform loads and unloads the module.
 #include <exception>
 
-#include "core/module_handle.h"
 #include "core/service_manager.h"
 #include "language/translation_catalogue.h"
 #include "platform/platform.h"
+#include "ui/dialog.h"
 #include "ui/message.h"
 
 namespace nvsupport {

@@ -1,9 +1,9 @@
 // All process-wide objects, in the order in which they come to life; they go in the reverse order. Their
 // declarations stand in the headers of their owners.
-#include "core/module_handle.h"
 #include "core/service_manager.h"
 #include "language/translation_catalogue.h"
 #include "platform/platform.h"
+#include "ui/dialog.h"
 #include "ui/exceptions.h"
 #include "ui/instance_subclasser.h"
 #include "ui/message.h"
@@ -25,7 +25,7 @@ InstanceSubclasser windowSubclasser{&Window::wndProc};
 std::string messageCaption;
 std::map<std::uint32_t, POINT> dialogPositions;
 CTranslationCatalogue translations;
-InternetHandle webSession{InternetOpenA("Norvane", INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0)};
+platform::InternetHandle webSession{InternetOpenA("Norvane", INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0)};
 CVServiceManager* g_serviceManager = nullptr;
 
 // Last: calls the module's entry when everything above lives, and again before any of it goes.

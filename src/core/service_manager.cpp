@@ -4,8 +4,7 @@
 
 #include "account/credentials.h"
 #include "nvsupport/nvsupport.h"
-#include "storage/folders.h"
-#include "storage/scoped_handle.h"
+#include "storage/files.h"
 #include "storage/settings_file.h"
 
 namespace nvsupport {
@@ -39,7 +38,7 @@ CServiceManager::CServiceManager(const std::string& productName)
     : CVServiceManager(productName, personalComputer, platform::GetComputerDeviceId()) {}
 
 std::string CServiceManager::GetDeviceName() {
-  ScopedHandle<HKEY, RegCloseKey> key;
+  platform::RegistryKey key;
   constexpr const char* path = "System\\CurrentControlSet\\Control\\ComputerName\\ActiveComputerName";
   if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path, 0, KEY_READ, key.put()) != ERROR_SUCCESS) return {};
   char name[maxComputerName + 1] = {};  // terminated even when the value is not

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "language/translation_catalogue.h"
-#include "storage/registry_text.h"
+#include "storage/desktop.h"
 
 namespace nvsupport {
 namespace {

@@ -1,9 +1,7 @@
 // The translator's work list: the texts that the catalogue lacked, as a catalogue file of the wide form.
 #include "language/catalogue_reader.h"
-#include "language/module_path.h"
 #include "language/translation_catalogue.h"
-#include "storage/folders.h"
-#include "storage/paths.h"
+#include "storage/files.h"
 
 namespace nvsupport {
 namespace {
@@ -36,24 +34,18 @@ std::string GetMissFolder() {
   return documents.empty() ? std::string() : documents + "\\NVTranslation";
 }
 
-bool IsFolder(const std::string& path) {
-  const DWORD attributes = GetFileAttributesA(path.c_str());
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-}
-
 }  // namespace
 
 void CTranslationCatalogue::WriteMissFile() {
   const std::string folder = misses.empty() ? std::string() : GetMissFolder();
   if (!folder.empty() && IsFolder(folder)) {
-    const std::string modulePath = GetModulePath(module);
+    const std::string modulePath = GetModulePath();
     const std::string name = modulePath.empty() ? "module" : GetBaseNameOf(modulePath);
-    std::FILE* const file = platform::OpenFileStream((folder + '\\' + name + ".txt").c_str(), "wb");
-    if (file == nullptr) return;
+    const platform::FileStream file = platform::OpenFileStream((folder + '\\' + name + ".txt").c_str(), "wb");
+    if (!file) return;
     std::string bytes(wideCatalogueMark);
     for (const std::string& miss : misses) AppendMiss(bytes, miss);
-    std::fwrite(bytes.data(), 1, bytes.size(), file);
-    std::fclose(file);
+    std::fwrite(bytes.data(), 1, bytes.size(), file.get());
   }
   misses.clear();
   entries.clear();

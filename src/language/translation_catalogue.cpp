@@ -5,8 +5,7 @@
 
 #include "language/catalogue_reader.h"
 #include "language/format_check.h"
-#include "language/module_path.h"
-#include "storage/paths.h"
+#include "storage/files.h"
 
 namespace nvsupport {
 namespace {
@@ -40,17 +39,22 @@ const std::string& CTranslationCatalogue::Translate(const std::string& text) {
   return entry != entries.end() ? entry->second : *misses.insert(text).first;
 }
 
+std::string CTranslationCatalogue::GetModulePath() const {
+  char path[MAX_PATH];
+  const DWORD length = GetModuleFileNameA(module, path, MAX_PATH);
+  return length < MAX_PATH ? std::string(path, length) : std::string();
+}
+
 std::string CTranslationCatalogue::GetCatalogueFileName(const std::string& name) const {
-  const std::string path = GetModulePath(module);
+  const std::string path = GetModulePath();
   if (path.empty()) return {};
   return GetFolderOf(path) + '\\' + GetBaseNameOf(path) + '.' + name + ".txt";
 }
 
 bool CTranslationCatalogue::LoadCatalogueFile(const std::string& path) {
-  std::FILE* const file = platform::OpenFileStream(path.c_str(), "rb");
-  if (file == nullptr) return false;
-  const std::optional<std::string> bytes = ReadCatalogueBytes(file);
-  std::fclose(file);
+  const platform::FileStream file = platform::OpenFileStream(path.c_str(), "rb");
+  if (!file) return false;
+  const std::optional<std::string> bytes = ReadCatalogueBytes(file.get());
   if (!bytes) return false;
 
   entries.clear();

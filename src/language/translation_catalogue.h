@@ -35,10 +35,14 @@ class CTranslationCatalogue {
   std::string GetCatalogueFileName(const std::string& name) const;
   // Replaces the entries by those of a file; true if it gave at least one. A file that cannot be read changes nothing.
   bool LoadCatalogueFile(const std::string& path);
-  // Writes the misses below the user's documents, if the folder for them exists, and forgets everything.
+  // Called once, at unload. Writes the misses below the user's documents, if the folder for them exists, and then
+  // empties the catalogue, its translations included; only where the file cannot be opened all stays as it was.
   void WriteMissFile();
 
  private:
+  // Empty if the platform does not give the path or it has more than 259 characters.
+  std::string GetModulePath() const;
+
   std::string language;
   std::map<std::string, std::string> entries;
   std::set<std::string> misses;

@@ -1,5 +1,7 @@
-// The one header that the library includes for the operating system. The build puts exactly one of the folders
-// windows/ and linux/ on the include path; both supply the same published names.
+// The seam to the operating system, and the one header that the library includes for it. The seam is the Windows API:
+// the library calls the operating system by the names, types and signatures that are published for Windows. On
+// Windows system.h includes the system's own headers, so the library's calls are the system's; on Linux our layer
+// (linux/) supplies the same names. The build puts exactly one of the folders windows/ and linux/ on the include path.
 #ifndef NVSUPPORT_PLATFORM_PLATFORM_H
 #define NVSUPPORT_PLATFORM_PLATFORM_H
 
@@ -7,13 +9,24 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <string>
+
+#include "base/scoped_handle.h"
 
 // The module's entry, defined by the library: reason DLL_PROCESS_ATTACH after its process-wide objects came to life,
 // DLL_PROCESS_DETACH before they go.
 extern "C" BOOL APIENTRY DllMain(HINSTANCE module, DWORD reason, LPVOID reserved);
 
-// Operations of our own where the published interface has none.
 namespace platform {
+
+// Owners of the handles that the published interface gives.
+using FileSearchHandle = base::ScopedHandle<HANDLE, &FindClose>;
+using FileStream = base::ScopedHandle<std::FILE*, &std::fclose>;
+using InternetHandle = base::ScopedHandle<HINTERNET, &InternetCloseHandle>;
+using ObjectHandle = base::ScopedHandle<HANDLE, &CloseHandle>;  // of a file, event or thread
+using RegistryKey = base::ScopedHandle<HKEY, &RegCloseKey>;
+
+// Operations of our own where the published interface has none.
 
 // The last of the process-wide objects. Where the system's loader has no entry call of its own, its life is what
 // calls DllMain; elsewhere it does nothing.
@@ -28,9 +41,16 @@ class ModuleEntry {
 // A number that stands for this computer: the same on every run and for every product, never the raw machine id.
 std::uint32_t GetComputerDeviceId();
 
+// What ends an element of a path.
+inline constexpr char pathSeparators[] = "/\\:";
+
+bool IsFolder(const std::string& path);
+// Creates a folder with its parents; true if the folder exists at the end.
+bool CreatePath(const std::string& path);
+
 // fopen on a path as the library composes it (either separator). Null when the file cannot be opened. A file opened
 // for writing is readable by its owner alone.
-std::FILE* OpenFileStream(const char* path, const char* mode);
+FileStream OpenFileStream(const char* path, const char* mode);
 
 // Notes the windows that a wait cursor would be shown on. Called by the thread that is going to be blocked, before
 // another one sets the cursor for it; where the system itself finds the window below the pointer it does nothing.

@@ -4,9 +4,9 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "base/ascii.h"
 #include "platform/platform.h"
 #include "storage/format_text.h"
-#include "storage/scoped_handle.h"
 
 namespace nvsupport {
 namespace {
@@ -15,23 +15,11 @@ namespace {
 constexpr std::string_view plainMarks = "$-_.!*'()";
 
 bool IsPlain(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
-         plainMarks.find(c) != std::string_view::npos;
-}
-
-// -1 for any other character.
-int HexDigit(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
+  return base::IsLetterOrDigit(c) || plainMarks.find(c) != std::string_view::npos;
 }
 
 std::string_view TrimBlanks(std::string_view text) {
-  constexpr std::string_view blanks = " \t\n\r";
-  const std::size_t start = text.find_first_not_of(blanks);
-  if (start == std::string_view::npos) return {};
-  return text.substr(start, text.find_last_not_of(blanks) - start + 1);
+  return base::Trim(text, " \t\n\r");
 }
 
 bool IsBlankOrComment(std::string_view line) {
@@ -78,7 +66,6 @@ bool ReadSettingsLine(SettingsBytes& bytes, std::string& line) {
 }  // namespace
 
 std::string EncodeSettingsValue(std::string_view value) {
-  constexpr const char* digits = "0123456789abcdef";
   std::string encoded;
   for (const char c : value) {
     if (IsPlain(c)) {
@@ -86,8 +73,8 @@ std::string EncodeSettingsValue(std::string_view value) {
     } else if (c == ' ') {
       encoded += '+';
     } else {
-      const auto byte = static_cast<unsigned char>(c);
-      encoded += {'%', digits[byte >> 4], digits[byte & 0xF]};
+      encoded += '%';
+      base::AppendHexByte(encoded, static_cast<std::uint8_t>(c));
     }
   }
   return encoded;
@@ -102,8 +89,8 @@ std::string DecodeSettingsValue(std::string_view encoded) {
       value += encoded[at];
     } else {
       if (encoded.size() - at < 3) break;
-      const int high = HexDigit(encoded[at + 1]);
-      const int low = HexDigit(encoded[at + 2]);
+      const int high = base::HexDigitValue(encoded[at + 1]);
+      const int low = base::HexDigitValue(encoded[at + 2]);
       if (high >= 0 && low >= 0) {
         value += static_cast<char>(high * 16 + low);
       } else {
@@ -116,7 +103,7 @@ std::string DecodeSettingsValue(std::string_view encoded) {
 }
 
 bool CSettingsFile::Load(const std::string& path) {
-  const ScopedHandle<std::FILE*, std::fclose> file(platform::OpenFileStream(path.c_str(), "r"));
+  const platform::FileStream file = platform::OpenFileStream(path.c_str(), "r");
   if (!file) return false;
   SettingsBytes bytes(file.get());
   std::string line;
@@ -138,7 +125,7 @@ void CSettingsFile::ParseSettingsLine(std::string_view line) {
 }
 
 bool CSettingsFile::Save(const std::string& path) const {
-  ScopedHandle<std::FILE*, std::fclose> file(platform::OpenFileStream(path.c_str(), "w"));
+  platform::FileStream file = platform::OpenFileStream(path.c_str(), "w");
   if (!file) return false;
   for (const auto& [key, value] : entries) {
     if (key.empty() || value.empty()) continue;
@@ -177,8 +164,8 @@ int CSettingsFile::GetHex(const std::string& key, std::span<std::uint8_t, 16> by
   const std::string digits = GetText(key);
   const std::size_t count = std::min(digits.size() / 2, bytes.size());
   for (std::size_t at = 0; at < count; ++at) {
-    const int high = std::max(HexDigit(digits[2 * at]), 0);
-    const int low = std::max(HexDigit(digits[2 * at + 1]), 0);
+    const int high = std::max(base::HexDigitValue(digits[2 * at]), 0);
+    const int low = std::max(base::HexDigitValue(digits[2 * at + 1]), 0);
     bytes[at] = static_cast<std::uint8_t>(high * 16 + low);
   }
   return static_cast<int>(count);

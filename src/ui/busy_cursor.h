@@ -19,9 +19,9 @@ class BusyCursor {
  private:
   static DWORD WINAPI Watch(LPVOID self);
 
-  std::int32_t delay = 150;  // milliseconds before the cursor changes
-  HANDLE watcher = nullptr;
-  HANDLE stopEvent = nullptr;  // manual reset
+  std::int32_t delay = 150;          // milliseconds before the cursor changes
+  platform::ObjectHandle stopEvent;  // manual reset
+  platform::ObjectHandle watcher;
   DWORD ownerThread;
   HCURSOR waitCursor;
 };

@@ -2,7 +2,6 @@
 
 #include <vector>
 
-#include "core/module_handle.h"
 #include "language/window_text.h"
 #include "storage/format_text.h"
 #include "ui/instance_subclasser.h"

@@ -44,7 +44,11 @@ class Dialog : public Window {
   std::uint32_t dialogId;
 };
 
-// The module that holds a dialog template; null if it cannot be loaded.
+// The modules that hold the dialog templates: the library's own, as the loader named it, and the one of the dialogs
+// with large ids; null until first needed, then kept.
+extern HINSTANCE g_moduleHandle;
+extern HINSTANCE resourceLibrary;
+// The one that holds a template; null if it cannot be loaded.
 HINSTANCE ResourceModuleFor(std::uint32_t id);
 
 }  // namespace nvsupport

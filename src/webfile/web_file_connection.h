@@ -8,14 +8,11 @@
 
 #include "nvsupport/nvsupport.h"
 #include "platform/platform.h"
-#include "storage/scoped_handle.h"
 
 namespace nvsupport {
 
-using InternetHandle = ScopedHandle<HINTERNET, &InternetCloseHandle>;
-
 // What all transfers connect through. Null if the platform gave none: then every connect fails.
-extern InternetHandle webSession;
+extern platform::InternetHandle webSession;
 
 class WebFileConnection {
  public:
@@ -61,8 +58,8 @@ class WebFileConnection {
   void* callbackData = nullptr;
   WebProgressCounters* counters = nullptr;
   bool secure;
-  InternetHandle request;
-  InternetHandle connection;
+  platform::InternetHandle request;
+  platform::InternetHandle connection;
   bool dialled = false;  // this object asked for a dial-up connection and hangs it up again
   std::string host;
   bool autodial;

@@ -7,15 +7,13 @@
 namespace nvsupport {
 namespace {
 
-using FileHandle = ScopedHandle<HANDLE, &CloseHandle>;
-
 constexpr char temporaryExtension[] = ".TMP";
 
 // Null if the file cannot be written. A leftover of the same name is emptied.
-FileHandle CreateTemporaryFile(const std::string& name) {
+platform::ObjectHandle CreateTemporaryFile(const std::string& name) {
   const HANDLE file =
       CreateFileA(name.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-  return FileHandle(file != INVALID_HANDLE_VALUE ? file : nullptr);
+  return platform::ObjectHandle(file != INVALID_HANDLE_VALUE ? file : nullptr);
 }
 
 bool Download(const char* host, const char* path, const char* file, WebProgressCallback callback, void* callbackData,
@@ -37,7 +35,7 @@ bool WebFileConnection::DownloadToFile(const char* file) {
   if (StatusCode() >= firstFailureStatus) return false;
   const std::string temporary = std::string(file) + temporaryExtension;
   DeleteFileA(file);
-  FileHandle output = CreateTemporaryFile(temporary);
+  platform::ObjectHandle output = CreateTemporaryFile(temporary);
   if (!output) {
     request.reset();
     return false;

@@ -3,8 +3,7 @@
 #ifndef NVSUPPORT_WIRE_TYPE_FILE_H
 #define NVSUPPORT_WIRE_TYPE_FILE_H
 
-#include <cstdio>
-
+#include "platform/platform.h"
 #include "wire/type_serializer.h"
 
 namespace nvsupport {
@@ -13,9 +12,6 @@ class CTypeFileOut final : public CTypeSerializer {
  public:
   // Replaces a file of that name.
   explicit CTypeFileOut(const char* path);
-  ~CTypeFileOut();
-  CTypeFileOut(const CTypeFileOut&) = delete;
-  CTypeFileOut& operator=(const CTypeFileOut&) = delete;
 
   void Write(const void* data, std::int32_t size) override;
   bool Read(void* data, std::int32_t size) override;
@@ -23,21 +19,18 @@ class CTypeFileOut final : public CTypeSerializer {
   bool Close();
 
  private:
-  std::FILE* file;
+  platform::FileStream file;
 };
 
 class CTypeFileIn final : public CTypeSerializer {
  public:
   explicit CTypeFileIn(const char* path);
-  ~CTypeFileIn();
-  CTypeFileIn(const CTypeFileIn&) = delete;
-  CTypeFileIn& operator=(const CTypeFileIn&) = delete;
 
   void Write(const void* data, std::int32_t size) override;
   bool Read(void* data, std::int32_t size) override;
 
  private:
-  std::FILE* file;
+  platform::FileStream file;
 };
 
 }  // namespace nvsupport

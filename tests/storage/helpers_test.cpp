@@ -7,10 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "storage/folders.h"
+#include "storage/files.h"
 #include "storage/format_text.h"
-#include "storage/paths.h"
-#include "storage/temp_files.h"
 #include "support/temporary_home.h"
 
 namespace nvsupport {

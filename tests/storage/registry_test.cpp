@@ -7,7 +7,7 @@
 
 #include "platform/platform.h"
 #include "registry_file.h"
-#include "storage/registry_text.h"
+#include "storage/desktop.h"
 #include "support/temporary_home.h"
 
 namespace nvsupport {

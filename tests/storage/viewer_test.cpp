@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "platform/platform.h"
-#include "storage/open_document.h"
+#include "storage/desktop.h"
 #include "support/temporary_home.h"
 
 namespace nvsupport {

@@ -11,7 +11,7 @@
 #include <random>
 #include <string>
 
-#include "storage/scoped_handle.h"
+#include "platform/platform.h"
 #include "support/documented_bytes.h"
 #include "support/wire_items.h"
 
@@ -51,7 +51,7 @@ struct NumberType final : CSerializable::Type {
 NumberType<CSerializableList> earlier;
 NumberType<Number> later;
 
-using File = ScopedHandle<std::FILE*, std::fclose>;
+using File = platform::FileStream;
 
 std::string BytesOf(std::FILE* file) {
   std::rewind(file);

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "base/ascii.h"
 #include "platform/platform.h"
 #include "read_file.h"
 #include "sip_hash.h"
@@ -18,7 +19,7 @@ std::string NameOfMachine() {
   for (const char* path : {"/etc/machine-id", "/var/lib/dbus/machine-id"}) {
     std::string id = platform::ReadFileUpTo(path, machineIdLength).value_or("");
     // A system that was not started yet holds a word here.
-    if (id.size() == machineIdLength && id.find_first_not_of("0123456789abcdef") == std::string::npos) return id;
+    if (id.size() == machineIdLength && id.find_first_not_of(base::lowerHexDigits) == std::string::npos) return id;
   }
   char name[256] = {};
   return gethostname(name, sizeof name - 1) == 0 ? name : "";

@@ -8,15 +8,13 @@
 #include <string>
 #include <string_view>
 
+#include "base/ascii.h"
+#include "base/scoped_handle.h"
 #include "file_time.h"
 #include "files.h"
 #include "native_path.h"
 
 namespace {
-
-char FoldCase(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
 
 // '*' is any run of characters, '?' any one. Goes back to the last '*' only, so its cost is bounded by the product of
 // the lengths.
@@ -29,7 +27,7 @@ bool MatchesPattern(std::string_view name, std::string_view pattern) {
     if (p < pattern.size() && pattern[p] == '*') {
       star = p++;
       resume = n;
-    } else if (p < pattern.size() && (pattern[p] == '?' || FoldCase(pattern[p]) == FoldCase(name[n]))) {
+    } else if (p < pattern.size() && (pattern[p] == '?' || base::ToLower(pattern[p]) == base::ToLower(name[n]))) {
       ++p;
       ++n;
     } else if (star != std::string_view::npos) {
@@ -47,22 +45,17 @@ class FileSearch {
   explicit FileSearch(const std::string& target) {
     const std::size_t separator = target.rfind('/');
     if (separator == std::string::npos) {
-      folder = opendir(".");
+      folder.reset(opendir("."));
       pattern = target;
     } else {
-      folder = opendir(target.substr(0, separator + 1).c_str());
       pattern = target.substr(separator + 1);
+      folder.reset(opendir(target.substr(0, separator + 1).c_str()));
     }
   }
-  ~FileSearch() {
-    if (folder != nullptr) closedir(folder);
-  }
-  FileSearch(const FileSearch&) = delete;
-  FileSearch& operator=(const FileSearch&) = delete;
 
   bool Next(WIN32_FIND_DATAA& data) {
-    if (folder == nullptr) return false;
-    while (const dirent* entry = readdir(folder)) {
+    if (!folder) return false;
+    while (const dirent* entry = readdir(folder.get())) {
       if (Matches(entry->d_name) && Fill(entry->d_name, data)) return true;
     }
     return false;
@@ -78,7 +71,7 @@ class FileSearch {
   bool Fill(const char* name, WIN32_FIND_DATAA& data) const {
     const std::size_t length = std::strlen(name);
     struct stat status {};
-    if (length >= sizeof data.cFileName || fstatat(dirfd(folder), name, &status, AT_SYMLINK_NOFOLLOW) != 0)
+    if (length >= sizeof data.cFileName || fstatat(dirfd(folder.get()), name, &status, AT_SYMLINK_NOFOLLOW) != 0)
       return false;
     data.dwFileAttributes = S_ISDIR(status.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL;
     data.ftLastWriteTime = platform::ToFileTime(status.st_mtim);
@@ -86,7 +79,7 @@ class FileSearch {
     return true;
   }
 
-  DIR* folder = nullptr;
+  base::ScopedHandle<DIR*, &closedir> folder;
   std::string pattern;
 };
 

@@ -13,6 +13,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "handle.h"
 #include "native_path.h"
@@ -22,6 +23,7 @@ namespace {
 
 using platform::HandleObject;
 using platform::NativePath;
+using Descriptor = base::ScopedHandle<int, &close, -1>;
 
 constexpr mode_t ownersFolder = 0700;
 constexpr mode_t ownersFile = 0600;
@@ -33,17 +35,16 @@ constexpr std::size_t gatheredAtMost = std::size_t{64} * 1024;  // bytes
 // few calls of the system. A disk that is full thus shows in a later write, or when the file is closed.
 class WrittenFile final : public HandleObject {
  public:
-  explicit WrittenFile(int opened) : descriptor(opened) {
+  explicit WrittenFile(Descriptor opened) : descriptor(std::move(opened)) {
     rlimit limit{};
     if (getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY) room = limit.rlim_cur;
   }
   ~WrittenFile() override { Close(); }
 
   bool Close() override {
-    if (descriptor < 0) return true;
+    if (!descriptor) return true;
     const bool stored = Flush();
-    const bool closed = close(descriptor) == 0;
-    descriptor = -1;
+    const bool closed = close(descriptor.release()) == 0;
     return stored && closed;
   }
 
@@ -71,7 +72,7 @@ class WrittenFile final : public HandleObject {
 
   void Store(const char* data, std::size_t size) {
     while (size > 0 && !lost) {
-      const ssize_t written = write(descriptor, data, size);
+      const ssize_t written = write(descriptor.get(), data, size);
       if (written < 0 && errno == EINTR) continue;
       lost = written <= 0;
       if (lost) return;
@@ -80,7 +81,7 @@ class WrittenFile final : public HandleObject {
     }
   }
 
-  int descriptor;
+  Descriptor descriptor;
   // Bytes up to the process's file size limit. A write that starts at the limit would raise SIGXFSZ, which ends a
   // host that does not expect it.
   std::uint64_t room = UINT64_MAX;
@@ -103,24 +104,22 @@ std::string NativePath(const char* path) {
   return native;
 }
 
-std::FILE* OpenFileStream(const char* path, const char* mode) {
+FileStream OpenFileStream(const char* path, const char* mode) {
   const bool writing = mode[0] == 'w';
   // Without waiting: a pipe in the place of the file would hold the host up until somebody opens its other end.
   const int flags = (writing ? O_WRONLY | O_CREAT | O_TRUNC : O_RDONLY) | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-  const int descriptor = open(NativePath(path).c_str(), flags, ownersFile);
-  if (descriptor < 0) return nullptr;
+  Descriptor descriptor(open(NativePath(path).c_str(), flags, ownersFile));
+  if (!descriptor) return {};
   struct stat status {};
   // Only files are read: folders open too, and a pipe, a terminal or a device may never come to an end.
   const bool usable =
-      fstat(descriptor, &status) == 0 && (S_ISREG(status.st_mode) || (writing && S_ISCHR(status.st_mode)));
-  std::FILE* stream = usable ? fdopen(descriptor, mode) : nullptr;
-  if (stream == nullptr) {
-    close(descriptor);
-    return nullptr;
-  }
+      fstat(descriptor.get(), &status) == 0 && (S_ISREG(status.st_mode) || (writing && S_ISCHR(status.st_mode)));
+  FileStream stream(usable ? fdopen(descriptor.get(), mode) : nullptr);
+  if (!stream) return {};
+  const int opened = descriptor.release();  // the stream's from here on
   // A file that stood there before may be open to others, whom its new content does not concern. Some file systems
   // keep no such rights, and their files are written all the same.
-  if (writing && S_ISREG(status.st_mode)) fchmod(descriptor, ownersFile);
+  if (writing && S_ISREG(status.st_mode)) fchmod(opened, ownersFile);
   return stream;
 }
 
@@ -152,9 +151,9 @@ BOOL MoveFileA(LPCSTR from, LPCSTR to) {
 HANDLE CreateFileA(LPCSTR path, DWORD, DWORD, struct SECURITY_ATTRIBUTES*, DWORD, DWORD, HANDLE) {
   // Without waiting, as streams are opened.
   constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-  const int descriptor = open(NativePath(path).c_str(), flags, anyonesFile);
-  if (descriptor < 0) return INVALID_HANDLE_VALUE;
-  return static_cast<HandleObject*>(new WrittenFile(descriptor));
+  Descriptor descriptor(open(NativePath(path).c_str(), flags, anyonesFile));
+  if (!descriptor) return INVALID_HANDLE_VALUE;
+  return static_cast<HandleObject*>(new WrittenFile(std::move(descriptor)));
 }
 
 BOOL WriteFile(HANDLE handle, LPCVOID data, DWORD size, LPDWORD written, struct OVERLAPPED*) {

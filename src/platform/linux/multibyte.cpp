@@ -8,19 +8,16 @@
 #include <cerrno>
 #include <cstring>
 
-namespace {
+#include "base/ascii.h"
+#include "base/scoped_handle.h"
 
-// The upper-case letters are the only ones that a compare without case folds.
-unsigned char FoldCase(unsigned char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<unsigned char>(c - 'A' + 'a') : c;
-}
+namespace {
 
 // The environment's code page. Where it names none or one that is not installed, UTF-8, of which ASCII is a part.
 std::string FindCodePage() {
-  const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
-  if (locale == nullptr) return "UTF-8";
-  const std::string name = nl_langinfo_l(CODESET, locale);
-  freelocale(locale);
+  const base::ScopedHandle<locale_t, &freelocale> locale(newlocale(LC_CTYPE_MASK, "", nullptr));
+  if (!locale) return "UTF-8";
+  const std::string name = nl_langinfo_l(CODESET, locale.get());
   return name == "ANSI_X3.4-1968" ? "UTF-8" : name;
 }
 
@@ -68,16 +65,8 @@ constexpr char32_t windows1252[32] = {0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x
                                       0xFFFD, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
                                       0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0xFFFD, 0x017E, 0x0178};
 
-void AppendWindows1252(std::string& utf8, unsigned char byte) {
-  const char32_t c = byte >= 0x80 && byte < 0xA0 ? windows1252[byte - 0x80] : byte;
-  if (c < 0x80) {
-    utf8 += static_cast<char>(c);
-  } else if (c < 0x800) {
-    utf8 += {static_cast<char>(0xC0 | c >> 6), static_cast<char>(0x80 | (c & 0x3F))};
-  } else {
-    utf8 += {static_cast<char>(0xE0 | c >> 12), static_cast<char>(0x80 | (c >> 6 & 0x3F)),
-             static_cast<char>(0x80 | (c & 0x3F))};
-  }
+char32_t FromWindows1252(unsigned char byte) {
+  return byte >= 0x80 && byte < 0xA0 ? windows1252[byte - 0x80] : byte;
 }
 
 // Bytes at the end of `text` that begin a character without ending it.
@@ -100,11 +89,24 @@ void SkipUtf8Character(std::string_view& text) {
 
 namespace platform {
 
+void AppendUtf8(std::string& utf8, char32_t character) {
+  const auto tail = [character](int shift) { return static_cast<char>(0x80 | (character >> shift & 0x3F)); };
+  if (character < 0x80) {
+    utf8 += static_cast<char>(character);
+  } else if (character < 0x800) {
+    utf8 += {static_cast<char>(0xC0 | character >> 6), tail(0)};
+  } else if (character < 0x10000) {
+    utf8 += {static_cast<char>(0xE0 | character >> 12), tail(6), tail(0)};
+  } else {
+    utf8 += {static_cast<char>(0xF0 | character >> 18), tail(12), tail(6), tail(0)};
+  }
+}
+
 std::string ToUtf8(std::string_view bytes) {
   Converter toUtf8("UTF-8", CodePage().c_str());
   std::string utf8;
   while (toUtf8.Convert(bytes, utf8) != 0) {
-    AppendWindows1252(utf8, static_cast<unsigned char>(bytes.front()));
+    AppendUtf8(utf8, FromWindows1252(static_cast<unsigned char>(bytes.front())));
     bytes.remove_prefix(1);
   }
   return utf8;
@@ -132,11 +134,13 @@ unsigned char* _mbsnbcpy(unsigned char* destination, const unsigned char* source
 }
 
 int _mbsicmp(const unsigned char* left, const unsigned char* right) {
-  while (*left != 0 && FoldCase(*left) == FoldCase(*right)) {
+  // Letters of ASCII are the only ones that a compare without case folds.
+  const auto folded = [](unsigned char c) { return static_cast<unsigned char>(base::ToLower(static_cast<char>(c))); };
+  while (*left != 0 && folded(*left) == folded(*right)) {
     ++left;
     ++right;
   }
-  return FoldCase(*left) - FoldCase(*right);
+  return folded(*left) - folded(*right);
 }
 
 int _mbscmp(const unsigned char* left, const unsigned char* right) {

@@ -14,6 +14,8 @@ int _mbscmp(const unsigned char* left, const unsigned char* right);
 
 namespace platform {
 
+// A character of Unicode as UTF-8.
+void AppendUtf8(std::string& utf8, char32_t character);
 // Code page bytes to UTF-8 for showing: bytes that are not valid in the code page count as Windows-1252.
 std::string ToUtf8(std::string_view bytes);
 // UTF-8 to code page bytes; a character that the code page lacks becomes '?'.

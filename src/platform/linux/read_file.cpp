@@ -8,16 +8,15 @@
 namespace platform {
 
 std::optional<std::string> ReadFileUpTo(const std::string& path, std::size_t limit) {
-  std::FILE* stream = OpenFileStream(path.c_str(), "r");
-  if (stream == nullptr) return std::nullopt;
+  const FileStream stream = OpenFileStream(path.c_str(), "r");
+  if (!stream) return std::nullopt;
   std::string text;
   char part[4096];
   while (text.size() < limit) {
-    const std::size_t count = std::fread(part, 1, std::min(sizeof part, limit - text.size()), stream);
+    const std::size_t count = std::fread(part, 1, std::min(sizeof part, limit - text.size()), stream.get());
     if (count == 0) break;
     text.append(part, count);
   }
-  std::fclose(stream);
   return text;
 }
 

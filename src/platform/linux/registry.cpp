@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "base/ascii.h"
 #include "module.h"
 #include "read_file.h"
 #include "registry_file.h"
@@ -14,7 +15,6 @@
 
 namespace {
 
-using platform::FoldName;
 using platform::RegistryValues;
 
 // More than any hand-written or exported file of an application holds; what lies behind it is not read.
@@ -61,7 +61,7 @@ LONG RegOpenKeyExA(HKEY root, LPCSTR subKey, DWORD, DWORD, HKEY* key) {
   while (name.ends_with('\\')) name.pop_back();
 
   std::optional<RegistryValues> values =
-      FoldName(name) == computerNameKey
+      base::ToLower(name) == computerNameKey
           ? ComputerName()
           : platform::FindRegistryKey(root == HKEY_CURRENT_USER ? UserText() : MachineText(), name);
   if (!values) return ERROR_FILE_NOT_FOUND;
@@ -74,7 +74,7 @@ LONG RegQueryValueExA(HKEY key, LPCSTR name, LPDWORD, LPDWORD type, BYTE* data, 
   if (data != nullptr && size == nullptr) return errorInvalidParameter;
   if (IsRoot(key)) return ERROR_FILE_NOT_FOUND;
   const RegistryValues& values = ValuesOf(key);
-  const auto found = values.find(FoldName(name != nullptr ? name : ""));
+  const auto found = values.find(base::ToLower(name != nullptr ? name : ""));
   if (found == values.end()) return ERROR_FILE_NOT_FOUND;
 
   const std::string& bytes = found->second.bytes;

@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <charconv>
 
+#include "base/ascii.h"
+
 namespace platform {
 namespace {
 
 std::string_view Trim(std::string_view text) {
-  const std::size_t start = text.find_first_not_of(" \t\r");
-  if (start == std::string_view::npos) return {};
-  return text.substr(start, text.find_last_not_of(" \t\r") - start + 1);
+  return base::Trim(text, " \t\r");
 }
 
 // Takes one line off the front of the text.
@@ -21,7 +21,7 @@ std::string_view TakeLine(std::string_view& text) {
 }
 
 bool TakePrefix(std::string_view& text, std::string_view prefix) {
-  if (text.size() < prefix.size() || FoldName(text.substr(0, prefix.size())) != prefix) return false;
+  if (text.size() < prefix.size() || base::ToLower(text.substr(0, prefix.size())) != prefix) return false;
   text.remove_prefix(prefix.size());
   return true;
 }
@@ -110,10 +110,10 @@ void ParseValueLine(std::string_view line, std::string_view& rest, RegistryValue
   if (!name || !TakePrefix(line, "=")) return;
   line = Trim(line);
   if (line.starts_with('-')) {
-    values.erase(FoldName(*name));
+    values.erase(base::ToLower(*name));
     return;
   }
-  if (std::optional<RegistryValue> value = TakeValue(line, rest)) values[FoldName(*name)] = std::move(*value);
+  if (std::optional<RegistryValue> value = TakeValue(line, rest)) values[base::ToLower(*name)] = std::move(*value);
 }
 
 // Whether `key` is `above` or lies below it.
@@ -123,16 +123,8 @@ bool IsWithin(std::string_view key, std::string_view above) {
 
 }  // namespace
 
-std::string FoldName(std::string_view name) {
-  std::string folded(name);
-  for (char& c : folded) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return folded;
-}
-
 std::optional<RegistryValues> FindRegistryKey(std::string_view text, std::string_view key) {
-  const std::string wanted = FoldName(key);
+  const std::string wanted = base::ToLower(key);
   std::optional<RegistryValues> found;
   bool inKey = false;
   while (!text.empty()) {
@@ -141,7 +133,7 @@ std::optional<RegistryValues> FindRegistryKey(std::string_view text, std::string
       const std::size_t end = line.rfind(']');
       inKey = false;
       if (end == std::string_view::npos) continue;
-      const std::string section = FoldName(line.substr(1, end - 1));
+      const std::string section = base::ToLower(line.substr(1, end - 1));
       if (section.starts_with('-')) {
         if (IsWithin(wanted, std::string_view(section).substr(1))) found.reset();
         continue;

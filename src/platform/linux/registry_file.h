@@ -20,11 +20,8 @@ struct RegistryValue {
   std::string bytes;  // as delivered: a text with its terminator, a number least significant byte first
 };
 
-// By folded name; the default value has the empty name.
+// By name in lower case, whatever the case in the file; the default value has the empty name.
 using RegistryValues = std::map<std::string, RegistryValue>;
-
-// Key and value names are compared in this form.
-std::string FoldName(std::string_view name);
 
 // The values of one key of a file, nothing if the file has neither the key nor a key below it. `key` begins with the
 // root's name. A later value replaces an earlier one; lines that are no sound part of the form are passed over.

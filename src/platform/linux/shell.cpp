@@ -9,6 +9,7 @@
 
 #include "files.h"
 #include "native_path.h"
+#include "platform/platform.h"
 #include "viewer.h"
 #include "xdg_folders.h"
 
@@ -23,20 +24,6 @@ std::string FolderOf(int folder) {
     default:
       return {};
   }
-}
-
-bool IsFolder(const std::string& path) {
-  const DWORD attributes = GetFileAttributesA(path.c_str());
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-}
-
-// Creates an absolute path with its parents; true if it is a folder at the end.
-bool MakeFolders(const std::string& path) {
-  if (IsFolder(path)) return true;
-  for (std::size_t end = path.find('/', 1); end != std::string::npos; end = path.find('/', end + 1)) {
-    CreateDirectoryA(path.substr(0, end).c_str(), nullptr);
-  }
-  return CreateDirectoryA(path.c_str(), nullptr) || IsFolder(path);
 }
 
 bool IsWebAddress(const char* target) {
@@ -61,7 +48,7 @@ std::string ViewerTarget(const char* target) {
 BOOL SHGetSpecialFolderPathA(HWND, LPSTR path, int folder, BOOL create) {
   const std::string name = FolderOf(folder);
   if (name.empty() || name.size() >= MAX_PATH) return FALSE;
-  if (create && !MakeFolders(name)) return FALSE;
+  if (create && !platform::CreatePath(name)) return FALSE;
   std::memcpy(path, name.c_str(), name.size() + 1);
   return TRUE;
 }

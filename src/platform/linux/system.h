@@ -12,5 +12,6 @@
 #include "types.h"
 #include "web_client.h"
 #include "windowing/windowing.h"
+#include "wipe.h"
 
 #endif

@@ -7,6 +7,8 @@
 #include <memory>
 #include <utility>
 
+#include "base/ascii.h"
+
 namespace platform {
 namespace {
 
@@ -19,17 +21,9 @@ struct TextDeleter {
 
 using Url = std::unique_ptr<CURLU, UrlDeleter>;
 
-constexpr std::string_view blanks = " \t";
-
 // A line end or a zero in the middle of a text could smuggle a second request into the first.
 bool HasControlCharacters(std::string_view text) {
   return std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; });
-}
-
-std::string_view Trim(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(blanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
 // What would end the path within a URL or a request line is escaped.
@@ -53,7 +47,7 @@ std::optional<std::string> HeaderLine(std::string_view text) {
   while (text.ends_with('\n') || text.ends_with('\r')) text.remove_suffix(1);
   const std::size_t colon = text.find(':');
   if (colon == std::string_view::npos || colon == 0 || HasControlCharacters(text)) return std::nullopt;
-  const std::string_view value = Trim(text.substr(colon + 1));
+  const std::string_view value = base::Trim(text.substr(colon + 1), " \t");
   if (value.empty()) return std::nullopt;
   return std::string(text.substr(0, colon)).append(": ").append(value);
 }

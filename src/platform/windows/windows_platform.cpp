@@ -10,19 +10,18 @@ std::uint32_t GetComputerDeviceId() {
   // FNV-1a over the installation's machine GUID: stable for the installation, and not the GUID itself.
   char guid[64] = {};
   DWORD size = sizeof guid - 1;
-  HKEY key = nullptr;
-  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Microsoft\\Cryptography", 0, KEY_READ | KEY_WOW64_64KEY, &key) ==
-      ERROR_SUCCESS) {
-    RegQueryValueExA(key, "MachineGuid", nullptr, nullptr, reinterpret_cast<BYTE*>(guid), &size);
-    RegCloseKey(key);
+  RegistryKey key;
+  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Microsoft\\Cryptography", 0, KEY_READ | KEY_WOW64_64KEY,
+                    key.put()) == ERROR_SUCCESS) {
+    RegQueryValueExA(key.get(), "MachineGuid", nullptr, nullptr, reinterpret_cast<BYTE*>(guid), &size);
   }
   std::uint32_t hash = 2166136261u;
   for (const char* at = guid; *at != '\0'; ++at) hash = (hash ^ static_cast<unsigned char>(*at)) * 16777619u;
   return hash;
 }
 
-std::FILE* OpenFileStream(const char* path, const char* mode) {
-  return std::fopen(path, mode);
+FileStream OpenFileStream(const char* path, const char* mode) {
+  return FileStream(std::fopen(path, mode));
 }
 
 void NoteWindowsForWaitCursor() {}

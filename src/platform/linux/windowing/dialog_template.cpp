@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "../module.h"
+#include "../multibyte.h"
 #include "window_tree.h"
 
 // The module's own compiled script, put there by the build.
@@ -69,19 +70,6 @@ class ByteReader {
   bool good = true;
 };
 
-void AppendUtf8(std::string& text, char32_t character) {
-  const auto tail = [character](unsigned shift) { return static_cast<char>(0x80 | (character >> shift & 0x3F)); };
-  if (character < 0x80) {
-    text += static_cast<char>(character);
-  } else if (character < 0x800) {
-    text += {static_cast<char>(0xC0 | character >> 6), tail(0)};
-  } else if (character < 0x10000) {
-    text += {static_cast<char>(0xE0 | character >> 12), tail(6), tail(0)};
-  } else {
-    text += {static_cast<char>(0xF0 | character >> 18), tail(12), tail(6), tail(0)};
-  }
-}
-
 bool IsHighSurrogate(char32_t unit) {
   return unit >= 0xD800 && unit < 0xDC00;
 }
@@ -95,10 +83,10 @@ std::string ReadText(ByteReader& reader, char32_t unit) {
   while (unit != 0) {
     char32_t next = reader.Word();
     if (IsHighSurrogate(unit) && IsLowSurrogate(next)) {
-      AppendUtf8(text, 0x10000 + ((unit - 0xD800) << 10) + (next - 0xDC00));
+      platform::AppendUtf8(text, 0x10000 + ((unit - 0xD800) << 10) + (next - 0xDC00));
       next = reader.Word();
     } else {
-      AppendUtf8(text, IsHighSurrogate(unit) || IsLowSurrogate(unit) ? replacementCharacter : unit);
+      platform::AppendUtf8(text, IsHighSurrogate(unit) || IsLowSurrogate(unit) ? replacementCharacter : unit);
     }
     unit = next;
   }

@@ -1,6 +1,6 @@
-// Texts of the registry.
-#ifndef NVSUPPORT_STORAGE_REGISTRY_TEXT_H
-#define NVSUPPORT_STORAGE_REGISTRY_TEXT_H
+// What the user's desktop is asked for: texts of the registry, and the viewer of documents and web addresses.
+#ifndef NVSUPPORT_STORAGE_DESKTOP_H
+#define NVSUPPORT_STORAGE_DESKTOP_H
 
 #include <string>
 
@@ -11,6 +11,9 @@ namespace nvsupport {
 // The value as text; `defaultText` when key or value is missing or the value is longer than 260 characters.
 std::string GetRegistryText(HKEY root, const std::string& subKey, const std::string& value,
                             const std::string& defaultText);
+
+// Hands a document or web address to its viewer. True if the platform took the request; does not wait for the viewer.
+bool OpenDocument(const std::string& target, HWND owner);
 
 }  // namespace nvsupport
 

@@ -1,4 +1,4 @@
-#include "account/account_service.h"
+#include "account/account_exchange.h"
 
 #include <algorithm>
 

@@ -1,8 +1,4 @@
-#include "storage/registry_text.h"
-
-#include <cstring>
-
-#include "storage/scoped_handle.h"
+#include "storage/desktop.h"
 
 namespace nvsupport {
 namespace {
@@ -14,13 +10,23 @@ constexpr DWORD maxValueSize = 261;
 
 std::string GetRegistryText(HKEY root, const std::string& subKey, const std::string& value,
                             const std::string& defaultText) {
-  ScopedHandle<HKEY, RegCloseKey> key;
+  platform::RegistryKey key;
   if (RegOpenKeyExA(root, subKey.c_str(), 0, KEY_READ, key.put()) != ERROR_SUCCESS) return defaultText;
   char buffer[maxValueSize + 1] = {};  // terminated even when the value is not
   DWORD size = maxValueSize;
   auto* bytes = reinterpret_cast<BYTE*>(buffer);
   if (RegQueryValueExA(key.get(), value.c_str(), nullptr, nullptr, bytes, &size) != ERROR_SUCCESS) return defaultText;
   return buffer;
+}
+
+bool OpenDocument(const std::string& target, HWND owner) {
+  SHELLEXECUTEINFOA info{};
+  info.cbSize = sizeof info;
+  info.hwnd = owner;
+  info.lpVerb = "open";
+  info.lpFile = target.c_str();
+  info.nShow = SW_SHOW;
+  return ShellExecuteExA(&info) != 0;
 }
 
 }  // namespace nvsupport

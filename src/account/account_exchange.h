@@ -1,7 +1,7 @@
 // What the account operations share: the CGI program that they talk to, the statuses that more than one of them
 // knows, and the pages on the service host.
-#ifndef NVSUPPORT_ACCOUNT_ACCOUNT_SERVICE_H
-#define NVSUPPORT_ACCOUNT_ACCOUNT_SERVICE_H
+#ifndef NVSUPPORT_ACCOUNT_ACCOUNT_EXCHANGE_H
+#define NVSUPPORT_ACCOUNT_ACCOUNT_EXCHANGE_H
 
 #include <cstdint>
 #include <span>

@@ -1,0 +1,15 @@
+// Overwrites memory that held a secret.
+#ifndef NVSUPPORT_PLATFORM_LINUX_WIPE_H
+#define NVSUPPORT_PLATFORM_LINUX_WIPE_H
+
+#include <string.h>
+
+#include <cstddef>
+
+// Not left out by the compiler, whoever reads the memory next.
+inline void* SecureZeroMemory(void* memory, std::size_t size) {
+  explicit_bzero(memory, size);
+  return memory;
+}
+
+#endif
