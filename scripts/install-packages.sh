@@ -13,7 +13,7 @@ readonly build_packages=(
   fcgiwrap fonts-dejavu-core lighttpd lighttpd-mod-openssl openssl xdotool xvfb
 )
 readonly test_packages=(
-  clang clang-format clang-tidy curl g++-mingw-w64-x86-64 gettext libclang-rt-14-dev locales openbox
+  clang clang-format clang-tidy curl g++-mingw-w64-x86-64 gettext libclang-rt-14-dev locales openbox python3
 )
 
 case ${1:-} in
