@@ -7,13 +7,13 @@ set -euo pipefail
 
 readonly build_packages=(
   ca-certificates cmake g++ llvm ninja-build pkg-config
-  libbenchmark-dev libcli11-dev libcurl4-openssl-dev libgtest-dev libsodium-dev libsqlite3-dev libssl-dev
+  libbenchmark-dev libcli11-dev libcurl4-openssl-dev libgtest-dev libpq-dev libsodium-dev libsqlite3-dev libssl-dev
   nlohmann-json3-dev
   libx11-dev libxcb-cursor-dev libxcb-xfixes0-dev libxcb1-dev qt6-base-dev
   fcgiwrap fonts-dejavu-core lighttpd lighttpd-mod-openssl openssl xdotool xvfb
 )
 readonly test_packages=(
-  clang clang-format clang-tidy curl g++-mingw-w64-x86-64 gettext libclang-rt-14-dev locales openbox python3
+  clang clang-format clang-tidy curl g++-mingw-w64-x86-64 gettext libclang-rt-14-dev locales openbox postgresql python3
 )
 
 case ${1:-} in
@@ -40,7 +40,7 @@ if ((EUID != 0)); then
 fi
 
 # Some packages start a server of their own, now and at every boot; only the programs are wanted.
-readonly servers=(fcgiwrap.service fcgiwrap.socket lighttpd.service)
+readonly servers=(fcgiwrap.service fcgiwrap.socket lighttpd.service postgresql.service)
 readonly policy=/usr/sbin/policy-rc.d # asked before a package starts a server
 if [[ ! -e $policy ]]; then
   trap '"${as_root[@]}" rm -f "$policy"' EXIT

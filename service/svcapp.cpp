@@ -1,27 +1,26 @@
-// svcapp.cgi, the account service: operations 8 to 11 over TLS.
-//
-// NV_SERVICE_DATABASE         the accounts; made at the first request
-// NV_SERVICE_SESSION_SECONDS  for how long a session token is good; an hour if not set
-#include <cstdlib>
+// svcapp.cgi, the account service: operations 8 to 11 over TLS. NV_SERVICE_DATABASE says where the accounts are;
+// account_settings.h tells about the other variables.
+#include <chrono>
 #include <ctime>
+#include <thread>
 
 #include "service/accounts/account_service.h"
 #include "service/cgi.h"
 
 namespace {
 
-constexpr std::int64_t sessionSeconds = 3600;
+using namespace nvsupport::service;
+
+std::string Answer(std::string_view request) {
+  const auto database = OpenDatabase(RequiredVariable("NV_SERVICE_DATABASE"));
+  const auto wait = [](std::int64_t seconds) { std::this_thread::sleep_for(std::chrono::seconds(seconds)); };
+  AccountService service(*database, ReadAccountSettings(), {Variable("REMOTE_ADDR"), std::time(nullptr), wait});
+  return service.Answer(request);
+}
 
 }  // namespace
 
 int main() {
-  namespace service = nvsupport::service;
-  service::KeepSecrets();
-  return service::AnswerPost(service::AccountService::largestRequest, service::Transport::secureOnly,
-                             [](std::string_view request) {
-                               service::AccountStore store(service::RequiredVariable("NV_SERVICE_DATABASE"));
-                               const std::string seconds = service::Variable("NV_SERVICE_SESSION_SECONDS");
-                               const std::int64_t lifetime = seconds.empty() ? sessionSeconds : std::stoll(seconds);
-                               return service::AccountService(store, std::time(nullptr), lifetime).Answer(request);
-                             });
+  KeepSecrets();
+  return AnswerPost(AccountService::largestRequest, Transport::secureOnly, Answer);
 }

@@ -1,5 +1,5 @@
 // svcuser.cgi, the account page: what the service knows of the user whose session token the query brings
-// ("session=TOKEN"), over TLS. This is what a session token is good for.
+// ("session=TOKEN"), over TLS. This is what a session token is good for. A POST ends all sessions of the account.
 //
 // NV_SERVICE_DATABASE  the accounts, as for svcapp.cgi
 #include <cstdio>
@@ -44,26 +44,31 @@ std::string Page(std::string_view title, const std::string& content) {
          "</body></html>\n";
 }
 
-std::string AccountPage(const AccountStore& store, std::int64_t account) {
+std::string AccountPage(AccountStore& store, std::int64_t account) {
   std::string content = "<p>Signed in as <b>" + Escape(store.UserId(account)) + "</b></p>\n<h2>Computers</h2>\n<ul>\n";
   for (const Computer& computer : store.Computers(account)) {
     content += "<li>" + (computer.name.empty() ? "(no name)" : Escape(computer.name)) + "</li>\n";
   }
-  return Page("Your account", content + "</ul>\n");
+  // Sent to the page's own address, which holds the token, so that no other page can have it sent.
+  return Page("Your account", content +
+                                  "</ul>\n<form method=\"post\"><button>End all sessions</button> Afterwards no page "
+                                  "that was opened for this account shows anything any more, on no computer.</form>\n");
 }
 
 void Answer() {
   const std::string query = Variable("QUERY_STRING");
   const std::string token = query.starts_with(key) ? query.substr(key.size()) : "";
-  const AccountStore store(RequiredVariable("NV_SERVICE_DATABASE"));
+  const auto database = OpenDatabase(RequiredVariable("NV_SERVICE_DATABASE"));
+  AccountStore store(*database);
   const auto account = IsSecure() ? store.FindSession(token, std::time(nullptr)) : std::nullopt;
-  if (account) {
-    SendReply(200, pageType, AccountPage(store, *account));
-  } else {
+  if (!account) {
     SendReply(403, pageType,
-              Page("Please sign in",
-                   "<p>This session has ended. Open the page again from the "
-                   "application.</p>\n"));
+              Page("Please sign in", "<p>This session has ended. Open the page again from the application.</p>\n"));
+  } else if (Variable("REQUEST_METHOD") == "POST") {
+    store.EndSessions(*account);
+    SendReply(200, pageType, Page("All sessions have ended", "<p>Open the page again from the application.</p>\n"));
+  } else {
+    SendReply(200, pageType, AccountPage(store, *account));
   }
 }
 

@@ -1,5 +1,6 @@
 #include "service/accounts/account_rules.h"
 
+#include <arpa/inet.h>
 #include <sodium.h>
 
 #include <algorithm>
@@ -58,6 +59,18 @@ std::string EmailKey(std::string_view text) {
   return key;
 }
 
+std::string NetworkKey(const std::string& address) {
+  constexpr std::string_view mappedIpv4 = "::ffff:";
+  if (address.starts_with(mappedIpv4) && address.find('.') != std::string::npos) {
+    return address.substr(mappedIpv4.size());
+  }
+  in6_addr parsed = {};
+  if (inet_pton(AF_INET6, address.c_str(), &parsed) != 1) return address;
+  std::fill(parsed.s6_addr + sizeof parsed / 2, parsed.s6_addr + sizeof parsed, std::uint8_t{0});
+  std::array<char, INET6_ADDRSTRLEN> text = {};
+  return inet_ntop(AF_INET6, &parsed, text.data(), text.size());
+}
+
 std::string HashPassword(std::string_view credentialKey) {
   std::array<char, crypto_pwhash_STRBYTES> hash;
   if (crypto_pwhash_str(hash.data(), credentialKey.data(), credentialKey.size(), hashPasses, hashMemory) != 0) {
@@ -68,6 +81,12 @@ std::string HashPassword(std::string_view credentialKey) {
 
 bool MatchesPassword(const std::string& hash, std::string_view credentialKey) {
   return crypto_pwhash_str_verify(hash.c_str(), credentialKey.data(), credentialKey.size()) == 0;
+}
+
+std::int64_t NewNumber() {
+  std::uint64_t number = 0;
+  randombytes_buf(&number, sizeof number);
+  return static_cast<std::int64_t>(number >> 1);
 }
 
 std::string NewToken() {

@@ -1,8 +1,10 @@
-// User IDs, passwords, e-mail addresses and session tokens: what counts of each, and the form in which it is stored.
+// User IDs, passwords, e-mail addresses, network addresses and session tokens: what counts of each, and the form in
+// which it is stored.
 #ifndef NVSUPPORT_SERVICE_ACCOUNTS_ACCOUNT_RULES_H
 #define NVSUPPORT_SERVICE_ACCOUNTS_ACCOUNT_RULES_H
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -21,10 +23,17 @@ std::string CredentialKey(std::string_view text);
 // What counts of an e-mail address: no blanks around it, lower case. Empty if it is no address.
 std::string EmailKey(std::string_view text);
 
+// What counts of the network address that a request comes from: all of an IPv4 address, the first half of an IPv6
+// address, whose owner can use any second half.
+std::string NetworkKey(const std::string& address);
+
 // A salted Argon2id hash that names its own parameters.
 std::string HashPassword(std::string_view credentialKey);
 // In a time that does not depend on where the two differ.
 bool MatchesPassword(const std::string& hash, std::string_view credentialKey);
+
+// A number for a new account, by chance out of so many that no two are the same.
+std::int64_t NewNumber();
 
 // A fresh token: 19 random letters and digits, which is more than 112 bits.
 std::string NewToken();

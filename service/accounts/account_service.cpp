@@ -1,6 +1,10 @@
 #include "service/accounts/account_service.h"
 
-#include "service/wire_items.h"
+#include <utility>
+
+#include "service/accounts/account_rules.h"
+#include "service/accounts/guess_limit.h"
+#include "service/utf8.h"
 
 namespace nvsupport::service {
 namespace {
@@ -14,17 +18,38 @@ std::string Reply(Status status) {
 }
 
 std::string Text(RequestReader& request) {
-  return request.Text(AccountService::longestText);
+  return ToUtf8(request.Text(AccountService::longestText));
 }
 
-std::string SignIn(RequestReader& request, AccountStore& store) {
+}  // namespace
+
+AccountService::AccountService(Database& accounts, const AccountSettings& limits, Caller requester)
+    : database(accounts), settings(limits), caller(std::move(requester)), store(accounts) {}
+
+std::string AccountService::Answer(std::string_view request) {
+  RequestReader reader(request);
+  switch (reader.Word()) {
+    case signIn:
+      return SignIn(reader);
+    case nameComputer:
+      return NameComputer(reader);
+    case createAccount:
+      return CreateAccount(reader);
+    case openSession:
+      return OpenSession(reader);
+    default:
+      return Reply(Status::notUnderstood);
+  }
+}
+
+std::string AccountService::SignIn(RequestReader& request) {
   const std::string userId = Text(request);
   const std::string password = Text(request);
   const std::uint32_t device = request.Word();
   if (!request.Complete()) return Reply(Status::notUnderstood);
 
   std::int64_t account = 0;
-  const Status status = store.Verify(userId, password, account);
+  const Status status = Verify(userId, password, account);
   if (status != Status::done) return Reply(status);
   ReplyWriter reply(Status::done);
   const auto state = store.HasComputer(account, device) ? ComputerState::named : ComputerState::unnamed;
@@ -32,7 +57,7 @@ std::string SignIn(RequestReader& request, AccountStore& store) {
   return reply.Bytes();
 }
 
-std::string NameComputer(RequestReader& request, AccountStore& store) {
+std::string AccountService::NameComputer(RequestReader& request) {
   const std::string userId = Text(request);
   const std::string password = Text(request);
   Computer computer;
@@ -43,52 +68,56 @@ std::string NameComputer(RequestReader& request, AccountStore& store) {
   if (!request.Complete()) return Reply(Status::notUnderstood);
 
   std::int64_t account = 0;
-  const Status status = store.Verify(userId, password, account);
+  const Status status = Verify(userId, password, account);
   return Reply(status == Status::done ? store.NameComputer(account, computer) : status);
 }
 
-std::string CreateAccount(RequestReader& request, AccountStore& store, std::int64_t now) {
-  NewAccount account;
-  account.userId = Text(request);
-  account.password = Text(request);
-  account.name = Text(request);
-  account.company = Text(request);
-  account.email = Text(request);
-  account.keepInformed = request.Byte() != 0;
+std::string AccountService::CreateAccount(RequestReader& request) {
+  NewAccount wanted;
+  wanted.userId = Text(request);
+  wanted.password = Text(request);
+  wanted.name = Text(request);
+  wanted.company = Text(request);
+  wanted.email = Text(request);
+  wanted.keepInformed = request.Byte() != 0;
   request.Word();  // the same in every client: tells nothing
-  account.language = Text(request);
-  return Reply(request.Complete() ? store.Create(account, now) : Status::notUnderstood);
+  wanted.language = Text(request);
+  if (!request.Complete()) return Reply(Status::notUnderstood);
+
+  const Status status = store.Create(wanted, caller.now);
+  // A request that lost its connection is sent again, by the client's platform or by the user.
+  std::int64_t account = 0;
+  const bool repeated = status == Status::userIdInUse && store.IsRepeated(wanted, caller.now - repeatSeconds) &&
+                        Verify(wanted.userId, wanted.password, account) == Status::done;
+  return Reply(repeated ? Status::done : status);
 }
 
-std::string OpenSession(RequestReader& request, AccountStore& store, std::int64_t now, std::int64_t lifetime) {
+std::string AccountService::OpenSession(RequestReader& request) {
   const std::string userId = Text(request);
   const std::string password = Text(request);
   if (!request.Complete()) return Reply(Status::notUnderstood);
 
   std::int64_t account = 0;
-  const Status status = store.Verify(userId, password, account);
+  const Status status = Verify(userId, password, account);
   if (status != Status::done) return Reply(status);
   ReplyWriter reply(Status::done);
-  reply.Text(store.OpenSession(account, now, lifetime));
+  reply.Text(store.OpenSession(account, caller.now, settings.sessionSeconds, settings.sessionsPerAccount));
   return reply.Bytes();
 }
 
-}  // namespace
-
-std::string AccountService::Answer(std::string_view request) {
-  RequestReader reader(request);
-  switch (reader.Word()) {
-    case signIn:
-      return SignIn(reader, store);
-    case nameComputer:
-      return NameComputer(reader, store);
-    case createAccount:
-      return CreateAccount(reader, store, time);
-    case openSession:
-      return OpenSession(reader, store, time, lifetime);
-    default:
-      return Reply(Status::notUnderstood);
+Status AccountService::Verify(const std::string& userId, const std::string& password, std::int64_t& account) {
+  GuessLimit limit(database, settings, CredentialKey(userId), NetworkKey(caller.networkAddress));
+  const auto seconds = limit.Wait(caller.now);
+  if (!seconds) return Status::serviceFailed;
+  if (*seconds > 0) caller.wait(*seconds);
+  caller.now += *seconds;
+  const Status status = store.Verify(userId, password, account);
+  if (status == Status::done) {
+    limit.Succeeded();
+  } else {
+    limit.Failed(caller.now);
   }
+  return status;
 }
 
 }  // namespace nvsupport::service

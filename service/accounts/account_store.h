@@ -1,5 +1,5 @@
-// The accounts, their computers and their sessions, in one SQLite file that any number of processes may use at a
-// time. Holds no password and no token in a form that could be used. Times are seconds since 1970.
+// The accounts, their computers and their sessions. Holds no password and no token in a form that could be used. Times
+// are seconds since 1970.
 #ifndef NVSUPPORT_SERVICE_ACCOUNTS_ACCOUNT_STORE_H
 #define NVSUPPORT_SERVICE_ACCOUNTS_ACCOUNT_STORE_H
 
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "service/database/sqlite.h"
+#include "service/database/database.h"
 #include "service/status.h"
 
 namespace nvsupport::service {
@@ -33,30 +33,35 @@ class AccountStore {
  public:
   static constexpr std::int64_t mostComputers = 100;  // of one account
 
-  // Throws std::runtime_error if the file cannot be used; so does every operation.
-  explicit AccountStore(const std::string& path);
+  // The database is used as long as the store lives. Throws std::runtime_error if it cannot be used; so does every
+  // operation.
+  explicit AccountStore(Database& database);
 
   // done, or the first of noUserId, passwordTooShort, invalidEmail, userIdInUse and emailInUse that applies.
   Status Create(const NewAccount& account, std::int64_t now);
+  // True if the account was made with this address at that time or later: it may be this very request, sent again.
+  bool IsRepeated(const NewAccount& account, std::int64_t since);
 
   // done with the account's number, wrongUserId or wrongPassword.
-  Status Verify(const std::string& userId, const std::string& password, std::int64_t& account) const;
+  Status Verify(const std::string& userId, const std::string& password, std::int64_t& account);
 
-  bool HasComputer(std::int64_t account, std::uint32_t device) const;
+  bool HasComputer(std::int64_t account, std::uint32_t device);
   // Names a computer, or names it anew; tooManyComputers for one that does not fit any more.
   Status NameComputer(std::int64_t account, const Computer& computer);
-  std::vector<Computer> Computers(std::int64_t account) const;
+  std::vector<Computer> Computers(std::int64_t account);
 
-  // Opens a session for `lifetime` seconds and returns its token. Sessions that have ended are forgotten.
-  std::string OpenSession(std::int64_t account, std::int64_t now, std::int64_t lifetime);
+  // Opens a session for `lifetime` seconds and returns its token. Sessions that have ended are forgotten, and so is the
+  // oldest of the account if it has `most` of them.
+  std::string OpenSession(std::int64_t account, std::int64_t now, std::int64_t lifetime, std::int64_t most);
   // The account of a session that has not ended.
-  std::optional<std::int64_t> FindSession(const std::string& token, std::int64_t now) const;
+  std::optional<std::int64_t> FindSession(const std::string& token, std::int64_t now);
+  void EndSessions(std::int64_t account);
 
   // The user ID as it was typed when the account was made.
-  std::string UserId(std::int64_t account) const;
+  std::string UserId(std::int64_t account);
 
  private:
-  Database database;
+  Database& database;
 };
 
 }  // namespace nvsupport::service

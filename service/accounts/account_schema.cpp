@@ -1,0 +1,66 @@
+#include "service/accounts/account_schema.h"
+
+#include <array>
+#include <stdexcept>
+
+namespace nvsupport::service {
+namespace {
+
+// What each version adds to the one before it. The first had no table that tells the version.
+constexpr std::array versions = {
+    R"(
+  CREATE TABLE IF NOT EXISTS account (
+    id BIGINT PRIMARY KEY,
+    user_key TEXT NOT NULL UNIQUE,
+    user_id TEXT NOT NULL,
+    password_hash TEXT NOT NULL,
+    name TEXT NOT NULL,
+    company TEXT NOT NULL,
+    email_key TEXT NOT NULL UNIQUE,
+    keep_informed BIGINT NOT NULL,
+    language TEXT NOT NULL,
+    created BIGINT NOT NULL);
+  CREATE TABLE IF NOT EXISTS computer (
+    account BIGINT NOT NULL REFERENCES account(id),
+    device BIGINT NOT NULL,
+    name TEXT NOT NULL,
+    platform BIGINT NOT NULL,
+    PRIMARY KEY (account, device));
+  CREATE TABLE IF NOT EXISTS session (
+    token_hash TEXT PRIMARY KEY,
+    account BIGINT NOT NULL REFERENCES account(id),
+    ends BIGINT NOT NULL);
+  CREATE TABLE schema_version (version BIGINT NOT NULL);
+  INSERT INTO schema_version VALUES (1);
+)",
+    R"(
+  CREATE INDEX session_account ON session (account);
+  CREATE INDEX session_ends ON session (ends);
+  CREATE TABLE attempt (
+    user_key TEXT NOT NULL,
+    address TEXT NOT NULL,
+    answered BIGINT NOT NULL);
+  CREATE INDEX attempt_user_key ON attempt (user_key);
+  CREATE INDEX attempt_address ON attempt (address);
+  CREATE INDEX attempt_answered ON attempt (answered);
+  UPDATE schema_version SET version = 2;
+)"};
+
+std::size_t Version(Database& database) {
+  if (!database.HasTable("schema_version")) return 0;
+  return static_cast<std::size_t>(ToNumber(database.Run("SELECT version FROM schema_version").at(0).at(0)));
+}
+
+}  // namespace
+
+void BringUpToDate(Database& database) {
+  if (Version(database) == versions.size()) return;
+  Transaction transaction(database, "schema");
+  // Read anew: another process may have been quicker.
+  const std::size_t version = Version(database);
+  if (version > versions.size()) throw std::runtime_error("a newer program has made the database");
+  for (std::size_t next = version; next < versions.size(); ++next) database.RunScript(versions[next]);
+  transaction.Commit();
+}
+
+}  // namespace nvsupport::service

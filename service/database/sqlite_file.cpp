@@ -1,0 +1,108 @@
+#include "service/database/sqlite_file.h"
+
+#include <sqlite3.h>
+
+#include <stdexcept>
+
+namespace nvsupport::service {
+namespace {
+
+// For those who do not stand in the queue of sqlite_database.h, such as a backup.
+constexpr int busyMilliseconds = 10'000;
+
+[[noreturn]] void Throw(sqlite3* file) {
+  throw std::runtime_error(std::string("SQLite: ") + sqlite3_errmsg(file));
+}
+
+// The path as SQLite's own kind of address, which can say more than a path.
+std::string UnchangingAddress(const std::string& path) {
+  std::string address = "file:";
+  for (const char c : path) {
+    if (c == '%' || c == '?' || c == '#') {
+      constexpr std::string_view digits = "0123456789ABCDEF";
+      address += {'%', digits[static_cast<unsigned char>(c) >> 4], digits[c & 0xF]};
+    } else {
+      address += c;
+    }
+  }
+  return address + "?immutable=1";
+}
+
+}  // namespace
+
+void SqliteFile::Closer::operator()(sqlite3* file) const {
+  sqlite3_close(file);
+}
+
+void SqliteStatement::Closer::operator()(sqlite3_stmt* statement) const {
+  sqlite3_finalize(statement);
+}
+
+SqliteFile::SqliteFile(const std::string& path, Mode mode) {
+  sqlite3* opened = nullptr;
+  const int result =
+      mode == Mode::shared
+          ? sqlite3_open_v2(path.c_str(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr)
+          : sqlite3_open_v2(UnchangingAddress(path).c_str(), &opened, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
+  handle.reset(opened);
+  if (result != SQLITE_OK) Throw(opened);
+  sqlite3_busy_timeout(opened, busyMilliseconds);
+}
+
+void SqliteFile::Execute(const char* sql) {
+  if (sqlite3_exec(handle.get(), sql, nullptr, nullptr, nullptr) != SQLITE_OK) Throw(handle.get());
+}
+
+bool SqliteFile::InTransaction() const {
+  return sqlite3_get_autocommit(handle.get()) == 0;
+}
+
+SqliteStatement::SqliteStatement(const SqliteFile& file, const char* sql) {
+  sqlite3_stmt* prepared = nullptr;
+  if (sqlite3_prepare_v2(file.Handle(), sql, -1, &prepared, nullptr) != SQLITE_OK) Throw(file.Handle());
+  handle.reset(prepared);
+}
+
+void SqliteStatement::BindOne(int index, std::int64_t value) {
+  if (sqlite3_bind_int64(handle.get(), index, value) != SQLITE_OK) Throw(sqlite3_db_handle(handle.get()));
+}
+
+void SqliteStatement::BindOne(int index, double value) {
+  if (sqlite3_bind_double(handle.get(), index, value) != SQLITE_OK) Throw(sqlite3_db_handle(handle.get()));
+}
+
+void SqliteStatement::BindOne(int index, std::string_view value) {
+  const int size = static_cast<int>(value.size());
+  if (sqlite3_bind_text(handle.get(), index, value.data(), size, SQLITE_TRANSIENT) != SQLITE_OK) {
+    Throw(sqlite3_db_handle(handle.get()));
+  }
+}
+
+bool SqliteStatement::Step() {
+  const int result = sqlite3_step(handle.get());
+  if (result != SQLITE_ROW && result != SQLITE_DONE) Throw(sqlite3_db_handle(handle.get()));
+  return result == SQLITE_ROW;
+}
+
+int SqliteStatement::Columns() const {
+  return sqlite3_column_count(handle.get());
+}
+
+std::int64_t SqliteStatement::Number(int column) const {
+  return sqlite3_column_int64(handle.get(), column);
+}
+
+double SqliteStatement::Real(int column) const {
+  return sqlite3_column_double(handle.get(), column);
+}
+
+std::string SqliteStatement::Text(int column) const {
+  const auto* const text = reinterpret_cast<const char*>(sqlite3_column_text(handle.get(), column));
+  return text ? std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(handle.get(), column))) : "";
+}
+
+void SqliteStatement::Reset() {
+  sqlite3_reset(handle.get());
+}
+
+}  // namespace nvsupport::service

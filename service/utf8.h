@@ -1,0 +1,16 @@
+// The texts of requests come in whatever code page a client has; the service keeps them in one form.
+#ifndef NVSUPPORT_SERVICE_UTF8_H
+#define NVSUPPORT_SERVICE_UTF8_H
+
+#include <string>
+#include <string_view>
+
+namespace nvsupport::service {
+
+// The text in UTF-8: as it is if it is well-formed, else taken as Windows-1252. Zero characters, which a database does
+// not hold, become U+FFFD.
+std::string ToUtf8(std::string_view text);
+
+}  // namespace nvsupport::service
+
+#endif
