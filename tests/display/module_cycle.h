@@ -3,8 +3,7 @@
 #ifndef NVSUPPORT_TESTS_DISPLAY_MODULE_CYCLE_H
 #define NVSUPPORT_TESTS_DISPLAY_MODULE_CYCLE_H
 
-#include <dlfcn.h>
-#include <nvsupport/nvsupport.h>
+#include <nvsupport/nvsupport_module.h>
 
 #include <fstream>
 #include <iostream>
@@ -21,18 +20,16 @@ inline bool IsMapped(const std::string& library) {
 }
 
 inline void RunModuleCycle(const char* modulePath) {
-  void* module = dlopen(modulePath, RTLD_NOW | RTLD_LOCAL);
-  if (module == nullptr) {
-    std::cout << "failed " << dlerror() << std::endl;
+  NVSupportModule module;
+  if (const char* missing = NVSupportOpen(&module, modulePath)) {
+    std::cout << "failed " << missing << std::endl;
     return;
   }
-  const auto openSession = reinterpret_cast<decltype(&x3e491215)>(dlsym(module, "x3e491215"));
-  const auto getToken = reinterpret_cast<decltype(&xff99a5e4)>(dlsym(module, "xff99a5e4"));
-  openSession("Display Test");
+  module.openSession("Display Test");
   std::cout << "loaded " << IsMapped("libQt6Widgets") << IsMapped("nvsupport-qt") << std::endl;
   char token[20];
-  std::cout << "token " << getToken(nullptr, token) << std::endl;
-  dlclose(module);
+  std::cout << "token " << module.sessionToken(nullptr, token) << std::endl;
+  NVSupportClose(&module);
   std::cout << "unloaded " << IsMapped("nvsupport.so") << std::endl;
 }
 
