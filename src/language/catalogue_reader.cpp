@@ -2,29 +2,10 @@
 
 #include <algorithm>
 
+#include "base/read_stream.h"
+
 namespace nvsupport {
 namespace {
-
-constexpr std::size_t firstReadSize = std::size_t{64} << 10;
-
-// The characters of either form as 16-bit units, so that one grammar reads both. An odd last byte of the wide form is
-// no character.
-std::u16string DecodeCharacters(std::string_view bytes) {
-  const auto byteAt = [&bytes](std::size_t index) { return static_cast<unsigned char>(bytes[index]); };
-  if (!bytes.starts_with(wideCatalogueMark)) {
-    std::u16string characters(bytes.size(), u'\0');
-    for (std::size_t i = 0; i < bytes.size(); ++i) characters[i] = byteAt(i);
-    return characters;
-  }
-  bytes.remove_prefix(wideCatalogueMark.size());
-  std::u16string characters(bytes.size() / 2, u'\0');
-  for (std::size_t i = 0; i < characters.size(); ++i) {
-    characters[i] = static_cast<char16_t>(byteAt(2 * i) | byteAt(2 * i + 1) << 8);
-  }
-  return characters;
-}
-
-constexpr auto endsSource = [](char16_t character) { return character == u'\t' || character == u'\n'; };
 
 // Characters that UnescapeCatalogueText does not just copy.
 constexpr auto isMark = [](char character) { return character == '\r' || character == '"' || character == '\\'; };
@@ -70,20 +51,16 @@ std::size_t TakeMark(std::string_view text, std::string& plain) {
 }  // namespace
 
 std::optional<std::string> ReadCatalogueBytes(std::FILE* file) {
-  std::string bytes;
-  std::size_t length = 0;
-  for (std::size_t room = firstReadSize;; room *= 2) {
-    bytes.resize(std::min(room, maxCatalogueBytes + 1));
-    length += std::fread(bytes.data() + length, 1, bytes.size() - length, file);
-    if (length > maxCatalogueBytes) return std::nullopt;
-    if (length < bytes.size()) break;
-  }
-  if (std::ferror(file) != 0) return std::nullopt;
-  bytes.resize(length);
-  return bytes;
+  std::optional<std::string> bytes = base::ReadStream(file, maxCatalogueBytes);
+  return std::ferror(file) == 0 ? bytes : std::nullopt;
 }
 
-CatalogueReader::CatalogueReader(std::string_view bytes) : characters(DecodeCharacters(bytes)) {}
+CatalogueReader::CatalogueReader(std::string_view bytes)
+    : wide(bytes.starts_with(wideCatalogueMark)), characters(bytes) {
+  if (!wide) return;
+  characters.remove_prefix(wideCatalogueMark.size());
+  characters.remove_suffix(characters.size() % 2);  // an odd last byte is no character
+}
 
 bool CatalogueReader::Next(CatalogueRecord& record) {
   record.source.clear();
@@ -91,10 +68,10 @@ bool CatalogueReader::Next(CatalogueRecord& record) {
   record.line = line;
   if (position == characters.size()) return false;
 
-  const auto from = characters.begin() + static_cast<std::ptrdiff_t>(position);
-  const auto sourceEnd =
-      static_cast<std::size_t>(std::find_if(from, characters.end(), endsSource) - characters.begin());
-  const bool hasTab = sourceEnd < characters.size() && characters[sourceEnd] == u'\t';
+  // A line may hold many records, each a tab with nothing in front of it; its end is sought once.
+  if (position == 0 || position > lineEnd) lineEnd = Find('\n', characters.size());
+  const std::size_t sourceEnd = Find('\t', lineEnd);
+  const bool hasTab = sourceEnd < lineEnd;
   record.cut = TakeColumn(sourceEnd, record.source);
   if (!hasTab) {
     record.kind = RecordKind::noTab;
@@ -104,24 +81,35 @@ bool CatalogueReader::Next(CatalogueRecord& record) {
     record.kind = RecordKind::noSource;
     return true;
   }
-  record.cut |= TakeColumn(std::min(characters.find(u'\n', position), characters.size()), record.translation);
+  record.cut |= TakeColumn(lineEnd, record.translation);
   record.kind = record.translation.empty() ? RecordKind::noTranslation : RecordKind::entry;
   return true;
 }
 
+std::size_t CatalogueReader::Find(char character, std::size_t end) const {
+  if (!wide) return std::min(characters.substr(0, end).find(character, position), end);
+  std::size_t at = position;
+  while (at < end && (characters[at] != character || characters[at + 1] != 0)) at += 2;
+  return at;
+}
+
 bool CatalogueReader::TakeColumn(std::size_t end, std::string& column) {
-  column.resize(end - position);
-  char16_t highBits = 0;
-  for (char& character : column) {
-    const char16_t unit = characters[position++];
-    character = static_cast<char>(unit & 0xFF);
-    highBits |= unit >> 8;
+  const std::string_view taken = characters.substr(position, end - position);
+  bool cut = false;
+  if (wide) {
+    column.resize(taken.size() / 2);
+    for (std::size_t at = 0; at < column.size(); ++at) {
+      column[at] = taken[2 * at];
+      cut |= taken[2 * at + 1] != 0;
+    }
+  } else {
+    column = taken;
   }
-  if (end < characters.size()) {
-    if (characters[end] == u'\n') ++line;
-    ++position;
-  }
-  return highBits != 0;
+  position = end;
+  if (end == characters.size()) return cut;
+  if (end == lineEnd) ++line;
+  position += wide ? 2 : 1;
+  return cut;
 }
 
 std::string UnescapeCatalogueText(std::string_view text) {

@@ -17,7 +17,7 @@ inline constexpr std::size_t maxCatalogueBytes = std::size_t{32} << 20;
 // First bytes of the wide form, a little-endian byte-order mark.
 inline constexpr std::string_view wideCatalogueMark = "\xFF\xFE";
 
-// All bytes of an open file; nothing after a read error or when there are more than maxCatalogueBytes.
+// All bytes of a file that was just opened; nothing after a read error or when there are more than maxCatalogueBytes.
 std::optional<std::string> ReadCatalogueBytes(std::FILE* file);
 
 enum class RecordKind {
@@ -36,6 +36,7 @@ struct CatalogueRecord {
   bool cut = false;  // a character of a wide file was above U+00FF and has lost its high byte
 };
 
+// Reads the bytes where they are: they outlive the reader.
 class CatalogueReader {
  public:
   explicit CatalogueReader(std::string_view bytes);
@@ -43,11 +44,15 @@ class CatalogueReader {
   bool Next(CatalogueRecord& record);
 
  private:
+  // Where a character stands first from `position` on; `end` if it does not stand in front of that.
+  std::size_t Find(char character, std::size_t end) const;
   // The text up to `end`, each character cut to its low 8 bits; goes on behind it. True if that changed a character.
   bool TakeColumn(std::size_t end, std::string& column);
 
-  std::u16string characters;
-  std::size_t position = 0;
+  bool wide;
+  std::string_view characters;  // without the mark; whole units of 2 bytes in the wide form
+  std::size_t position = 0;     // in bytes, as all places in `characters`
+  std::size_t lineEnd = 0;      // the line feed behind `position`, or the end
   std::size_t line = 1;
 };
 

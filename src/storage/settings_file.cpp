@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 
 #include "base/ascii.h"
+#include "base/read_stream.h"
 #include "platform/platform.h"
 #include "storage/format_text.h"
 
@@ -27,37 +29,15 @@ bool IsBlankOrComment(std::string_view line) {
   return start == std::string_view::npos || line[start] == '#';
 }
 
-// What stands behind this many bytes is not read: whatever lies in the file's place, a load costs bounded time and
-// memory.
-constexpr std::size_t maxSettingsBytes = std::size_t{64} << 20;
+// A larger file counts as one that cannot be read: whatever lies in its place, a load costs bounded time and memory.
+constexpr std::size_t maxSettingsBytes = std::size_t{1} << 20;
 
-// The bytes of a file in the order of reading.
-class SettingsBytes {
- public:
-  explicit SettingsBytes(std::FILE* opened) : file(opened) {}
-
-  bool Ended() const { return ended; }
-  // EOF at the end of the file and after a read error.
-  int Take() {
-    const int byte = left > 0 ? std::getc(file) : EOF;
-    --left;
-    ended = byte == EOF;
-    return byte;
-  }
-
- private:
-  std::FILE* file;
-  std::size_t left = maxSettingsBytes;
-  bool ended = false;
-};
-
-// The next line that is neither blank nor a comment; false at the end of the file.
-bool ReadSettingsLine(SettingsBytes& bytes, std::string& line) {
-  while (!bytes.Ended()) {
-    line.clear();
-    for (int byte = bytes.Take(); byte != EOF && byte != '\n'; byte = bytes.Take()) {
-      if (byte != '\r' && byte != '\0') line += static_cast<char>(byte);
-    }
+// Takes the next line that is neither blank nor a comment off the text; false when there is none.
+bool ReadSettingsLine(std::string_view& text, std::string_view& line) {
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    line = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
     if (!IsBlankOrComment(line)) return true;
   }
   return false;
@@ -104,10 +84,13 @@ std::string DecodeSettingsValue(std::string_view encoded) {
 
 bool CSettingsFile::Load(const std::string& path) {
   const platform::FileStream file = platform::OpenFileStream(path.c_str(), "r");
-  if (!file) return false;
-  SettingsBytes bytes(file.get());
-  std::string line;
-  while (ReadSettingsLine(bytes, line)) ParseSettingsLine(line);
+  std::optional<std::string> bytes;
+  if (file) bytes = base::ReadStream(file.get(), maxSettingsBytes);
+  if (!bytes) return false;
+  std::erase_if(*bytes, [](char c) { return c == '\r' || c == '\0'; });
+  std::string_view text = *bytes;
+  std::string_view line;
+  while (ReadSettingsLine(text, line)) ParseSettingsLine(line);
   return true;
 }
 
@@ -118,7 +101,10 @@ void CSettingsFile::ParseSettingsLine(std::string_view line) {
     const std::size_t equals = std::min(pair.find('='), pair.size());
     const std::string_view key = TrimBlanks(pair.substr(0, equals));
     const std::string_view value = TrimBlanks(pair.substr(std::min(equals + 1, pair.size())));
-    if (!key.empty() && !value.empty()) SetText(std::string(key), DecodeSettingsValue(value));
+    // Where the keys stand in order, as a save leaves them, the hint is right.
+    if (!key.empty() && !value.empty()) {
+      entries.insert_or_assign(entries.end(), std::string(key), DecodeSettingsValue(value));
+    }
     if (end == std::string_view::npos) return;
     line.remove_prefix(end + 1);
   }
@@ -127,11 +113,11 @@ void CSettingsFile::ParseSettingsLine(std::string_view line) {
 bool CSettingsFile::Save(const std::string& path) const {
   platform::FileStream file = platform::OpenFileStream(path.c_str(), "w");
   if (!file) return false;
+  std::string text;
   for (const auto& [key, value] : entries) {
-    if (key.empty() || value.empty()) continue;
-    const std::string line = key + '=' + EncodeSettingsValue(value) + '\n';
-    std::fwrite(line.data(), 1, line.size(), file.get());
+    if (!key.empty() && !value.empty()) text += key + '=' + EncodeSettingsValue(value) + '\n';
   }
+  std::fwrite(text.data(), 1, text.size(), file.get());
   // What still stands in the stream's buffer may fail as well.
   std::fflush(file.get());
   const bool written = !std::ferror(file.get());
