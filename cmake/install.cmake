@@ -14,9 +14,11 @@ install(FILES include/nvsupport/nvsupport.h include/nvsupport/nvsupport_module.h
 if(TARGET nvsupport-qt)
   install(TARGETS nvsupport-qt LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endif()
-if(TARGET nvhost)
-  install(TARGETS nvhost nvhost-gui RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-endif()
+foreach(program nvhost nvhost-gui nvcatalogue)
+  if(TARGET ${program})
+    install(TARGETS ${program} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  endif()
+endforeach()
 
 # find_package(nvsupport) gives the target nvsupport::nvsupport.
 set(packageFolder ${CMAKE_INSTALL_LIBDIR}/cmake/nvsupport)

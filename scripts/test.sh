@@ -40,6 +40,7 @@ test_all() {
 readonly steps=(
   "format check_format"      # every source as clang-format leaves it
   "windows build_windows"    # cross build of the DLL, with its exports
+  "bare scripts/check-bare.sh" # the module alone, and what its build asks for
   "release build_release"    # optimised build of all programs, with the module's exports
   "threads test_threads"     # what has threads, under ThreadSanitizer
   "tests test_all"           # every test, under AddressSanitizer and UndefinedBehaviorSanitizer

@@ -39,6 +39,7 @@ int Run(int argc, char** argv) {
   CLI::App app("Searches the map shop, moves files and signs in, through the nvsupport library.", "nvhost");
   std::string library = nvhost::FindLibrary();
   app.add_option("--library", library, "The support library to load")->type_name("PATH")->capture_default_str();
+  app.set_version_flag("--version", "nvhost " NVSUPPORT_VERSION);
   bool trace = false;
   app.add_flag("--trace", trace, "Let the library tell on standard error what it does, as NV_TRACE=all");
   app.require_subcommand(1);

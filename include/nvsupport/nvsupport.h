@@ -24,6 +24,15 @@
 #define NVSUPPORT_API
 #endif
 
+/* The version of this header. A module tells its own by `strings nvsupport.so | grep '^nvsupport [0-9]'`. */
+#define NVSUPPORT_VERSION_MAJOR 1
+#define NVSUPPORT_VERSION_MINOR 0
+#define NVSUPPORT_VERSION_PATCH 0
+#define NVSUPPORT_VERSION \
+  NVSUPPORT_VERSION_TEXT(NVSUPPORT_VERSION_MAJOR, NVSUPPORT_VERSION_MINOR, NVSUPPORT_VERSION_PATCH) /* "1.0.0" */
+#define NVSUPPORT_VERSION_TEXT(major, minor, patch) NVSUPPORT_VERSION_JOIN(major, minor, patch)
+#define NVSUPPORT_VERSION_JOIN(major, minor, patch) #major "." #minor "." #patch
+
 #ifdef __cplusplus
 extern "C" {
 #endif

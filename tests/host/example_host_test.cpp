@@ -41,6 +41,17 @@ TEST(ExampleHost, ShowsWhatTheServiceOffers) {
   EXPECT_EQ(RunHost("read " + serviceHost + " " + path + " 7 1000").output, served.substr(7, 1000));
 }
 
+TEST(MinimalHost, IsTheOneOfTheReadmeAndSaysWhenThereIsNothing) {
+  const std::string source = ReadWholeFile(NV_SOURCE_FOLDER "/examples/minimal/minimal.c");
+  EXPECT_NE(ReadWholeFile(NV_SOURCE_FOLDER "/README.md").find("```c\n" + source + "```\n"), std::string::npos);
+  const LocalService service;
+  EXPECT_EQ(RunProgram({NV_MINIMAL_HOST}).output,
+            "Chamonix and Mont Blanc: files/maps/chamonix.nvmap\nPackage: The Alps: files/packages/alps.nvpkg\n");
+  const ScopedVariable nowhere("NV_CONNECT_TO", serviceHost + ":80:127.0.0.1:1");
+  EXPECT_EQ(RunProgram({NV_MINIMAL_HOST}).output,
+            "There are no products for this area, or the map shop is out of reach.\n");
+}
+
 TEST(ExampleHost, TellsFailuresApartByItsExitCode) {
   const LocalService service;
   const struct {

@@ -1,4 +1,6 @@
 // nvcatalogue: helps translators to check and to complete a catalogue file.
+#include <nvsupport/nvsupport.h>
+
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <iostream>
@@ -34,6 +36,7 @@ int PrintMissingTexts(std::string_view bytes) {
 int Run(int argc, char** argv) {
   CLI::App app{"Checks translation catalogues of nvsupport.", "nvcatalogue"};
   app.footer("Exit code: 0 nothing found, 1 something found, 2 wrong usage or an unreadable file.");
+  app.set_version_flag("--version", "nvcatalogue " NVSUPPORT_VERSION);
   app.require_subcommand(1);
   std::string path;
   CLI::App* const check = app.add_subcommand("check", "Report the lines that will not come out as they were meant");

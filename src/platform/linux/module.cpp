@@ -2,6 +2,7 @@
 #include "module.h"
 
 #include <dlfcn.h>
+#include <nvsupport/nvsupport.h>
 #include <unistd.h>
 
 #include <climits>
@@ -13,6 +14,9 @@
 #include "windowing/display_selection.h"
 
 namespace {
+
+// For who looks into the file.
+[[gnu::used]] constexpr char version[] = "nvsupport " NVSUPPORT_VERSION;
 
 thread_local DWORD lastError = 0;
 
