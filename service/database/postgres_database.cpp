@@ -48,7 +48,7 @@ void PostgresDatabase::RunScript(const char* sql) {
 }
 
 bool PostgresDatabase::HasTable(const std::string& name) {
-  return Run("SELECT to_regclass($1) IS NOT NULL", name).front().front() == "t";
+  return !Run("SELECT 1 FROM pg_tables WHERE schemaname = current_schema() AND tablename = $1", name).empty();
 }
 
 std::vector<Database::Row> PostgresDatabase::Execute(const char* sql, const Values& values) {

@@ -1,0 +1,49 @@
+#!/usr/bin/env bash
+# Puts load on the local service: searches, new accounts, sign-ins, tokens and account pages, many at a time, with the
+# accounts in SQLite and in PostgreSQL, at peace and with one in ten of the processes killed in the middle of its work.
+# Shows how many were answered, and fails if one was not or if something that was acknowledged is missing.
+#
+# service_load.sh [REQUESTS [AT-A-TIME]]   1000 of each kind and 200 at a time unless told
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+readonly requests=${1:-1000} at_a_time=${2:-200}
+[[ $requests$at_a_time =~ ^[0-9]+$ && $# -le 2 ]] || { sed -n '2,6s/^# \{0,1\}//p' "$0" >&2; exit 2; }
+readonly build=build/release
+
+cmake --preset release >/dev/null
+cmake --build --preset release --target svcapp svcuser mapstore2 nvservice-load
+
+work=$(mktemp -d)
+finish() {
+  service/service.sh stop "$work/service"
+  rm -rf "$work"
+}
+trap finish EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM
+
+# Against an empty database: the file or the server that NV_SERVICE_DATABASE names.
+load() {
+  local environment status=0
+  environment=$(NV_BUILD_DIR=$build service/service.sh start "$work/service")
+  (
+    eval "$environment"
+    "$build/nvservice-load" "$(<"$work/service/pid")" "$requests" "$at_a_time" "$1"
+  ) || status=$?
+  service/service.sh stop "$work/service"
+  rm -rf "$work/service"
+  return $status
+}
+export -f load
+export build work requests at_a_time
+
+result=0
+for kill_each in 0 10; do
+  ((kill_each)) && how="one process in $kill_each is killed" || how="at peace"
+  echo "SQLite, $how"
+  NV_SERVICE_DATABASE=$work/service/accounts.sqlite load $kill_each || result=1
+  echo "PostgreSQL, $how"
+  scripts/private_postgres.sh bash -euc "load $kill_each" || result=1
+done
+exit $result
