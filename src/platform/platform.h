@@ -38,6 +38,20 @@ class ModuleEntry {
   ModuleEntry& operator=(const ModuleEntry&) = delete;
 };
 
+// A dial-up connection that a transfer brings up where none is there, hung up again with the object.
+class DialUp {
+ public:
+  DialUp() = default;
+  ~DialUp();
+  DialUp(const DialUp&) = delete;
+  DialUp& operator=(const DialUp&) = delete;
+
+  void ConnectIfNeeded();
+
+ private:
+  bool dialled = false;  // asked for; whether that led to a connection is not told
+};
+
 // A number that stands for this computer: the same on every run and for every product, never the raw machine id.
 std::uint32_t GetComputerDeviceId();
 

@@ -15,13 +15,12 @@ constexpr std::size_t lengthTextSize = 30;  // bytes
 
 }  // namespace
 
-WebFileConnection::WebFileConnection(const char* hostName, bool dialUp, bool overTls)
-    : secure(overTls), host(hostName != nullptr ? hostName : ""), autodial(dialUp) {}
+WebFileConnection::WebFileConnection(const char* hostName, bool mayDial, bool overTls)
+    : secure(overTls), host(hostName != nullptr ? hostName : ""), autodial(mayDial) {}
 
 WebFileConnection::~WebFileConnection() {
   request.reset();
   connection.reset();
-  if (dialled) InternetAutodialHangup(0);
 }
 
 void WebFileConnection::SetCallback(WebProgressCallback function, void* data) {
@@ -37,11 +36,7 @@ bool WebFileConnection::ConnectIfNeeded() {
   if (state != State::unknown) return state == State::connected;
   state = State::failed;
   if (host.empty()) return false;
-  DWORD connected = 0;
-  if (autodial && !InternetGetConnectedState(&connected, 0)) {
-    InternetAutodial(INTERNET_AUTODIAL_FORCE_UNATTENDED, nullptr);
-    dialled = true;
-  }
+  if (autodial) dialUp.ConnectIfNeeded();
   const INTERNET_PORT port = secure ? INTERNET_DEFAULT_HTTPS_PORT : INTERNET_DEFAULT_HTTP_PORT;
   connection.reset(
       InternetConnectA(webSession.get(), host.c_str(), port, nullptr, nullptr, INTERNET_SERVICE_HTTP, 0, 0));

@@ -60,7 +60,7 @@ class WebFileConnection {
   bool secure;
   platform::InternetHandle request;
   platform::InternetHandle connection;
-  bool dialled = false;  // this object asked for a dial-up connection and hangs it up again
+  platform::DialUp dialUp;
   std::string host;
   bool autodial;
 };

@@ -16,25 +16,20 @@ constexpr std::size_t smallestReadBuffer = 256;  // bytes
 }  // namespace
 
 CWebBinaryCGI::CWebBinaryCGI(const char* path, bool secure) {
-  DWORD state = 0;
-  if (!InternetGetConnectedState(&state, 0)) {
-    InternetAutodial(INTERNET_AUTODIAL_FORCE_UNATTENDED, nullptr);
-    dialled = true;
-  }
+  dialUp.ConnectIfNeeded();
   const INTERNET_PORT port = secure ? INTERNET_DEFAULT_HTTPS_PORT : INTERNET_DEFAULT_HTTP_PORT;
   const DWORD flags = secure ? requestFlags | INTERNET_FLAG_SECURE : requestFlags;
   // A handle that could not be opened makes the calls on it fail in turn, down to Send.
-  internet = InternetOpenA(agent, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0);
-  connection = InternetConnectA(internet, serviceHost, port, nullptr, nullptr, INTERNET_SERVICE_HTTP, 0, 0);
-  request = HttpOpenRequestA(connection, "POST", path, nullptr, nullptr, nullptr, flags, 0);
+  internet.reset(InternetOpenA(agent, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
+  connection.reset(InternetConnectA(internet.get(), serviceHost, port, nullptr, nullptr, INTERNET_SERVICE_HTTP, 0, 0));
+  request.reset(HttpOpenRequestA(connection.get(), "POST", path, nullptr, nullptr, nullptr, flags, 0));
   mode = writing;
 }
 
 CWebBinaryCGI::~CWebBinaryCGI() {
-  InternetCloseHandle(request);
-  InternetCloseHandle(connection);
-  InternetCloseHandle(internet);
-  if (dialled) InternetAutodialHangup(0);
+  request.reset();
+  connection.reset();
+  internet.reset();
 }
 
 void CWebBinaryCGI::Write(const void* data, std::int32_t size) {
@@ -47,7 +42,7 @@ void CWebBinaryCGI::Write(const void* data, std::int32_t size) {
 
 bool CWebBinaryCGI::Send() {
   const BusyCursor busy;
-  const BOOL sent = HttpSendRequestA(request, nullptr, 0, buffer.data(), static_cast<DWORD>(buffer.size()));
+  const BOOL sent = HttpSendRequestA(request.get(), nullptr, 0, buffer.data(), static_cast<DWORD>(buffer.size()));
   mode = reading;
   good = 1;
   readPos = 0;
@@ -67,7 +62,7 @@ bool CWebBinaryCGI::Read(void* data, std::int32_t size) {
       readEnd = 0;
       // A call that fails leaves the count at 0 and so reads as the end of the reply.
       DWORD filled = 0;
-      InternetReadFile(request, buffer.data(), static_cast<DWORD>(buffer.size()), &filled);
+      InternetReadFile(request.get(), buffer.data(), static_cast<DWORD>(buffer.size()), &filled);
       readEnd = filled;
       if (readEnd == 0) break;
     }

@@ -26,10 +26,10 @@ class CWebBinaryCGI final : public CTypeSerializer {
   bool Read(void* data, std::int32_t size) override;
 
  private:
-  HINTERNET internet = nullptr;
-  HINTERNET request = nullptr;
-  HINTERNET connection = nullptr;
-  bool dialled = false;              // this object asked for a dial-up connection and hangs it up again
+  platform::InternetHandle internet;
+  platform::InternetHandle request;
+  platform::InternetHandle connection;
+  platform::DialUp dialUp;
   std::vector<std::uint8_t> buffer;  // the request, then what was read ahead
 };
 

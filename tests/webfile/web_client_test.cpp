@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "exchange.h"
+#include "support/exchange.h"
 
 namespace nvsupport::testing {
 namespace {

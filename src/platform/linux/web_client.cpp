@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "web_exchange.h"
-#include "web_message.h"
+#include "web_request.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "web_message.h"
+#include "web_request.h"
 
 namespace platform {
 

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "web_curl.h"
-#include "web_message.h"
+#include "web_request.h"
 
 namespace platform {
 

@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "exchange.h"
+#include "support/exchange.h"
 #include "support/short_timeouts.h"
 #include "support/test_authority.h"
 

@@ -1,6 +1,6 @@
 // One exchange through the published names of the web client, from its handles to its body.
-#ifndef NVSUPPORT_TESTS_WEBFILE_EXCHANGE_H
-#define NVSUPPORT_TESTS_WEBFILE_EXCHANGE_H
+#ifndef NVSUPPORT_TESTS_SUPPORT_EXCHANGE_H
+#define NVSUPPORT_TESTS_SUPPORT_EXCHANGE_H
 
 #include <string>
 

@@ -1,6 +1,6 @@
 // The text of an HTTP request: its URL and its header lines, checked. Used by the web client; touches no network.
-#ifndef NVSUPPORT_PLATFORM_LINUX_WEB_MESSAGE_H
-#define NVSUPPORT_PLATFORM_LINUX_WEB_MESSAGE_H
+#ifndef NVSUPPORT_PLATFORM_LINUX_WEB_REQUEST_H
+#define NVSUPPORT_PLATFORM_LINUX_WEB_REQUEST_H
 
 #include <optional>
 #include <string>
