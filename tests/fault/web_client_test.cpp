@@ -31,31 +31,83 @@ double SecondsOf(const std::function<void()>& action) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-TEST(WebClientFaults, GivesASilentServerUpAfterTheTimeOut) {
-  const ShortTimeouts timeouts;
+std::string Repeat(const std::string& text, int times) {
+  std::string repeated;
+  for (int i = 0; i < times; ++i) repeated += text;
+  return repeated;
+}
+
+// Whatever a server does to keep the client busy, only what the caller can see renews the time-outs.
+TEST(WebClientFaults, GivesAServerUpThatDoesNotComeToThePoint) {
+  constexpr int many = 500;  // pieces, which take ten seconds in all
+  const auto slowly = [](const std::string& bytes, std::size_t piece) {
+    return Reply{.bytes = bytes, .end = Reply::End::hold, .piece = piece, .pause = 20ms};
+  };
+  const std::string chunked = ok + "Transfer-Encoding: chunked\r\n\r\n";
+  const std::string zipped = ok + "Transfer-Encoding: gzip\r\n\r\n" + std::string("\x1F\x8B\x08\0\0\0\0\0\0\3", 10);
+  const std::string emptyBlock("\0\0\0\xFF\xFF", 5);
   const struct {
+    const char* name;
     Reply reply;
-    DWORD flags;
+    Target target;
     bool sent;
     std::string body;
   } cases[] = {
-      {NoReply(), 0, false, "!"},
-      {NoReply(), INTERNET_FLAG_SECURE, false, "!"},  // in the handshake
-      {{.bytes = ok + "Content-", .end = Reply::End::hold}, 0, false, "!"},
-      {{.bytes = ok + "Content-Length: 9\r\n\r\n12345", .end = Reply::End::hold}, 0, true, "12345!"},
+      {"silence", NoReply(), {}, false, "!"},
+      {"silence in the handshake", NoReply(), {.flags = INTERNET_FLAG_SECURE}, false, "!"},
+      {"half a head", {.bytes = ok + "Content-", .end = Reply::End::hold}, {}, false, "!"},
+      {"a head in drops", slowly(ok + "X: " + std::string(many, 'x'), 1), {}, false, "!"},
+      {"interim replies", slowly(Repeat("HTTP/1.1 100 Continue\r\n\r\n", many), 25), {}, false, "!"},
+      {"half a body", {.bytes = ok + "Content-Length: 9\r\n\r\n12345", .end = Reply::End::hold}, {}, true, "12345!"},
+      {"a chunk's extension", slowly(chunked + "5;" + std::string(many * 60, 'x'), 60), {}, true, "!"},
+      {"empty blocks", slowly(zipped + Repeat(emptyBlock, many * 12), 60), {}, true, "!"},
+      // An exchange with a body, which no caller can stop, has an end of its own.
+      {"drops of a reply", slowly(ok + "\r\n" + std::string(many * 19, 'x'), 19), {.verb = "POST"}, true, ""},
       // Slow is not silent: this one takes twice the time-out in all.
-      {{.bytes = ok + "\r\n123456", .piece = 2, .pause = 50ms}, 0, true, "123456"},
+      {"slow",
+       {.bytes = ok + "\r\n" + std::string(120, 's'), .piece = 20, .pause = 100ms},
+       {},
+       true,
+       std::string(120, 's')},
   };
+  const ShortTimeouts timeouts;
   for (const auto& entry : cases) {
-    SCOPED_TRACE(entry.reply.bytes);
+    SCOPED_TRACE(entry.name);
     RoutedServer server(entry.reply);
     const double seconds = SecondsOf([&] {
-      Exchange exchange({.flags = entry.flags});
+      Exchange exchange(entry.target);
       EXPECT_EQ(exchange.Send(), entry.sent);
-      EXPECT_EQ(exchange.Body(), entry.body);
+      const std::string body = exchange.Body();
+      if (entry.body.empty()) {
+        EXPECT_TRUE(body.starts_with("xxx") && body.ends_with("!")) << body;
+      } else {
+        EXPECT_EQ(body, entry.body);
+      }
     });
     EXPECT_GT(seconds, 0.29);
     EXPECT_LT(seconds, 5.0);
+  }
+}
+
+TEST(WebClientFaults, CountsTheTimeOfAllRedirectsTogether) {
+  const ShortTimeouts timeouts;
+  RoutedServer server([](const std::string&) {
+    std::this_thread::sleep_for(100ms);
+    return HttpReply(301, "", "Location: /x\r\n");
+  });
+  EXPECT_FALSE(Exchange().Send());
+  EXPECT_LT(server.Requests().size(), 9u);
+}
+
+TEST(WebClientFaults, EndsAnEndlessReplyToARequestWithABody) {
+  const ShortTimeouts timeouts;
+  const std::string large(ShortTimeouts::replySize + 1, 'b');
+  RoutedServer server(HttpReply(200, large));
+  for (const char* verb : {"GET", "POST"}) {
+    const bool limited = verb == std::string("POST");
+    Exchange exchange({.verb = verb});
+    EXPECT_TRUE(exchange.Send());
+    EXPECT_TRUE(exchange.Body() == (limited ? large.substr(1) + "!" : large)) << verb;
   }
 }
 
@@ -84,22 +136,41 @@ TEST(WebClientFaults, EndsAnEndlessHead) {
   }
 }
 
-TEST(WebClientFaults, FollowsARedirectIntoTlsButNeverOutOfIt) {
+// What went over TLS, a password perhaps, was meant for that host alone.
+TEST(WebClientFaults, FollowsARedirectIntoTlsButThenNeverOffTheHostOrOutOfTls) {
   const TrustedAuthority authority;
   const TlsIdentity identity = authority.Issue(serverName);
-  const auto redirect = [](const std::string& place) { return HttpReply(301, "", "Location: " + place + "\r\n"); };
-  ScriptedServer plain({redirect("https://web.example/a")});
+  const TlsIdentity otherIdentity = authority.Issue("other.example");
+  const auto redirect = [](int status, const std::string& place) {
+    return HttpReply(status, "", "Location: " + place + "\r\n");
+  };
+  ScriptedServer plain({redirect(301, "https://web.example/a")});
+  ScriptedServer other({HttpReply(200, "theirs")}, &otherIdentity);
+  std::string place;
   const std::string safe(3'000'000, 's');  // more than TLS and the client hold back at a time
-  ScriptedServer secure({HttpReply(200, safe), redirect("http://web.example/b")}, &identity);
-  const ScopedVariable route("NV_CONNECT_TO",
-                             plain.ConnectTo(serverName, 80) + "," + secure.ConnectTo(serverName, 443));
-  {
-    Exchange into;
-    EXPECT_TRUE(into.Send());
+  ScriptedServer secure(
+      [&](const std::string& request) {
+        return request.find(" /a ") != std::string::npos ? redirect(307, place) : HttpReply(200, safe);
+      },
+      &identity);
+  const ScopedVariable route("NV_CONNECT_TO", plain.ConnectTo(serverName, 80) + "," + plain.ConnectTo("", 80) + "," +
+                                                  secure.ConnectTo(serverName, 443) + "," +
+                                                  other.ConnectTo("other.example", 443));
+  for (const char* kept : {"/b", "https://web.example/b", "https://WEB.example:443/b"}) {
+    SCOPED_TRACE(place = kept);
+    Exchange into({.verb = "POST"});
+    EXPECT_TRUE(into.Send({}, "secret"));
     EXPECT_EQ(into.Body(), safe);
   }
-  EXPECT_FALSE(Exchange({.flags = INTERNET_FLAG_SECURE}).Send());
-  EXPECT_EQ(plain.Connections(), 1);
+  for (const char* left : {"http://web.example/b", "https://other.example/b", "//other.example/b",
+                           "http://other.example/b", "https://web.example@other.example/b"}) {
+    SCOPED_TRACE(place = left);
+    EXPECT_FALSE(Exchange({.path = "a", .flags = INTERNET_FLAG_SECURE, .verb = "POST"}).Send({}, "secret"));
+    Exchange into;
+    EXPECT_FALSE(into.Send());
+    EXPECT_EQ(into.Body(), "!");
+  }
+  EXPECT_EQ(other.Connections(), 0);
 }
 
 // A server that goes in the middle of a request would raise a signal that ends a host which does not expect it.

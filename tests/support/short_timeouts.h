@@ -3,6 +3,7 @@
 #define NVSUPPORT_TESTS_SUPPORT_SHORT_TIMEOUTS_H
 
 #include <chrono>
+#include <cstddef>
 #include <utility>
 
 #include "web_curl.h"
@@ -11,14 +12,18 @@ namespace nvsupport::testing {
 
 class ShortTimeouts {
  public:
+  static constexpr std::size_t replySize = 1'000'000;
+
   ShortTimeouts() = default;
-  ~ShortTimeouts() { platform::webTimeouts = former; }
+  ~ShortTimeouts() { platform::webLimits = former; }
   ShortTimeouts(const ShortTimeouts&) = delete;
   ShortTimeouts& operator=(const ShortTimeouts&) = delete;
 
  private:
   static constexpr std::chrono::milliseconds brief{300};
-  platform::WebTimeouts former = std::exchange(platform::webTimeouts, {.connect = brief, .silence = brief});
+  platform::WebLimits former =
+      std::exchange(platform::webLimits,
+                    {.connect = brief, .head = brief, .silence = brief, .exchange = 2 * brief, .replySize = replySize});
 };
 
 }  // namespace nvsupport::testing

@@ -10,7 +10,7 @@
 
 namespace platform {
 
-WebTimeouts webTimeouts;
+WebLimits webLimits;
 
 namespace {
 
@@ -92,7 +92,7 @@ bool SetTransferOptions(CURL* easy, const std::string& url, const WebRequest& re
   Options options(easy);
   options.Set(CURLOPT_URL, url.c_str());
   options.Set(CURLOPT_PATH_AS_IS, 1L);
-  options.Set(CURLOPT_PROTOCOLS_STR, request.secure ? "https" : "http,https");
+  options.Set(CURLOPT_PROTOCOLS_STR, "http,https");
   options.Set(CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
   options.Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
   options.Set(CURLOPT_HTTPHEADER, headers);
@@ -104,7 +104,7 @@ bool SetTransferOptions(CURL* easy, const std::string& url, const WebRequest& re
     options.Set(CURLOPT_COPYPOSTFIELDS, body.empty() ? "" : body.data());
   }
   SetTrust(options);
-  options.Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(webTimeouts.connect.count()));
+  options.Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(webLimits.connect.count()));
   // libcurl looks names up on a thread, which cannot be interrupted. Waiting for it would outlast the time-out.
   options.Set(CURLOPT_QUICK_EXIT, 1L);
   options.Set(CURLOPT_BUFFERSIZE, webReceiveSize);

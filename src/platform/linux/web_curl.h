@@ -5,6 +5,7 @@
 #include <curl/curl.h>
 
 #include <chrono>
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -14,12 +15,16 @@
 
 namespace platform {
 
-// The time-outs of the platform. Tests shorten them.
-struct WebTimeouts {
+// The limits of the platform. Only what the caller can see counts as progress. Tests shorten them.
+struct WebLimits {
   std::chrono::milliseconds connect{60'000};
-  std::chrono::milliseconds silence{60'000};  // without a byte, sent or received
+  std::chrono::milliseconds head{60'000};     // from sending to the head of the final reply, redirects included
+  std::chrono::milliseconds silence{60'000};  // without a byte of the body, while the caller waits for one
+  // Of an exchange with a body, whose caller cannot stop it:
+  std::chrono::milliseconds exchange{120'000};            // from sending to the last byte read
+  std::size_t replySize = std::size_t{64} * 1024 * 1024;  // bytes
 };
-extern WebTimeouts webTimeouts;
+extern WebLimits webLimits;
 
 struct EasyDeleter {
   void operator()(CURL* easy) const { curl_easy_cleanup(easy); }

@@ -25,26 +25,28 @@ bool KeepsMethod(long status) {
 
 }  // namespace
 
-std::chrono::milliseconds WebExchange::Patience::Left() const {
-  const auto silent = std::chrono::steady_clock::now() - since;
-  return webTimeouts.silence - std::chrono::duration_cast<std::chrono::milliseconds>(silent);
-}
-
 bool WebExchange::Send(WebRequest request, std::string_view extraHeader, std::string_view body) {
   std::optional<std::string> url = BuildUrl(request);
   if (!url) return false;
   UseCurl();
   connectTo = MakeConnectToList();
   window.resize(windowSize);
+  const Clock::time_point start = Clock::now();
+  if (request.post) {
+    lastMoment = start + webLimits.exchange;
+    bodyRoom = webLimits.replySize;
+  }
   for (int hop = 0; hop <= redirectLimit; ++hop) {
-    if (!SendOnce(*url, request, extraHeader, body)) return false;
+    if (!SendOnce(*url, request, extraHeader, body, start + webLimits.head)) return false;
     const std::string target = request.followRedirects ? RedirectTarget(*url) : std::string();
     if (target.empty()) return true;
+    // What goes over TLS is meant for one host: a redirect never leads it out of TLS or to another one.
+    if (request.secure && !StaysOnTlsHost(*url, target)) break;
     url = target;
-    request.secure = request.secure || target.starts_with("https:");
+    request.secure = target.starts_with("https:");
     request.post = request.post && KeepsMethod(StatusCode());
   }
-  // Redirects without end: the last one is no reply, so nothing of it can be read.
+  // A redirect that is not followed is no reply, so nothing of it can be read.
   phase = Phase::failed;
   headDone = false;
   begin = end = 0;
@@ -56,7 +58,7 @@ void WebExchange::Detach() {
 }
 
 bool WebExchange::SendOnce(const std::string& url, const WebRequest& request, std::string_view extraHeader,
-                           std::string_view body) {
+                           std::string_view body, Clock::time_point until) {
   std::optional<std::vector<std::string>> lines = BuildHeaders(request, extraHeader, body.size());
   if (!lines) return false;
   // A name without a value takes a header of libcurl's own out.
@@ -80,12 +82,12 @@ bool WebExchange::SendOnce(const std::string& url, const WebRequest& request, st
   phase = Phase::running;
   paused = false;
   begin = end = 0;
-  Drive([this] { return headDone; });
+  Drive(until, [this] { return headDone; });
   return headDone;
 }
 
 std::optional<std::size_t> WebExchange::Read(char* data, std::size_t size) {
-  Drive([this] { return begin != end; });
+  Drive(std::min(Clock::now() + webLimits.silence, lastMoment), [this] { return begin != end; });
   if (begin == end) return phase == Phase::ended ? std::optional<std::size_t>(0) : std::nullopt;
   const std::size_t part = std::min(size, end - begin);
   std::memcpy(data, window.data() + begin, part);
@@ -119,11 +121,11 @@ std::string WebExchange::RedirectTarget(const std::string& url) const {
 }
 
 template <typename Done>
-void WebExchange::Drive(Done done) {
-  Patience patience;
+void WebExchange::Drive(Clock::time_point until, Done done) {
   while (phase == Phase::running && !done()) {
+    if (Clock::now() >= until) return End(CURLE_OPERATION_TIMEDOUT);
     Advance();
-    if (phase == Phase::running && !done()) Wait(patience);
+    if (phase == Phase::running && !done()) Wait(until);
   }
 }
 
@@ -142,13 +144,12 @@ void WebExchange::Advance() {
   }
 }
 
-void WebExchange::Wait(Patience& patience) {
-  const auto left = patience.Left().count();
-  int events = 0;
-  if (left <= 0 || curl_multi_poll(multi.get(), nullptr, 0, static_cast<int>(left), &events) != CURLM_OK) {
-    return End(CURLE_OPERATION_TIMEDOUT);
+void WebExchange::Wait(Clock::time_point until) {
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now()).count();
+  // Within the range of an int, because no limit is longer than that.
+  if (left > 0 && curl_multi_poll(multi.get(), nullptr, 0, static_cast<int>(left), nullptr) != CURLM_OK) {
+    End(CURLE_FAILED_INIT);
   }
-  if (events > 0) patience.Renew();
 }
 
 void WebExchange::End(CURLcode result) {
@@ -175,13 +176,15 @@ std::size_t WebExchange::OnHead(char* data, std::size_t unit, std::size_t size, 
 std::size_t WebExchange::OnBody(char* data, std::size_t unit, std::size_t size, void* exchange) {
   auto* self = static_cast<WebExchange*>(exchange);
   const std::size_t arrived = unit * size;
+  const std::size_t taken = std::min(arrived, self->bodyRoom);
   if (arrived > self->window.size() - self->end) {
     self->paused = true;
     return CURL_WRITEFUNC_PAUSE;
   }
-  std::memcpy(self->window.data() + self->end, data, arrived);
-  self->end += arrived;
-  return arrived;
+  std::memcpy(self->window.data() + self->end, data, taken);
+  self->end += taken;
+  self->bodyRoom -= taken;
+  return taken;  // fewer than came end the transfer
 }
 
 }  // namespace platform

@@ -38,32 +38,26 @@ class WebExchange {
 
  private:
   enum class Phase { running, ended, failed };
-  // How long the peer has been silent while the caller waits.
-  class Patience {
-   public:
-    std::chrono::milliseconds Left() const;
-    void Renew() { since = std::chrono::steady_clock::now(); }
-
-   private:
-    std::chrono::steady_clock::time_point since = std::chrono::steady_clock::now();
-  };
+  using Clock = std::chrono::steady_clock;
 
   static std::size_t OnHead(char* data, std::size_t unit, std::size_t size, void* exchange);
   static std::size_t OnBody(char* data, std::size_t unit, std::size_t size, void* exchange);
 
   // Takes the transfer, if there is one, out of the multi handle.
   void Detach();
-  bool SendOnce(const std::string& url, const WebRequest& request, std::string_view extraHeader, std::string_view body);
+  // Sends one request and waits for the head of its reply.
+  bool SendOnce(const std::string& url, const WebRequest& request, std::string_view extraHeader, std::string_view body,
+                Clock::time_point until);
   // Value of a header of the latest reply, null if it has none.
   const char* Header(const char* name) const;
   // Where the reply to `url` sends the client, empty if this reply is the final one.
   std::string RedirectTarget(const std::string& url) const;
-  // Works and waits in turn until `done` or the transfer ends.
+  // Works and waits in turn until `done` or the transfer ends, as it does when the time has come.
   template <typename Done>
-  void Drive(Done done);
+  void Drive(Clock::time_point until, Done done);
   // Lets libcurl do what it can without waiting.
   void Advance();
-  void Wait(Patience& patience);
+  void Wait(Clock::time_point until);
   void End(CURLcode result);
 
   // Each relies on those before it.
@@ -75,8 +69,10 @@ class WebExchange {
   Phase phase = Phase::failed;
   bool headDone = false;
   std::size_t headBytes = 0;
-  bool paused = false;       // libcurl holds back a piece of the body that had no room
-  std::vector<char> window;  // of the body; [begin, end) is received and not yet read
+  Clock::time_point lastMoment = Clock::time_point::max();  // of the whole exchange
+  std::size_t bodyRoom = SIZE_MAX;                          // bytes that the body may still have
+  bool paused = false;                                      // libcurl holds back a piece of the body that had no room
+  std::vector<char> window;                                 // of the body; [begin, end) is received and not yet read
   std::size_t begin = 0;
   std::size_t end = 0;
 };

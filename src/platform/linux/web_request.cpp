@@ -26,6 +26,14 @@ bool HasControlCharacters(std::string_view text) {
   return std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; });
 }
 
+// Empty if the URL has no such part.
+std::string PartOf(const Url& url, CURLUPart part, unsigned flags = 0) {
+  char* text = nullptr;
+  if (curl_url_get(url.get(), part, &text, flags) != CURLUE_OK) return {};
+  const std::unique_ptr<char, TextDeleter> owned(text);
+  return text;
+}
+
 // What would end the path within a URL or a request line is escaped.
 std::string EscapedPath(std::string_view path) {
   std::string escaped;
@@ -60,31 +68,35 @@ std::optional<std::string> BuildUrl(const WebRequest& request) {
   }
   const Url url(curl_url());
   // Setting the host as a part of its own checks that it is nothing but a host.
-  char* text = nullptr;
   if (!url || curl_url_set(url.get(), CURLUPART_SCHEME, request.secure ? "https" : "http", 0) != CURLUE_OK ||
       curl_url_set(url.get(), CURLUPART_HOST, request.host.c_str(), 0) != CURLUE_OK ||
-      curl_url_set(url.get(), CURLUPART_PORT, std::to_string(request.port).c_str(), 0) != CURLUE_OK ||
-      curl_url_get(url.get(), CURLUPART_URL, &text, CURLU_NO_DEFAULT_PORT) != CURLUE_OK) {
+      curl_url_set(url.get(), CURLUPART_PORT, std::to_string(request.port).c_str(), 0) != CURLUE_OK) {
     return std::nullopt;
   }
-  const std::unique_ptr<char, TextDeleter> owned(text);
-  std::string base = text;
+  std::string base = PartOf(url, CURLUPART_URL, CURLU_NO_DEFAULT_PORT);
+  if (base.empty()) return std::nullopt;
   if (base.ends_with('/')) base.pop_back();
   return base + EscapedPath(request.path);
 }
 
 std::string ResolveUrl(const std::string& base, const char* reference) {
   const Url url(curl_url());
-  char* text = nullptr;
   // A scheme that libcurl does not know must fail the transfer, not end the redirects.
   if (!url || curl_url_set(url.get(), CURLUPART_URL, base.c_str(), CURLU_PATH_AS_IS) != CURLUE_OK ||
       curl_url_set(url.get(), CURLUPART_URL, reference,
-                   CURLU_URLENCODE | CURLU_ALLOW_SPACE | CURLU_NON_SUPPORT_SCHEME) != CURLUE_OK ||
-      curl_url_get(url.get(), CURLUPART_URL, &text, 0) != CURLUE_OK) {
+                   CURLU_URLENCODE | CURLU_ALLOW_SPACE | CURLU_NON_SUPPORT_SCHEME) != CURLUE_OK) {
     return {};
   }
-  const std::unique_ptr<char, TextDeleter> owned(text);
-  return text;
+  return PartOf(url, CURLUPART_URL);
+}
+
+bool StaysOnTlsHost(const std::string& from, const std::string& to) {
+  const Url before(curl_url());
+  const Url behind(curl_url());
+  if (!before || curl_url_set(before.get(), CURLUPART_URL, from.c_str(), 0) != CURLUE_OK) return false;
+  if (!behind || curl_url_set(behind.get(), CURLUPART_URL, to.c_str(), 0) != CURLUE_OK) return false;
+  return PartOf(behind, CURLUPART_SCHEME) == "https" &&
+         base::ToLower(PartOf(before, CURLUPART_HOST)) == base::ToLower(PartOf(behind, CURLUPART_HOST));
 }
 
 std::optional<std::vector<std::string>> BuildHeaders(const WebRequest& request, std::string_view extra,

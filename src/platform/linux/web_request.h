@@ -28,6 +28,9 @@ std::optional<std::string> BuildUrl(const WebRequest& request);
 // The URL that `reference`, as a redirect gives it, means in a reply to `base`; empty if it means none.
 std::string ResolveUrl(const std::string& base, const char* reference);
 
+// Whether a redirect between the two leads neither out of TLS nor to another host.
+bool StaysOnTlsHost(const std::string& from, const std::string& to);
+
 // The header lines behind Host, in their order. extra: one further header, with or without a line end, or nothing.
 // No value if a line would not be well-formed.
 std::optional<std::vector<std::string>> BuildHeaders(const WebRequest& request, std::string_view extra,
