@@ -1,8 +1,9 @@
-// ASCII text, whatever the locale: trimming, letters of either case, hexadecimal digits. Knows neither the library nor
-// the system, so both sides of the platform seam use it.
+// ASCII text, whatever the locale: trimming, letters of either case, control characters, hexadecimal digits. Knows
+// neither the library nor the system, so both sides of the platform seam use it.
 #ifndef NVSUPPORT_BASE_ASCII_H
 #define NVSUPPORT_BASE_ASCII_H
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -30,6 +31,11 @@ inline std::string ToLower(std::string_view text) {
 
 constexpr bool IsLetterOrDigit(char c) {
   return (c >= '0' && c <= '9') || (ToLower(c) >= 'a' && ToLower(c) <= 'z');
+}
+
+// A line end or a zero in a text that becomes part of a line could smuggle another line in.
+constexpr bool HasControlCharacters(std::string_view text) {
+  return std::any_of(text.begin(), text.end(), [](char c) { return (c >= '\0' && c < ' ') || c == '\x7F'; });
 }
 
 // -1 for any other character.

@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cstring>
 
+#include "base/ascii.h"
+
 namespace nvsupport {
 namespace {
 
@@ -35,7 +37,7 @@ bool WebFileConnection::GoesOn() const try { return callback == nullptr || callb
 bool WebFileConnection::ConnectIfNeeded() {
   if (state != State::unknown) return state == State::connected;
   state = State::failed;
-  if (host.empty()) return false;
+  if (host.empty() || base::HasControlCharacters(host)) return false;
   if (autodial) dialUp.ConnectIfNeeded();
   const INTERNET_PORT port = secure ? INTERNET_DEFAULT_HTTPS_PORT : INTERNET_DEFAULT_HTTP_PORT;
   connection.reset(
@@ -45,11 +47,16 @@ bool WebFileConnection::ConnectIfNeeded() {
   return true;
 }
 
+bool WebFileConnection::SendRequest(const char* verb, const char* path, DWORD flags, std::string_view header) {
+  if ((path != nullptr && base::HasControlCharacters(path)) || !ConnectIfNeeded()) return false;
+  if (secure) flags |= INTERNET_FLAG_SECURE;
+  request.reset(HttpOpenRequestA(connection.get(), verb, path, nullptr, nullptr, nullptr, flags, 0));
+  const char* text = header.empty() ? nullptr : header.data();
+  return HttpSendRequestA(request.get(), text, static_cast<DWORD>(header.size()), nullptr, 0) != FALSE;
+}
+
 bool WebFileConnection::OpenGet(const char* path) {
-  if (!ConnectIfNeeded()) return false;
-  request.reset(
-      HttpOpenRequestA(connection.get(), "GET", path, nullptr, nullptr, nullptr, WithSecurity(downloadFlags), 0));
-  return HttpSendRequestA(request.get(), nullptr, 0, nullptr, 0) != FALSE;
+  return SendRequest("GET", path, downloadFlags, {});
 }
 
 std::int32_t WebFileConnection::StatusCode() const {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "nvsupport/nvsupport.h"
 #include "platform/platform.h"
@@ -47,7 +48,9 @@ class WebFileConnection {
  private:
   enum class State : std::int32_t { unknown, connected, failed };
 
-  DWORD WithSecurity(DWORD flags) const { return secure ? flags | INTERNET_FLAG_SECURE : flags; }
+  // Connects if needed, opens the request and sends it; true when the reply's head is there. verb: null for GET.
+  // header: one line or nothing.
+  bool SendRequest(const char* verb, const char* path, DWORD flags, std::string_view header);
   // False if the host stops the transfer.
   bool GoesOn() const;
   // From the reply into an open file; true when the body is whole and written.

@@ -23,11 +23,7 @@ std::string RangeHeader(std::int64_t offset, std::int32_t length) {
 
 std::int32_t WebFileConnection::ReadRange(const char* path, std::int64_t offset, std::int32_t length, void* buffer) {
   request.reset();
-  if (!ConnectIfNeeded()) return noBody;
-  request.reset(
-      HttpOpenRequestA(connection.get(), nullptr, path, nullptr, nullptr, nullptr, WithSecurity(rangeFlags), 0));
-  const std::string header = RangeHeader(offset, length);
-  if (!HttpSendRequestA(request.get(), header.c_str(), static_cast<DWORD>(header.size()), nullptr, 0)) return noBody;
+  if (!SendRequest(nullptr, path, rangeFlags, RangeHeader(offset, length))) return noBody;
   return ReadBody(buffer, length);
 }
 

@@ -69,7 +69,8 @@ TEST(WebRange, TellsWholeFromBrokenFromNothing) {
     EXPECT_EQ(calls, entry.calls);
     EXPECT_EQ(buffer, entry.buffer);
   }
-  EXPECT_EQ(xfa704a3f("", "a.map", 0, 1, nullptr, nullptr, nullptr), -1);
+  for (const char* host : {"", "web.exam\rple"})
+    EXPECT_EQ(xfa704a3f(host, "a.map", 0, 1, nullptr, nullptr, nullptr), -1);
   RoutedServer server(HttpReply(206, "0123456789"));
   std::string buffer(10, '.');
   const auto stop = [](void*) { return false; };

@@ -3,7 +3,6 @@
 
 #include <curl/curl.h>
 
-#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -20,11 +19,6 @@ struct TextDeleter {
 };
 
 using Url = std::unique_ptr<CURLU, UrlDeleter>;
-
-// A line end or a zero in the middle of a text could smuggle a second request into the first.
-bool HasControlCharacters(std::string_view text) {
-  return std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; });
-}
 
 // Empty if the URL has no such part.
 std::string PartOf(const Url& url, CURLUPart part, unsigned flags = 0) {
@@ -54,7 +48,7 @@ std::string EscapedPath(std::string_view path) {
 std::optional<std::string> HeaderLine(std::string_view text) {
   while (text.ends_with('\n') || text.ends_with('\r')) text.remove_suffix(1);
   const std::size_t colon = text.find(':');
-  if (colon == std::string_view::npos || colon == 0 || HasControlCharacters(text)) return std::nullopt;
+  if (colon == std::string_view::npos || colon == 0 || base::HasControlCharacters(text)) return std::nullopt;
   const std::string_view value = base::Trim(text.substr(colon + 1), " \t");
   if (value.empty()) return std::nullopt;
   return std::string(text.substr(0, colon)).append(": ").append(value);
@@ -63,7 +57,7 @@ std::optional<std::string> HeaderLine(std::string_view text) {
 }  // namespace
 
 std::optional<std::string> BuildUrl(const WebRequest& request) {
-  if (request.host.empty() || HasControlCharacters(request.host) || HasControlCharacters(request.path)) {
+  if (request.host.empty() || base::HasControlCharacters(request.host) || base::HasControlCharacters(request.path)) {
     return std::nullopt;
   }
   const Url url(curl_url());
