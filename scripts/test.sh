@@ -26,7 +26,7 @@ build_release() {
 
 test_threads() {
   cmake --preset tsan >/dev/null
-  cmake --build --preset tsan --target nv_thread_tests
+  cmake --build --preset tsan --target nv_thread_tests nv_web_thread_tests
   ctest --preset tsan -L threads
 }
 

@@ -19,12 +19,6 @@ using namespace std::chrono_literals;
 
 const std::string ok = "HTTP/1.1 200 OK\r\n";
 
-// An authority that the client trusts while the object lives.
-class TrustedAuthority : public TestAuthority {
-  const TemporaryFolder folder;
-  const ScopedVariable store{"SSL_CERT_FILE", (WriteWholeFile(folder / "ca.pem", Certificate()), folder / "ca.pem")};
-};
-
 double SecondsOf(const std::function<void()>& action) {
   const auto start = std::chrono::steady_clock::now();
   action();
@@ -73,19 +67,27 @@ TEST(WebClientFaults, GivesAServerUpThatDoesNotComeToThePoint) {
   const ShortTimeouts timeouts;
   for (const auto& entry : cases) {
     SCOPED_TRACE(entry.name);
-    RoutedServer server(entry.reply);
-    const double seconds = SecondsOf([&] {
-      Exchange exchange(entry.target);
-      EXPECT_EQ(exchange.Send(), entry.sent);
-      const std::string body = exchange.Body();
-      if (entry.body.empty()) {
-        EXPECT_TRUE(body.starts_with("xxx") && body.ends_with("!")) << body;
-      } else {
-        EXPECT_EQ(body, entry.body);
-      }
-    });
-    EXPECT_GT(seconds, 0.29);
-    EXPECT_LT(seconds, 5.0);
+    const bool secure = entry.target.flags != 0;
+    // The second reply comes on the connection of the first.
+    RoutedServer server(std::vector{entry.reply, HttpReply(200, "well"), entry.reply});
+    for (const bool kept : {false, true}) {
+      SCOPED_TRACE(kept ? "kept connection" : "new connection");
+      const double seconds = SecondsOf([&] {
+        Exchange exchange(entry.target);
+        EXPECT_EQ(exchange.Send(), entry.sent);
+        const std::string body = exchange.Body();
+        if (entry.body.empty()) {
+          EXPECT_TRUE(body.starts_with("xxx") && body.ends_with("!")) << body;
+        } else {
+          EXPECT_EQ(body, entry.body);
+        }
+      });
+      EXPECT_GT(seconds, 0.29);
+      EXPECT_LT(seconds, 5.0);
+      if (kept || secure) break;
+      EXPECT_EQ(Exchange().Fetch(), "well");
+    }
+    EXPECT_EQ(server.Connections(), secure ? 1 : 2);
   }
 }
 

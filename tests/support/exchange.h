@@ -3,6 +3,7 @@
 #define NVSUPPORT_TESTS_SUPPORT_EXCHANGE_H
 
 #include <string>
+#include <utility>
 
 #include "platform/platform.h"
 #include "support/routed_server.h"
@@ -58,6 +59,9 @@ class Exchange {
     }
     return body + "!";
   }
+
+  // The body of the reply, "!" if there is no reply.
+  std::string Fetch(std::string body = {}) { return Send({}, std::move(body)) ? Body() : "!"; }
 
   HINTERNET internet;
   HINTERNET connection;

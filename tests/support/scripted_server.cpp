@@ -2,6 +2,7 @@
 
 #include <arpa/inet.h>
 #include <openssl/ssl.h>
+#include <poll.h>
 #include <strings.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
+#include <iterator>
 #include <stdexcept>
 #include <utility>
 
@@ -44,7 +46,7 @@ SSL_CTX* MakeContext(const TlsIdentity& identity) {
 Reply HttpReply(int status, std::string_view body, std::string_view headers) {
   std::string bytes = "HTTP/1.1 " + std::to_string(status) + " Scripted\r\n";
   bytes.append(headers).append("Content-Length: ").append(std::to_string(body.size())).append("\r\n\r\n").append(body);
-  return {.bytes = std::move(bytes)};
+  return {.bytes = std::move(bytes), .end = Reply::End::keep};
 }
 
 Reply NoReply() {
@@ -53,6 +55,7 @@ Reply NoReply() {
 
 Reply CutAfter(Reply reply, std::size_t count) {
   reply.bytes.resize(std::min(count, reply.bytes.size()));
+  reply.end = Reply::End::close;
   return reply;
 }
 
@@ -99,10 +102,6 @@ class ScriptedServer::Channel {
     if (end == Reply::End::close) {
       if (ssl != nullptr) SSL_shutdown(ssl);
       shutdown(descriptor, SHUT_WR);
-    }
-    // Until the client goes: closing with unread bytes would take back what was sent.
-    char rest[4096];
-    while (read(descriptor, rest, sizeof rest) > 0) {
     }
   }
 
@@ -175,7 +174,15 @@ void ScriptedServer::Serve() {
     }
     {
       Channel channel(accepted, context.get());
-      if (channel.Open()) Answer(channel);
+      auto end = Reply::End::close;
+      if (channel.Open()) {
+        do end = Answer(channel);
+        while (end == Reply::End::keep && WaitForClient(accepted));
+      }
+      // Closing with unread bytes would take back what was sent.
+      char rest[4096];
+      while (end != Reply::End::reset && WaitForClient(accepted) && read(accepted, rest, sizeof rest) > 0) {
+      }
     }
     const std::lock_guard lock(mutex);
     current = -1;
@@ -183,13 +190,20 @@ void ScriptedServer::Serve() {
   }
 }
 
-void ScriptedServer::Answer(Channel& channel) {
+bool ScriptedServer::WaitForClient(int connection) const {
+  pollfd events[] = {{.fd = connection, .events = POLLIN, .revents = 0},
+                     {.fd = listener, .events = POLLIN, .revents = 0}};
+  poll(events, std::size(events), -1);
+  return events[0].revents != 0;
+}
+
+Reply::End ScriptedServer::Answer(Channel& channel) {
   std::string request;
   std::size_t needed = std::string::npos;
   while (request.size() < std::min(needed, enough.load())) {
     char part[16384];
     const long got = channel.Read(part, sizeof part);
-    if (got <= 0) return;
+    if (got <= 0) return Reply::End::close;
     request.append(part, static_cast<std::size_t>(got));
     const std::size_t head = request.find("\r\n\r\n");
     if (head != std::string::npos) needed = head + 4 + BodySize(request.substr(0, head + 2));
@@ -202,10 +216,11 @@ void ScriptedServer::Answer(Channel& channel) {
   const std::size_t piece = reply.piece != 0 ? reply.piece : reply.bytes.size();
   for (std::size_t at = 0; at < reply.bytes.size(); at += piece) {
     if (at != 0) std::this_thread::sleep_for(reply.pause);
-    if (!channel.Write(std::string_view(reply.bytes).substr(at, piece))) return;
+    if (!channel.Write(std::string_view(reply.bytes).substr(at, piece))) return Reply::End::close;
   }
   std::this_thread::sleep_for(reply.pause);
   channel.End(reply.end);
+  return reply.end;
 }
 
 }  // namespace nvsupport::testing

@@ -1,6 +1,6 @@
-// A small HTTP server for tests: it records what it is sent and answers each connection with the bytes of a script.
+// A small HTTP server for tests: it records what it is sent and answers each request with the bytes of a script.
 // Loopback, a port of the kernel's choice, a thread of its own that ends with the object. It serves one connection at a
-// time, the next when the client has closed the one before. With an identity it speaks TLS.
+// time, until the client closes it or opens another one. With an identity it speaks TLS.
 #ifndef NVSUPPORT_TESTS_SUPPORT_SCRIPTED_SERVER_H
 #define NVSUPPORT_TESTS_SUPPORT_SCRIPTED_SERVER_H
 
@@ -23,9 +23,9 @@ struct x509_st;
 
 namespace nvsupport::testing {
 
-// The answer to one connection: one request, one reply.
 struct Reply {
-  enum class End { close, reset, hold };  // hold: the connection stays open until the client or the server goes
+  // hold: nothing further comes; keep: the next request may come.
+  enum class End { close, reset, hold, keep };
 
   std::string bytes;                   // as they go out, head and body
   End end = End::close;                // what happens behind the last byte
@@ -33,10 +33,10 @@ struct Reply {
   std::chrono::milliseconds pause{0};  // before each piece but the first, and before the end
 };
 
-// A reply with a Content-Length. headers: further lines, each with its line end.
+// A reply with a Content-Length, behind which the connection is kept. headers: further lines, each with its line end.
 Reply HttpReply(int status, std::string_view body, std::string_view headers = {});
 Reply NoReply();
-// The first `count` bytes of a reply, then its end.
+// The first `count` bytes of a reply, then the connection's end.
 Reply CutAfter(Reply reply, std::size_t count);
 
 struct OpenSslDeleter {
@@ -57,7 +57,7 @@ class ScriptedServer {
   using Script = std::function<Reply(const std::string& request)>;
 
   explicit ScriptedServer(Script script, const TlsIdentity* identity = nullptr);
-  // One reply per connection in this order; the last one for all that follow.
+  // One reply per request in this order; the last one for all that follow.
   explicit ScriptedServer(std::vector<Reply> replies, const TlsIdentity* identity = nullptr);
   ~ScriptedServer();
   ScriptedServer(const ScriptedServer&) = delete;
@@ -78,7 +78,10 @@ class ScriptedServer {
   class Channel;
 
   void Serve();
-  void Answer(Channel& channel);
+  // Reads a request and replies.
+  Reply::End Answer(Channel& channel);
+  // False if the client left the connection for another one.
+  bool WaitForClient(int connection) const;
 
   Script script;
   std::unique_ptr<ssl_ctx_st, OpenSslDeleter> context;  // null: plain

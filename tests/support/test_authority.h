@@ -6,6 +6,7 @@
 #include <string>
 
 #include "support/scripted_server.h"
+#include "support/temporary_home.h"
 
 namespace nvsupport::testing {
 
@@ -22,6 +23,12 @@ class TestAuthority {
 
  private:
   TlsIdentity own;
+};
+
+// One that the client trusts while the object lives.
+class TrustedAuthority : public TestAuthority {
+  const TemporaryFolder folder;
+  const ScopedVariable store{"SSL_CERT_FILE", (WriteWholeFile(folder / "ca.pem", Certificate()), folder / "ca.pem")};
 };
 
 }  // namespace nvsupport::testing

@@ -1,8 +1,8 @@
-// libcurl's initialisation and the options of a transfer.
+// The options of a transfer.
 #include "web_curl.h"
 
-#include <dlfcn.h>
 #include <sys/auxv.h>
+#include <sys/socket.h>
 
 #include <cstdlib>
 #include <new>
@@ -13,15 +13,6 @@ namespace platform {
 WebLimits webLimits;
 
 namespace {
-
-// libcurl counts the calls, so a host that uses libcurl too is not disturbed.
-class CurlLibrary {
- public:
-  CurlLibrary() { curl_global_init(CURL_GLOBAL_DEFAULT); }
-  ~CurlLibrary() { curl_global_cleanup(); }
-  CurlLibrary(const CurlLibrary&) = delete;
-  CurlLibrary& operator=(const CurlLibrary&) = delete;
-};
 
 // Sets options one after the other and remembers a failure.
 class Options {
@@ -49,24 +40,20 @@ void SetTrust(Options& options) {
   options.Set(CURLOPT_SSL_VERIFYHOST, 2L);
   const char* file = Variable("SSL_CERT_FILE");
   const char* folder = Variable("SSL_CERT_DIR");
+  // libcurl keeps a store that comes from a file alone; one with a folder it would read again for each connection.
+  if (file == nullptr && folder == nullptr) file = curl_version_info(CURLVERSION_NOW)->cainfo;
   if (file == nullptr && folder == nullptr) return;
   // Null takes the system's store out.
   options.Set(CURLOPT_CAINFO, file);
   options.Set(CURLOPT_CAPATH, folder);
 }
 
+// Programs that the host starts must not hold the connections.
+curl_socket_t OpenSocket(void*, curlsocktype, curl_sockaddr* address) {
+  return socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+}
+
 }  // namespace
-
-void UseCurl() {
-  static const CurlLibrary library;
-}
-
-void PinCurl() {
-  Dl_info info{};
-  // The handle stays open: that is the pin.
-  if (dladdr(reinterpret_cast<const void*>(&curl_easy_init), &info) != 0)
-    dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD);
-}
 
 CurlList MakeCurlList(const std::vector<std::string>& lines) {
   CurlList list;
@@ -107,7 +94,11 @@ bool SetTransferOptions(CURL* easy, const std::string& url, const WebRequest& re
   options.Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(webLimits.connect.count()));
   // libcurl looks names up on a thread, which cannot be interrupted. Waiting for it would outlast the time-out.
   options.Set(CURLOPT_QUICK_EXIT, 1L);
-  options.Set(CURLOPT_BUFFERSIZE, webReceiveSize);
+  options.Set(CURLOPT_OPENSOCKETFUNCTION, &OpenSocket);
+  const std::chrono::seconds idle = request.post ? webLimits.idleBeforeBody : webLimits.idle;
+  options.Set(CURLOPT_MAXAGE_CONN, static_cast<long>(idle.count()));
+  // Refused where a transfer that failed early left its buffer behind; then that one serves.
+  curl_easy_setopt(easy, CURLOPT_BUFFERSIZE, webReceiveSize);
   options.Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
   // The signals of the process are the host's.
   options.Set(CURLOPT_NOSIGNAL, 1L);

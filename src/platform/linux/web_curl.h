@@ -1,4 +1,4 @@
-// libcurl with owners for its handles, and the options that all transfers of the web client share.
+// The limits of the web client, and the options of libcurl that all its transfers share.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WEB_CURL_H
 #define NVSUPPORT_PLATFORM_LINUX_WEB_CURL_H
 
@@ -23,27 +23,17 @@ struct WebLimits {
   // Of an exchange with a body, whose caller cannot stop it:
   std::chrono::milliseconds exchange{120'000};            // from sending to the last byte read
   std::size_t replySize = std::size_t{64} * 1024 * 1024;  // bytes
+  // How long a connection may idle and still be used: for a request with a body only while it is almost certainly
+  // open, because the request cannot be repeated.
+  std::chrono::seconds idle{30};
+  std::chrono::seconds idleBeforeBody{5};
 };
 extern WebLimits webLimits;
 
-struct EasyDeleter {
-  void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
-};
-struct MultiDeleter {
-  void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
-};
 struct ListDeleter {
   void operator()(curl_slist* list) const { curl_slist_free_all(list); }
 };
-using CurlEasy = std::unique_ptr<CURL, EasyDeleter>;
-using CurlMulti = std::unique_ptr<CURLM, MultiDeleter>;
 using CurlList = std::unique_ptr<curl_slist, ListDeleter>;
-
-// Initialises libcurl for as long as the module is loaded, at the first call.
-void UseCurl();
-
-// Keeps libcurl's code in memory to the end of the process.
-void PinCurl();
 
 CurlList MakeCurlList(const std::vector<std::string>& lines);
 // Where connections really go, from NV_CONNECT_TO; empty if that is not set.

@@ -25,10 +25,17 @@ bool KeepsMethod(long status) {
 
 }  // namespace
 
+WebExchange::~WebExchange() {
+  if (!engine || !engine->IsOfThisProcess()) return;
+  Detach();
+  curl_easy_reset(engine->Easy());
+  GiveBackWebEngine(std::move(engine));
+}
+
 bool WebExchange::Send(WebRequest request, std::string_view extraHeader, std::string_view body) {
   std::optional<std::string> url = BuildUrl(request);
   if (!url) return false;
-  UseCurl();
+  if (!engine) engine = TakeWebEngine();
   connectTo = MakeConnectToList();
   window.resize(windowSize);
   const Clock::time_point start = Clock::now();
@@ -54,7 +61,9 @@ bool WebExchange::Send(WebRequest request, std::string_view extraHeader, std::st
 }
 
 void WebExchange::Detach() {
-  if (easy && multi) curl_multi_remove_handle(multi.get(), easy.get());
+  // The rest of a reply may be there, though the caller did not ask for it: without it the connection is not kept.
+  if (phase == Phase::running && headDone) Advance();
+  curl_multi_remove_handle(engine->Multi(), engine->Easy());
 }
 
 bool WebExchange::SendOnce(const std::string& url, const WebRequest& request, std::string_view extraHeader,
@@ -64,20 +73,21 @@ bool WebExchange::SendOnce(const std::string& url, const WebRequest& request, st
   // A name without a value takes a header of libcurl's own out.
   for (const char* unwanted : {"Accept:", "Content-Type:", "Expect:"}) lines->emplace_back(unwanted);
 
+  CURL* const easy = engine->Easy();
   Detach();
   phase = Phase::failed;
-  headDone = false;
-  easy.reset(curl_easy_init());
-  multi.reset(curl_multi_init());
+  once = request.post;
+  begun = headDone = false;
+  curl_easy_reset(easy);
   headers = MakeCurlList(*lines);
-  if (!easy || !multi || !SetTransferOptions(easy.get(), url, request, headers.get(), connectTo.get(), body)) {
-    return false;
-  }
-  curl_easy_setopt(easy.get(), CURLOPT_HEADERFUNCTION, &OnHead);
-  curl_easy_setopt(easy.get(), CURLOPT_HEADERDATA, this);
-  curl_easy_setopt(easy.get(), CURLOPT_WRITEFUNCTION, &OnBody);
-  curl_easy_setopt(easy.get(), CURLOPT_WRITEDATA, this);
-  if (curl_multi_add_handle(multi.get(), easy.get()) != CURLM_OK) return false;
+  if (!SetTransferOptions(easy, url, request, headers.get(), connectTo.get(), body)) return false;
+  curl_easy_setopt(easy, CURLOPT_PREREQFUNCTION, &OnRequest);
+  curl_easy_setopt(easy, CURLOPT_PREREQDATA, this);
+  curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &OnHead);
+  curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
+  curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &OnBody);
+  curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
+  if (curl_multi_add_handle(engine->Multi(), easy) != CURLM_OK) return false;
 
   phase = Phase::running;
   paused = false;
@@ -97,7 +107,7 @@ std::optional<std::size_t> WebExchange::Read(char* data, std::size_t size) {
 
 long WebExchange::StatusCode() const {
   long status = 0;
-  curl_easy_getinfo(easy.get(), CURLINFO_RESPONSE_CODE, &status);
+  curl_easy_getinfo(engine->Easy(), CURLINFO_RESPONSE_CODE, &status);
   return status;
 }
 
@@ -105,13 +115,13 @@ std::optional<std::int64_t> WebExchange::ContentLength() const {
   // libcurl takes the body of some statuses for one of no bytes, whether the reply says so or not.
   if (Header("Content-Length") == nullptr) return std::nullopt;
   curl_off_t length = -1;
-  curl_easy_getinfo(easy.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
+  curl_easy_getinfo(engine->Easy(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
   return length < 0 ? std::nullopt : std::optional<std::int64_t>(length);
 }
 
 const char* WebExchange::Header(const char* name) const {
   curl_header* header = nullptr;
-  return curl_easy_header(easy.get(), name, 0, CURLH_HEADER, -1, &header) == CURLHE_OK ? header->value : nullptr;
+  return curl_easy_header(engine->Easy(), name, 0, CURLH_HEADER, -1, &header) == CURLHE_OK ? header->value : nullptr;
 }
 
 std::string WebExchange::RedirectTarget(const std::string& url) const {
@@ -133,13 +143,13 @@ void WebExchange::Advance() {
   if (begin == end) begin = end = 0;
   if (paused) {
     paused = false;
-    curl_easy_pause(easy.get(), CURLPAUSE_CONT);
+    curl_easy_pause(engine->Easy(), CURLPAUSE_CONT);
     if (begin != end) return;
   }
   int running = 0;
-  if (curl_multi_perform(multi.get(), &running) != CURLM_OK) return End(CURLE_FAILED_INIT);
+  if (curl_multi_perform(engine->Multi(), &running) != CURLM_OK) return End(CURLE_FAILED_INIT);
   int left = 0;
-  while (const CURLMsg* message = curl_multi_info_read(multi.get(), &left)) {
+  while (const CURLMsg* message = curl_multi_info_read(engine->Multi(), &left)) {
     if (message->msg == CURLMSG_DONE) End(message->data.result);
   }
 }
@@ -147,7 +157,7 @@ void WebExchange::Advance() {
 void WebExchange::Wait(Clock::time_point until) {
   const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now()).count();
   // Within the range of an int, because no limit is longer than that.
-  if (left > 0 && curl_multi_poll(multi.get(), nullptr, 0, static_cast<int>(left), nullptr) != CURLM_OK) {
+  if (left > 0 && curl_multi_poll(engine->Multi(), nullptr, 0, static_cast<int>(left), nullptr) != CURLM_OK) {
     End(CURLE_FAILED_INIT);
   }
 }
@@ -157,9 +167,16 @@ void WebExchange::End(CURLcode result) {
   const bool shortBody = result == CURLE_PARTIAL_FILE && ContentLength().has_value();
   // Given up while a name was looked up: the thread that does it ends by itself, and libcurl must be there until then.
   curl_off_t lookup = 0;
-  curl_easy_getinfo(easy.get(), CURLINFO_NAMELOOKUP_TIME_T, &lookup);
-  if (result == CURLE_OPERATION_TIMEDOUT && lookup == 0) PinCurl();
+  curl_easy_getinfo(engine->Easy(), CURLINFO_NAMELOOKUP_TIME_T, &lookup);
+  if (result == CURLE_OPERATION_TIMEDOUT && !begun && lookup == 0) PinCurl();
   phase = headDone && (result == CURLE_OK || shortBody) ? Phase::ended : Phase::failed;
+}
+
+int WebExchange::OnRequest(void* exchange, char*, char*, int, int) {
+  auto* self = static_cast<WebExchange*>(exchange);
+  // libcurl repeats a request where a kept connection turns out dead, though the server may have taken it.
+  const bool again = std::exchange(self->begun, true);
+  return again && self->once ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
 }
 
 std::size_t WebExchange::OnHead(char* data, std::size_t unit, std::size_t size, void* exchange) {

@@ -1,5 +1,6 @@
 // One HTTP exchange over libcurl: the request goes out, the head of the reply comes in, the body is pulled. Used by
-// the web client; owns the connection, which ends with the object. libcurl is driven only while the caller waits.
+// the web client; has a transfer engine to itself, which it gives back in the end. libcurl is driven only while the
+// caller waits.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WEB_EXCHANGE_H
 #define NVSUPPORT_PLATFORM_LINUX_WEB_EXCHANGE_H
 
@@ -13,6 +14,7 @@
 #include <vector>
 
 #include "web_curl.h"
+#include "web_engine.h"
 #include "web_request.h"
 
 namespace platform {
@@ -22,7 +24,7 @@ class WebExchange {
   WebExchange() = default;
   WebExchange(const WebExchange&) = delete;
   WebExchange& operator=(const WebExchange&) = delete;
-  ~WebExchange() { Detach(); }
+  ~WebExchange();
 
   // Sends the request, follows redirects if it says so, and waits for the head of the final reply. extraHeader: one
   // line or nothing. One call per object.
@@ -40,10 +42,11 @@ class WebExchange {
   enum class Phase { running, ended, failed };
   using Clock = std::chrono::steady_clock;
 
+  static int OnRequest(void* exchange, char* remote, char* local, int remotePort, int localPort);
   static std::size_t OnHead(char* data, std::size_t unit, std::size_t size, void* exchange);
   static std::size_t OnBody(char* data, std::size_t unit, std::size_t size, void* exchange);
 
-  // Takes the transfer, if there is one, out of the multi handle.
+  // Takes the transfer, if there is one, out of the engine.
   void Detach();
   // Sends one request and waits for the head of its reply.
   bool SendOnce(const std::string& url, const WebRequest& request, std::string_view extraHeader, std::string_view body,
@@ -63,10 +66,11 @@ class WebExchange {
   // Each relies on those before it.
   CurlList headers;
   CurlList connectTo;
-  CurlMulti multi;
-  CurlEasy easy;
+  std::unique_ptr<WebEngine> engine;
 
   Phase phase = Phase::failed;
+  bool once = false;   // the request must not go out a second time
+  bool begun = false;  // a connection is there, and the request goes out
   bool headDone = false;
   std::size_t headBytes = 0;
   Clock::time_point lastMoment = Clock::time_point::max();  // of the whole exchange

@@ -1,0 +1,112 @@
+// Connections that are kept between exchanges: the caller and the server never suffer for them.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "support/exchange.h"
+#include "support/test_authority.h"
+
+namespace nvsupport::testing {
+namespace {
+
+class KeptConnection : public ::testing::TestWithParam<DWORD> {
+ protected:
+  Exchange Open(const char* verb = "GET") const { return Exchange({.flags = GetParam(), .verb = verb}); }
+  const TlsIdentity* Identity() const { return GetParam() != 0 ? &identity : nullptr; }
+
+  const TrustedAuthority authority;
+  const TlsIdentity identity = authority.Issue(serverName);
+};
+
+INSTANTIATE_TEST_SUITE_P(Over, KeptConnection, ::testing::Values(DWORD{0}, INTERNET_FLAG_SECURE),
+                         [](const auto& over) { return over.param != 0 ? "Tls" : "Plain"; });
+
+TEST_P(KeptConnection, ServesTheNextExchange) {
+  RoutedServer server(std::vector{HttpReply(200, "one"), HttpReply(404, "two"), HttpReply(200, "three")}, Identity());
+  EXPECT_EQ(Open().Fetch(), "one");
+  EXPECT_TRUE(Open().Send()) << "a short reply that nobody reads is at its end all the same";
+  EXPECT_EQ(Open("POST").Fetch("body"), "three");
+  EXPECT_EQ(server.Connections(), 1);
+}
+
+TEST_P(KeptConnection, IsNotKeptInTheMiddleOfAReply) {
+  const std::string large(3'000'000, 'l');  // more than is read ahead
+  RoutedServer server(std::vector{HttpReply(200, large), HttpReply(200, "next")}, Identity());
+  EXPECT_TRUE(Open().Send());
+  EXPECT_EQ(Open().Fetch(), "next");
+  EXPECT_EQ(server.Connections(), 2);
+}
+
+// The server takes a request on a kept connection and closes without a reply. It may have acted on the request.
+TEST_P(KeptConnection, RepeatsNoRequestWithABody) {
+  for (const char* verb : {"GET", "POST"}) {
+    SCOPED_TRACE(verb);
+    RoutedServer server(std::vector{HttpReply(200, "one"), Reply{}, HttpReply(200, "again")}, Identity());
+    EXPECT_EQ(Open().Fetch(), "one");
+    const bool post = verb == std::string("POST");
+    EXPECT_EQ(Open(verb).Fetch(post ? "body" : ""), post ? "!" : "again");
+    EXPECT_EQ(server.Requests().size(), post ? 2u : 3u);
+    EXPECT_EQ(Open("POST").Fetch(), "again") << "what failed is not kept";
+  }
+}
+
+TEST_P(KeptConnection, IsReplacedWhenTheServerHasClosedIt) {
+  const std::string once = HttpReply(200, "once").bytes;
+  RoutedServer server(std::vector{Reply{.bytes = once}}, Identity());
+  for (int i = 0; i < 20; ++i) EXPECT_EQ(Open().Fetch(), "once");
+}
+
+// A child that used or closed the connection would disturb its parent's.
+TEST_P(KeptConnection, IsLeftAloneByAForkedChild) {
+  ScriptedServer server({HttpReply(200, "body")}, Identity());
+  ScriptedServer another({HttpReply(200, "other")});
+  const ScopedVariable route("NV_CONNECT_TO", server.ConnectTo(serverName, 80) + "," +
+                                                  server.ConnectTo(serverName, 443) + "," +
+                                                  another.ConnectTo("other.example", 80));
+  const auto fetchInChild = [](const Target& target) {
+    const pid_t child = fork();
+    if (child == 0) _exit(Exchange(target).Fetch() == "!" ? 1 : 0);
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+  };
+  EXPECT_EQ(Open().Fetch(), "body");
+  fetchInChild({.host = "other.example"});
+  EXPECT_EQ(Open().Fetch(), "body");
+  EXPECT_EQ(server.Connections(), 1);
+  fetchInChild({.flags = GetParam()});
+  EXPECT_EQ(server.Connections(), 2);
+}
+
+TEST_P(KeptConnection, IsNotInheritedByProgramsOfTheHost) {
+  const auto sockets = [] {
+    std::vector<int> found;
+    for (int descriptor = 0; descriptor < 1024; ++descriptor) {
+      struct stat status {};
+      if (fstat(descriptor, &status) == 0 && S_ISSOCK(status.st_mode)) found.push_back(descriptor);
+    }
+    return found;
+  };
+  RoutedServer server(std::vector{HttpReply(200, "body")}, Identity());
+  EXPECT_EQ(Open().Fetch(), "body");
+  for (const int descriptor : sockets()) EXPECT_NE(fcntl(descriptor, F_GETFD) & FD_CLOEXEC, 0) << descriptor;
+}
+
+TEST(KeptConnectionOverTls, CountsNoMoreThanANewOneWhenTheTrustIsGone) {
+  const TrustedAuthority authority;
+  const TlsIdentity identity = authority.Issue(serverName);
+  RoutedServer server(std::vector{HttpReply(200, "body")}, &identity);
+  EXPECT_EQ(Exchange({.flags = INTERNET_FLAG_SECURE}).Fetch(), "body");
+  const TrustedAuthority other;
+  EXPECT_EQ(Exchange({.flags = INTERNET_FLAG_SECURE}).Fetch(), "!");
+}
+
+}  // namespace
+}  // namespace nvsupport::testing
