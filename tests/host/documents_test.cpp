@@ -86,8 +86,8 @@ void ExpectCommandsWork(const fs::path& document) {
   const LocalService service;
   MakeTree(home.folder.path);
   const std::string script = home.folder / "script";
-  WriteWholeFile(script, "exec 2>&1\ncd " + home.folder.path.string() + "\nPATH=build/release:$PATH\n" + NV_PRELOADED +
-                             commands.script);
+  WriteWholeFile(script, "exec 2>&1\ncd '" + home.folder.path.string() + "'\nPATH=build/release:$PATH\n" +
+                             NV_PRELOADED + commands.script);
   std::istringstream printed(RunProgram({"bash", script}).output);
   for (const Command& command : commands.all) {
     std::string output;
