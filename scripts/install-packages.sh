@@ -13,7 +13,8 @@ readonly build_packages=(
   fcgiwrap fonts-dejavu-core lighttpd lighttpd-mod-openssl openssl xdotool xvfb
 )
 readonly test_packages=(
-  clang clang-format clang-tidy curl g++-mingw-w64-x86-64 gettext libclang-rt-14-dev locales openbox postgresql python3
+  clang clang-format clang-tidy curl g++-mingw-w64-x86-64 gettext libclang-rt-14-dev locales nginx openbox
+  postgresql python3 xxd
 )
 
 case ${1:-} in
@@ -40,7 +41,7 @@ if ((EUID != 0)); then
 fi
 
 # Some packages start a server of their own, now and at every boot; only the programs are wanted.
-readonly servers=(fcgiwrap.service fcgiwrap.socket lighttpd.service postgresql.service)
+readonly servers=(fcgiwrap.service fcgiwrap.socket lighttpd.service nginx.service postgresql.service)
 readonly policy=/usr/sbin/policy-rc.d # asked before a package starts a server
 if [[ ! -e $policy ]]; then
   trap '"${as_root[@]}" rm -f "$policy"' EXIT

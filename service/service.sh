@@ -34,6 +34,7 @@ Environment:
   NV_SERVICE_HOST               name of the service host (now $service_host)
   NV_WEB_HOST                   name of the host of the vendor's pages (now $web_host)
   NV_SERVICE_DATABASE           where the accounts are (else accounts.sqlite in DIR)
+  NV_SERVICE_PRODUCTS           the products on offer (else service/data/products.tsv)
   NV_SERVICE_SESSION_SECONDS    for how long a session token is good (now $session_seconds)
   NV_SERVICE_KBYTES_PER_SECOND  most that a connection gets, to have time to watch; 0: no limit (now $kbytes_per_second)
   NV_SERVICE_PROCESSES          requests at work at a time; the rest wait (now $processes)
@@ -111,7 +112,8 @@ var.kbytes_per_second = $kbytes_per_second
 var.processes = $processes
 var.settings = (
   "NV_SERVICE_DATABASE" => "${NV_SERVICE_DATABASE:-$dir/accounts.sqlite}",
-  "NV_SERVICE_PRODUCTS" => "$here/data/products.tsv",
+  "NV_SERVICE_PRODUCTS" => "${NV_SERVICE_PRODUCTS:-$here/data/products.tsv}",
+  "NV_SERVICE_PRODUCTS_INDEX" => "$dir/products.index",
   "NV_SERVICE_SESSION_SECONDS" => "$session_seconds"
 )
 CONFIGURATION

@@ -38,7 +38,12 @@ std::string RequestReader::Text(std::size_t limit) {
 }
 
 void ReplyWriter::Word(std::uint32_t value) {
-  for (int shift = 0; shift < 32; shift += 8) bytes.push_back(static_cast<char>(value >> shift & 0xFF));
+  bytes.append(4, '\0');
+  WordAt(bytes.size() - 4, value);
+}
+
+void ReplyWriter::WordAt(std::size_t position, std::uint32_t value) {
+  for (std::size_t i = 0; i < 4; ++i) bytes[position + i] = static_cast<char>(value >> 8 * i & 0xFF);
 }
 
 void ReplyWriter::Text(std::string_view text) {

@@ -1,40 +1,8 @@
 #include "service/database/sqlite_database.h"
 
-#include <fcntl.h>
 #include <sqlite3.h>
-#include <sys/file.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <stdexcept>
-#include <system_error>
 
 namespace nvsupport::service {
-namespace {
-
-constexpr int ownerOnly = 0600;
-
-}  // namespace
-
-FileQueue::FileQueue(const std::string& path)
-    : descriptor(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, ownerOnly)) {
-  if (descriptor < 0) throw std::system_error(errno, std::generic_category(), path);
-}
-
-FileQueue::~FileQueue() {
-  close(descriptor);
-}
-
-void FileQueue::Enter() {
-  while (flock(descriptor, LOCK_EX) != 0) {
-    if (errno != EINTR) throw std::system_error(errno, std::generic_category(), "waiting in the queue of the database");
-  }
-}
-
-void FileQueue::Leave() noexcept {
-  flock(descriptor, LOCK_UN);
-}
-
 SqliteDatabase::SqliteDatabase(const std::string& path) : queue(path + "-queue"), file(path, SqliteFile::Mode::shared) {
   file.Execute("PRAGMA foreign_keys = ON");
 }

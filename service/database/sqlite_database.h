@@ -5,24 +5,10 @@
 #define NVSUPPORT_SERVICE_DATABASE_SQLITE_DATABASE_H
 
 #include "service/database/database.h"
+#include "service/database/file_queue.h"
 #include "service/database/sqlite_file.h"
 
 namespace nvsupport::service {
-
-// A lock that lasts from Enter to Leave, or until the process ends.
-class FileQueue {
- public:
-  explicit FileQueue(const std::string& path);
-  FileQueue(const FileQueue&) = delete;
-  FileQueue& operator=(const FileQueue&) = delete;
-  ~FileQueue();
-
-  void Enter();
-  void Leave() noexcept;
-
- private:
-  int descriptor;
-};
 
 class SqliteDatabase final : public Database {
  public:

@@ -38,26 +38,27 @@ std::optional<Area> RequestedArea(RequestReader& request) {
 
 }  // namespace
 
-std::string AnswerSearch(std::string_view request, const std::vector<Product>& products) {
+std::string AnswerSearch(std::string_view request, const ProductIndex& products, std::size_t largest) {
   RequestReader reader(request);
   const auto area = RequestedArea(reader);
   if (!area) return ReplyWriter(Status::notUnderstood).Bytes();
 
-  std::vector<const Product*> found;
-  for (const Product& product : products) {
-    if (Intersects(product.area, *area)) found.push_back(&product);
-  }
   ReplyWriter reply(Status::done);
   reply.Word(0);  // words to skip
-  reply.Word(static_cast<std::uint32_t>(found.size()));
-  for (const Product* product : found) {
-    reply.Text(product->title);
-    reply.Word(product->number);
-    reply.Text(product->shortText);
-    reply.Text(product->fileReference);
-    reply.Word(product->kibibytes);
-  }
-  reply.Word(static_cast<std::uint32_t>(products.size()));
+  const std::size_t countPosition = reply.Bytes().size();
+  std::uint32_t count = 0;
+  reply.Word(count);
+  products.Find(*area, [&](const Product& product) {
+    reply.Text(product.title);
+    reply.Word(product.number);
+    reply.Text(product.shortText);
+    reply.Text(product.fileReference);
+    reply.Word(product.kibibytes);
+    ++count;
+    return reply.Bytes().size() < largest;
+  });
+  reply.WordAt(countPosition, count);
+  reply.Word(products.ProductCount());
   return reply.Bytes();
 }
 

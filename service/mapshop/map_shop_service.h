@@ -4,16 +4,18 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "service/mapshop/product_catalogue.h"
+#include "service/mapshop/product_index.h"
 
 namespace nvsupport::service {
 
 inline constexpr std::size_t largestSearch = 1024UL * 1024;  // bytes of a request, some 65,000 points
 
-// Answers a request with the products whose area meets the box around its points, in the order of `products`.
-std::string AnswerSearch(std::string_view request, const std::vector<Product>& products);
+inline constexpr std::size_t largestFinding = 32UL * 1024 * 1024;  // bytes of a reply, half of what clients take
+
+// Answers a request with the products whose area meets the box around its points, in the order of the product file. Of
+// more than fit into a reply of `largest` bytes it holds those that come first.
+std::string AnswerSearch(std::string_view request, const ProductIndex& products, std::size_t largest = largestFinding);
 
 }  // namespace nvsupport::service
 

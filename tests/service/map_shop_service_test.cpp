@@ -1,18 +1,28 @@
-// The map shop service: the example of the protocol page against the real program, and which products an area finds.
+// The map shop service: the example of the protocol page against the real program, which products an area finds, and
+// when their index is made anew.
+#include "service/mapshop/map_shop_service.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
 #include <limits>
+#include <random>
+#include <sstream>
 #include <vector>
 
 #include "cgi_program.h"
 #include "request.h"
-#include "service/mapshop/map_shop_service.h"
+#include "support/temporary_home.h"
 
 namespace {
 
 using nvsupport::service::AnswerSearch;
-using nvsupport::service::Product;
+using nvsupport::service::Area;
+using nvsupport::service::ProductIndex;
+using nvsupport::testing::TemporaryFolder;
+using nvsupport::testing::WriteWholeFile;
+using Numbers = std::vector<std::uint32_t>;
 
 struct Point {
   double latitude;
@@ -24,27 +34,47 @@ std::string Search(const std::vector<Point>& points) {
   return Int(101) + Int(4) + Int(points.size()) + block + Int(0);
 }
 
-// The numbers of the products that a search finds.
-std::vector<std::uint32_t> Found(const std::vector<Product>& products, const std::vector<Point>& points) {
-  const std::string reply = AnswerSearch(Search(points), products);
-  EXPECT_EQ(WordAt(reply, 0), 0U);
-  std::vector<std::uint32_t> numbers;
-  for (std::size_t i = 0; i < WordAt(reply, 2); ++i) numbers.push_back(WordAt(reply, 3 + 5 * i + 1));
-  return numbers;
+// A line of the product file.
+std::string Line(std::uint32_t number, const Area& area, const std::string& title = "") {
+  std::ostringstream line;
+  line.precision(17);
+  line << number << '\t' << title << "\t\t\t0\t" << area.south << '\t' << area.west << '\t' << area.north << '\t'
+       << area.east << '\n';
+  return line.str();
 }
+
+// A product file and its index in a folder of their own.
+struct Shop {
+  explicit Shop(const std::string& lines = "") { Offer(lines); }
+  // As an operator does it: the new file takes the place of the old one.
+  void Offer(const std::string& lines) const {
+    WriteWholeFile(folder / "new", lines);
+    std::filesystem::rename(folder / "new", products);
+  }
+  std::string Answer(const std::string& request) const { return AnswerSearch(request, ProductIndex(products, index)); }
+  // The numbers of the products that a search finds.
+  Numbers Found(const std::vector<Point>& points) const {
+    const std::string reply = Answer(Search(points));
+    EXPECT_EQ(WordAt(reply, 0), 0U);
+    Numbers numbers;
+    for (std::size_t i = 0; i < WordAt(reply, 2); ++i) numbers.push_back(WordAt(reply, 3 + 5 * i + 1));
+    return numbers;
+  }
+
+  const TemporaryFolder folder;
+  const std::string products = folder / "products.tsv";
+  const std::string index = folder / "products.index";
+};
 
 TEST(MapShopProgram, AnswersTheExampleOfTheProtocolPage) {
   EXPECT_EQ(Post("mapstore2.cgi", "", Example("search request")).body, Example("search reply"));
 }
 
 TEST(MapShopSearch, FindsWhatMeetsTheBoxAroundThePoints) {
-  using Numbers = std::vector<std::uint32_t>;
-  const std::vector<Product> products = {
-      {1, "", "", "", 0, {45, 6, 46, 7}},        // west of the middle
-      {2, "", "", "", 0, {-19, 177, -16, 182}},  // across the 180th meridian
-      {3, "", "", "", 0, {-90, -180, 90, 180}},  // the whole world
-      {4, "", "", "", 0, {30, -10, 31, -9}},
-  };
+  const Shop shop(Line(1, {45, 6, 46, 7}) +         // west of the middle
+                  Line(2, {-19, 177, -16, -178}) +  // across the 180th meridian
+                  Line(3, {-90, -180, 90, 180}) +   // the whole world
+                  Line(4, {30, -10, 31, -9}));
   const struct {
     const char* what;
     std::vector<Point> points;
@@ -65,21 +95,82 @@ TEST(MapShopSearch, FindsWhatMeetsTheBoxAroundThePoints) {
       {"poles", {{90, 0}, {-90, 0}}, {3}},
       {"no points", {}, {1, 2, 3, 4}},
   };
-  for (const auto& row : cases) EXPECT_EQ(Found(products, row.points), row.found) << row.what;
+  for (const auto& row : cases) EXPECT_EQ(shop.Found(row.points), row.found) << row.what;
+}
+
+TEST(MapShopSearch, FindsAllThatAComparisonWithEachFinds) {
+  std::mt19937 random(1);
+  const auto area = [&] {
+    // Often edge to edge, often across the 180th meridian.
+    const auto whole = [&](int from, int to) { return std::uniform_int_distribution(from, to)(random); };
+    const double south = whole(-90, 80);
+    const double west = whole(-180, 179) + (whole(0, 1) != 0 ? 0.1 : 0.0);
+    return Area{south, west, south + whole(0, 10), west + whole(0, 40)};
+  };
+  std::vector<Area> areas(300);
+  std::string lines;
+  for (std::size_t i = 0; i < areas.size(); ++i) {
+    areas[i] = area();
+    lines += Line(static_cast<std::uint32_t>(i), areas[i]);
+  }
+  const Shop shop(lines);
+  for (int i = 0; i < 100; ++i) {
+    Area sought = area();
+    for (double* const edge : {&sought.west, &sought.east}) *edge += i % 3 == 0 ? -200 : 0;
+    Numbers expected;
+    for (std::size_t k = 0; k < areas.size(); ++k) {
+      if (Intersects(areas[k], sought)) expected.push_back(static_cast<std::uint32_t>(k));
+    }
+    EXPECT_EQ(shop.Found({{sought.south, sought.west}, {sought.north, sought.east}}), expected) << i;
+  }
+}
+
+TEST(MapShopSearch, FollowsTheProductFile) {
+  const Shop shop(Line(1, {}));
+  EXPECT_EQ(shop.Found({}), Numbers{1});
+  const auto made = std::filesystem::last_write_time(shop.index);
+  EXPECT_EQ(shop.Found({}), Numbers{1});
+  EXPECT_EQ(std::filesystem::last_write_time(shop.index), made) << "made anew without need";
+  const ProductIndex former(shop.products, shop.index);
+
+  WriteWholeFile(shop.index + "-new", "what a killed process left");
+  shop.Offer(Line(2, {}) + Line(3, {}));
+  EXPECT_EQ(shop.Found({}), (Numbers{2, 3}));
+  EXPECT_EQ(former.ProductCount(), 1U);
+  EXPECT_EQ(WordAt(AnswerSearch(Search({}), former), 4), 1U) << "who has the former index open keeps it";
+
+  testing::internal::CaptureStderr();
+  shop.Offer(Line(4, {}) + "5\tno area\n");
+  EXPECT_EQ(shop.Found({}), (Numbers{2, 3})) << "the file has an error";
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("products.tsv: line 2"), std::string::npos);
+
+  shop.Offer(Line(6, {}));
+  WriteWholeFile(shop.index, "no index");
+  EXPECT_EQ(shop.Found({}), Numbers{6});
+  EXPECT_EQ(AnswerSearch(Search({}), ProductIndex(shop.products, "")), shop.Answer(Search({}))) << "without an index";
+  EXPECT_THROW(ProductIndex(shop.folder / "none", shop.index), std::runtime_error);
+}
+
+TEST(MapShopSearch, GivesNoMoreThanFitsIntoAReply) {
+  const Shop shop(Line(1, {}, std::string(900, 't')) + Line(2, {}) + Line(3, {}));
+  const std::string reply = AnswerSearch(Search({}), ProductIndex(shop.products, shop.index), 1000);
+  EXPECT_EQ(WordAt(reply, 2), 1U);
+  EXPECT_EQ(reply.substr(reply.size() - 4), Int(3)) << "whole to its end";
 }
 
 TEST(MapShopSearch, IsNotUnderstoodWhenItIsCutOrNoArea) {
+  const Shop shop;
   const double infinity = std::numeric_limits<double>::infinity();
   for (const Point bad : {Point{90.5, 0}, Point{-91, 0}, Point{0, 400.5}, Point{0, -401}, Point{std::nan(""), 0},
                           Point{0, std::nan("")}, Point{infinity, 0}, Point{0, -infinity}}) {
-    EXPECT_EQ(AnswerSearch(Search({{1, 1}, bad}), {}), Int(1));
+    EXPECT_EQ(shop.Answer(Search({{1, 1}, bad})), Int(1)) << bad.latitude << ' ' << bad.longitude;
   }
   const std::string request = Search({{45, 6}, {46, 7}});
   for (std::size_t length = 0; length < request.size(); ++length) {
-    ASSERT_EQ(AnswerSearch(request.substr(0, length), {}), Int(1)) << length;
+    EXPECT_EQ(shop.Answer(request.substr(0, length)), Int(1)) << length;
   }
   for (const std::uint32_t count : {3U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
-    EXPECT_EQ(AnswerSearch(request.substr(0, 8) + Int(count) + request.substr(12), {}), Int(1)) << count;
+    EXPECT_EQ(shop.Answer(request.substr(0, 8) + Int(count) + request.substr(12)), Int(1)) << count;
   }
 }
 

@@ -1,9 +1,10 @@
-#include "service/mapshop/product_catalogue.h"
+#include "service/mapshop/product_file.h"
 
 #include <charconv>
 #include <fstream>
 #include <stdexcept>
 #include <string_view>
+#include <vector>
 
 namespace nvsupport::service {
 namespace {
@@ -47,18 +48,16 @@ bool ParseProduct(std::string_view line, Product& product) {
 
 }  // namespace
 
-std::vector<Product> ReadProducts(const std::string& path) {
+void ReadProducts(const std::string& path, const std::function<void(const Product&)>& take) {
   std::ifstream file(path);
   if (!file) throw std::runtime_error("cannot read " + path);
-  std::vector<Product> products;
   std::string line;
   for (int number = 1; std::getline(file, line); ++number) {
     if (line.empty() || line.front() == '#') continue;
     Product product;
     if (!ParseProduct(line, product)) throw std::runtime_error(path + ": line " + std::to_string(number));
-    products.push_back(std::move(product));
+    take(product);
   }
-  return products;
 }
 
 }  // namespace nvsupport::service

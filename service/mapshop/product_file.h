@@ -1,12 +1,12 @@
 // The products on offer, read from a text file: one product a line, columns separated by tabs, texts in UTF-8, lines
 // that begin with '#' left out. The columns are number, title, short text, file reference, size in KiB, south, west,
 // north and east; a product across the 180th meridian has its west above its east.
-#ifndef NVSUPPORT_SERVICE_MAPSHOP_PRODUCT_CATALOGUE_H
-#define NVSUPPORT_SERVICE_MAPSHOP_PRODUCT_CATALOGUE_H
+#ifndef NVSUPPORT_SERVICE_MAPSHOP_PRODUCT_FILE_H
+#define NVSUPPORT_SERVICE_MAPSHOP_PRODUCT_FILE_H
 
 #include <cstdint>
+#include <functional>
 #include <string>
-#include <vector>
 
 #include "service/mapshop/area.h"
 
@@ -21,8 +21,9 @@ struct Product {
   Area area;
 };
 
-// Throws std::runtime_error if the file cannot be read or a line is not as told, naming the line.
-std::vector<Product> ReadProducts(const std::string& path);
+// Gives the products to `take`, in the order of the file. Throws std::runtime_error if the file cannot be read or a
+// line is not as told, naming the line.
+void ReadProducts(const std::string& path, const std::function<void(const Product&)>& take);
 
 }  // namespace nvsupport::service
 

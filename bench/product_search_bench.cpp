@@ -1,0 +1,72 @@
+// How the service's search of the map shop grows with the number of products on offer: from the open file on, as each
+// CGI process does it, for areas that find some twenty products whatever their number.
+#include <benchmark/benchmark.h>
+#include <stdlib.h>
+
+#include <chrono>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+
+#include "service/mapshop/map_shop_service.h"
+#include "support/wire_items.h"
+
+namespace {
+
+using namespace nvsupport::service;
+using nvsupport::testing::Int;
+
+constexpr double latitudes = 160;
+constexpr double longitudes = 340;
+
+class Shop {
+ public:
+  explicit Shop(std::int64_t products) {
+    std::mt19937 random(1);
+    std::uniform_real_distribution<double> share;
+    std::ofstream file(path);
+    for (std::int64_t i = 0; i < products; ++i) {
+      const double south = -80 + share(random) * latitudes;
+      const double west = -170 + share(random) * longitudes;
+      file << i << "\tHiking map\tA map of the hills\tfiles/maps/" << i << ".nvmap\t100\t" << south << '\t' << west
+           << '\t' << south + 0.01 << '\t' << west + 0.01 << '\n';
+    }
+  }
+  ~Shop() { std::filesystem::remove_all(folder); }
+
+  ProductIndex Index() const { return ProductIndex(path, folder + "/index"); }
+
+ private:
+  std::string folder = [] {
+    std::string name = "/tmp/nvsupport-bench-XXXXXX";
+    return std::string(mkdtemp(name.data()));
+  }();
+  const std::string path = folder + "/products.tsv";
+};
+
+void BM_ProductSearch(benchmark::State& state) {
+  const Shop shop(state.range(0));
+  const auto start = std::chrono::steady_clock::now();
+  shop.Index();
+  state.counters["index_made_s"] = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+
+  const double side = std::sqrt(20 * latitudes * longitudes / static_cast<double>(state.range(0)));
+  std::mt19937 random(2);
+  std::uniform_real_distribution<double> share;
+  double found = 0;
+  for (auto _ : state) {
+    const double south = -80 + share(random) * std::max(0.0, latitudes - side);
+    const double west = -170 + share(random) * (longitudes - side);
+    const double points[] = {south, west, std::min(south + side, 90.0), west + side};
+    const std::string block(reinterpret_cast<const char*>(points), sizeof points);
+    const std::string reply = AnswerSearch(Int(101) + Int(4) + Int(2) + block + Int(0), shop.Index());
+    found += static_cast<unsigned char>(reply[8]);
+  }
+  state.counters["found"] = found / static_cast<double>(state.iterations());
+}
+
+BENCHMARK(BM_ProductSearch)->Name("product_search")->Arg(100)->Arg(10000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+
+}  // namespace

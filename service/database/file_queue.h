@@ -1,0 +1,30 @@
+// A queue of processes, by a lock on a file. The kernel wakes those who wait in their order, and a process that is
+// killed gives its place up.
+#ifndef NVSUPPORT_SERVICE_DATABASE_FILE_QUEUE_H
+#define NVSUPPORT_SERVICE_DATABASE_FILE_QUEUE_H
+
+#include <string>
+
+namespace nvsupport::service {
+
+class FileQueue {
+ public:
+  // Makes the file, readable by its owner alone, if it is missing. Throws std::system_error if that cannot be done.
+  explicit FileQueue(const std::string& path);
+  FileQueue(const FileQueue&) = delete;
+  FileQueue& operator=(const FileQueue&) = delete;
+  ~FileQueue();
+
+  // Waits for the turn of this object, which lasts until Leave.
+  void Enter();
+  // Takes the turn only if that needs no waiting.
+  bool TryEnter();
+  void Leave() noexcept;
+
+ private:
+  int descriptor;
+};
+
+}  // namespace nvsupport::service
+
+#endif
