@@ -38,6 +38,8 @@ TEST(WebRange, SendsTheRangeInFull) {
               "Range: bytes=" +
                   entry.range + "\r\n\r\n");
   }
+  EXPECT_EQ(xfa704a3f(serverName, "a b#c?d=../e\xE9", 0, 1, buffer, nullptr, nullptr), 1);
+  EXPECT_TRUE(server.Requests().back().starts_with("GET /a%20b%23c?d=../e\xE9 HTTP/1.1\r\n"));
 }
 
 TEST(WebRange, TellsWholeFromBrokenFromNothing) {
