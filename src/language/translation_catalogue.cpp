@@ -25,7 +25,10 @@ CTranslationCatalogue::~CTranslationCatalogue() {
 
 bool CTranslationCatalogue::SetLanguage(const std::string& name) {
   if (name == language) return false;
-  if (!LoadCatalogueFile(GetCatalogueFileName(name))) {
+  const std::string catalogue = GetCatalogueFileName(name);
+  const bool loaded = LoadCatalogueFile(catalogue);
+  platform::TraceLanguage(name, catalogue, loaded ? entries.size() : 0);
+  if (!loaded) {
     if (name != sourceLanguage) return false;
     entries.clear();
     misses.clear();

@@ -7,6 +7,7 @@
 
 #include "system.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -65,6 +66,9 @@ bool CreatePath(const std::string& path);
 // fopen on a path as the library composes it (either separator). Null when the file cannot be opened. A file opened
 // for writing is readable by its owner alone.
 FileStream OpenFileStream(const char* path, const char* mode);
+
+// Tells a trace, where the system has one, which language is in force and how many texts its catalogue gave.
+void TraceLanguage(const std::string& language, const std::string& catalogue, std::size_t texts);
 
 // Notes the windows that a wait cursor would be shown on. Called by the thread that is going to be blocked, before
 // another one sets the cursor for it; where the system itself finds the window below the pointer it does nothing.

@@ -11,11 +11,14 @@
 #include "module.h"
 #include "read_file.h"
 #include "registry_file.h"
+#include "trace.h"
 #include "xdg_folders.h"
 
 namespace {
 
 using platform::RegistryValues;
+using platform::Trace;
+using platform::TraceArea;
 
 // More than any hand-written or exported file of an application holds; what lies behind it is not read.
 constexpr std::size_t maxRegistryFile = 4 << 20;
@@ -30,13 +33,20 @@ bool IsRoot(HKEY key) {
   return key == HKEY_CURRENT_USER || key == HKEY_LOCAL_MACHINE;
 }
 
+std::optional<std::string> ReadText(const std::string& folder) {
+  const std::string path = folder + fileBelowConfig;
+  std::optional<std::string> text = platform::ReadFileUpTo(path, maxRegistryFile);
+  Trace(TraceArea::registry, text ? "file %s" : "no file %s", path.c_str());
+  return text;
+}
+
 std::string UserText() {
-  return platform::ReadFileUpTo(platform::ConfigHome() + fileBelowConfig, maxRegistryFile).value_or("");
+  return ReadText(platform::ConfigHome()).value_or("");
 }
 
 std::string MachineText() {
   for (const std::string& folder : platform::ConfigDirs()) {
-    if (auto text = platform::ReadFileUpTo(folder + fileBelowConfig, maxRegistryFile)) return *text;
+    if (auto text = ReadText(folder)) return *text;
   }
   return {};
 }
@@ -64,6 +74,7 @@ LONG RegOpenKeyExA(HKEY root, LPCSTR subKey, DWORD, DWORD, HKEY* key) {
       base::ToLower(name) == computerNameKey
           ? ComputerName()
           : platform::FindRegistryKey(root == HKEY_CURRENT_USER ? UserText() : MachineText(), name);
+  Trace(TraceArea::registry, values ? "key %s" : "no key %s", name.c_str());
   if (!values) return ERROR_FILE_NOT_FOUND;
   *key = reinterpret_cast<HKEY>(new RegistryValues(std::move(*values)));
   return ERROR_SUCCESS;
@@ -75,9 +86,15 @@ LONG RegQueryValueExA(HKEY key, LPCSTR name, LPDWORD, LPDWORD type, BYTE* data, 
   if (IsRoot(key)) return ERROR_FILE_NOT_FOUND;
   const RegistryValues& values = ValuesOf(key);
   const auto found = values.find(base::ToLower(name != nullptr ? name : ""));
-  if (found == values.end()) return ERROR_FILE_NOT_FOUND;
+  if (found == values.end()) {
+    Trace(TraceArea::registry, "no value %s", name != nullptr ? name : "");
+    return ERROR_FILE_NOT_FOUND;
+  }
 
   const std::string& bytes = found->second.bytes;
+  if (data != nullptr && found->second.type == platform::REG_SZ) {
+    Trace(TraceArea::registry, "value %s = \"%s\"", found->first.c_str(), bytes.c_str());
+  }
   if (type != nullptr) *type = found->second.type;
   if (size == nullptr) return ERROR_SUCCESS;
   const DWORD room = *size;

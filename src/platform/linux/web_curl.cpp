@@ -8,6 +8,8 @@
 #include <new>
 #include <sstream>
 
+#include "trace.h"
+
 namespace platform {
 
 WebLimits webLimits;
@@ -53,6 +55,17 @@ curl_socket_t OpenSocket(void*, curlsocktype, curl_sockaddr* address) {
   return socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
 }
 
+// HOST:PORT:TO-HOST:TO-PORT, where a host may be an address with colons in brackets.
+bool IsConnectToEntry(std::string_view entry) {
+  int colons = 0;
+  bool inBrackets = false;
+  for (const char c : entry) {
+    if (c == '[' || c == ']') inBrackets = c == '[';
+    if (c == ':' && !inBrackets) ++colons;
+  }
+  return colons == 3;
+}
+
 }  // namespace
 
 CurlList MakeCurlList(const std::vector<std::string>& lines) {
@@ -70,7 +83,10 @@ CurlList MakeConnectToList() {
   const char* variable = Variable("NV_CONNECT_TO");
   std::istringstream stream(variable != nullptr ? variable : "");
   std::vector<std::string> entries;
-  for (std::string entry; std::getline(stream, entry, ',');) entries.push_back(entry);
+  for (std::string entry; std::getline(stream, entry, ',');) {
+    if (!IsConnectToEntry(entry)) Trace(TraceArea::web, "NV_CONNECT_TO: \"%s\" is malformed", entry.c_str());
+    entries.push_back(entry);
+  }
   return MakeCurlList(entries);
 }
 

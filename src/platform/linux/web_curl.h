@@ -39,8 +39,8 @@ CurlList MakeCurlList(const std::vector<std::string>& lines);
 // Where connections really go, from NV_CONNECT_TO; empty if that is not set.
 CurlList MakeConnectToList();
 
-// Bytes that libcurl takes from a connection at a time.
-inline constexpr long webReceiveSize = 64L * 1024;
+// Bytes that libcurl takes from a connection at a time: many, so that a large body costs few calls of the system.
+inline constexpr long webReceiveSize = 512L * 1024;
 
 // Sets all that does not depend on who receives the reply. The lists must outlive the transfer; the body is copied.
 // False if the transfer cannot be made as it should be.

@@ -6,10 +6,12 @@
 #include <new>
 #include <utility>
 
+#include "trace.h"
+
 namespace platform {
 namespace {
 
-constexpr std::size_t windowSize = 2 * webReceiveSize;
+constexpr std::size_t largestWindow = 2 * webReceiveSize;
 constexpr std::size_t headLimit =
     std::size_t{256} * 1024;  // bytes of all heads of one exchange, interim replies included
 constexpr int redirectLimit = 10;
@@ -23,6 +25,10 @@ bool KeepsMethod(long status) {
   return status == 307 || status == 308;
 }
 
+long long MillisecondsSince(std::chrono::steady_clock::time_point start) {
+  return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
+}
+
 }  // namespace
 
 WebExchange::~WebExchange() {
@@ -34,11 +40,13 @@ WebExchange::~WebExchange() {
 
 bool WebExchange::Send(WebRequest request, std::string_view extraHeader, std::string_view body) {
   std::optional<std::string> url = BuildUrl(request);
-  if (!url) return false;
+  if (!url) {
+    Trace(TraceArea::web, "host \"%s\" and its path make no address", request.host.c_str());
+    return false;
+  }
   if (!engine) engine = TakeWebEngine();
   connectTo = MakeConnectToList();
-  window.resize(windowSize);
-  const Clock::time_point start = Clock::now();
+  start = Clock::now();
   if (request.post) {
     lastMoment = start + webLimits.exchange;
     bodyRoom = webLimits.replySize;
@@ -47,6 +55,7 @@ bool WebExchange::Send(WebRequest request, std::string_view extraHeader, std::st
     if (!SendOnce(*url, request, extraHeader, body, start + webLimits.head)) return false;
     const std::string target = request.followRedirects ? RedirectTarget(*url) : std::string();
     if (target.empty()) return true;
+    if (IsTraced(TraceArea::web)) Trace(TraceArea::web, "redirect to %s", PublicPartOf(target).c_str());
     // What goes over TLS is meant for one host: a redirect never leads it out of TLS or to another one.
     if (request.secure && !StaysOnTlsHost(*url, target)) break;
     url = target;
@@ -54,9 +63,10 @@ bool WebExchange::Send(WebRequest request, std::string_view extraHeader, std::st
     request.post = request.post && KeepsMethod(StatusCode());
   }
   // A redirect that is not followed is no reply, so nothing of it can be read.
+  Trace(TraceArea::web, "redirect not followed");
   phase = Phase::failed;
   headDone = false;
-  begin = end = 0;
+  ForgetBody();
   return false;
 }
 
@@ -73,6 +83,9 @@ bool WebExchange::SendOnce(const std::string& url, const WebRequest& request, st
   // A name without a value takes a header of libcurl's own out.
   for (const char* unwanted : {"Accept:", "Content-Type:", "Expect:"}) lines->emplace_back(unwanted);
 
+  if (IsTraced(TraceArea::web)) {
+    Trace(TraceArea::web, "%s %s", request.post ? "POST" : "GET", PublicPartOf(url).c_str());
+  }
   CURL* const easy = engine->Easy();
   Detach();
   phase = Phase::failed;
@@ -81,6 +94,8 @@ bool WebExchange::SendOnce(const std::string& url, const WebRequest& request, st
   curl_easy_reset(easy);
   headers = MakeCurlList(*lines);
   if (!SetTransferOptions(easy, url, request, headers.get(), connectTo.get(), body)) return false;
+  reason[0] = '\0';
+  curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, reason);
   curl_easy_setopt(easy, CURLOPT_PREREQFUNCTION, &OnRequest);
   curl_easy_setopt(easy, CURLOPT_PREREQDATA, this);
   curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &OnHead);
@@ -91,15 +106,16 @@ bool WebExchange::SendOnce(const std::string& url, const WebRequest& request, st
 
   phase = Phase::running;
   paused = false;
-  begin = end = 0;
+  ForgetBody();
   Drive(until, [this] { return headDone; });
+  if (headDone) Trace(TraceArea::web, "status %ld after %lld ms", StatusCode(), MillisecondsSince(start));
   return headDone;
 }
 
 std::optional<std::size_t> WebExchange::Read(char* data, std::size_t size) {
-  Drive(std::min(Clock::now() + webLimits.silence, lastMoment), [this] { return begin != end; });
-  if (begin == end) return phase == Phase::ended ? std::optional<std::size_t>(0) : std::nullopt;
-  const std::size_t part = std::min(size, end - begin);
+  if (!HasUnread()) Drive(std::min(Clock::now() + webLimits.silence, lastMoment), [this] { return HasUnread(); });
+  if (!HasUnread()) return phase == Phase::ended ? std::optional<std::size_t>(0) : std::nullopt;
+  const std::size_t part = std::min(size, window.size() - begin);
   std::memcpy(data, window.data() + begin, part);
   begin += part;
   return part;
@@ -140,11 +156,11 @@ void WebExchange::Drive(Clock::time_point until, Done done) {
 }
 
 void WebExchange::Advance() {
-  if (begin == end) begin = end = 0;
+  if (!HasUnread()) ForgetBody();
   if (paused) {
     paused = false;
     curl_easy_pause(engine->Easy(), CURLPAUSE_CONT);
-    if (begin != end) return;
+    if (HasUnread()) return;
   }
   int running = 0;
   if (curl_multi_perform(engine->Multi(), &running) != CURLM_OK) return End(CURLE_FAILED_INIT);
@@ -170,6 +186,15 @@ void WebExchange::End(CURLcode result) {
   curl_easy_getinfo(engine->Easy(), CURLINFO_NAMELOOKUP_TIME_T, &lookup);
   if (result == CURLE_OPERATION_TIMEDOUT && !begun && lookup == 0) PinCurl();
   phase = headDone && (result == CURLE_OK || shortBody) ? Phase::ended : Phase::failed;
+  if (IsTraced(TraceArea::web)) TraceEnd(result);
+}
+
+void WebExchange::TraceEnd(CURLcode result) const {
+  curl_off_t received = 0;
+  curl_easy_getinfo(engine->Easy(), CURLINFO_SIZE_DOWNLOAD_T, &received);
+  const char* const outcome = result == CURLE_OK ? "whole" : reason[0] != '\0' ? reason : curl_easy_strerror(result);
+  Trace(TraceArea::web, "%lld bytes of the body after %lld ms: %s", static_cast<long long>(received),
+        MillisecondsSince(start), outcome);
 }
 
 int WebExchange::OnRequest(void* exchange, char*, char*, int, int) {
@@ -190,18 +215,19 @@ std::size_t WebExchange::OnHead(char* data, std::size_t unit, std::size_t size, 
   return line.size();
 }
 
-std::size_t WebExchange::OnBody(char* data, std::size_t unit, std::size_t size, void* exchange) {
+std::size_t WebExchange::OnBody(char* data, std::size_t unit, std::size_t size, void* exchange) try {
   auto* self = static_cast<WebExchange*>(exchange);
   const std::size_t arrived = unit * size;
   const std::size_t taken = std::min(arrived, self->bodyRoom);
-  if (arrived > self->window.size() - self->end) {
+  if (arrived > largestWindow - self->window.size()) {
     self->paused = true;
     return CURL_WRITEFUNC_PAUSE;
   }
-  std::memcpy(self->window.data() + self->end, data, taken);
-  self->end += taken;
+  self->window.insert(self->window.end(), data, data + taken);
   self->bodyRoom -= taken;
   return taken;  // fewer than came end the transfer
+} catch (const std::bad_alloc&) {
+  return 0;
 }
 
 }  // namespace platform

@@ -55,6 +55,11 @@ class WebExchange {
   const char* Header(const char* name) const;
   // Where the reply to `url` sends the client, empty if this reply is the final one.
   std::string RedirectTarget(const std::string& url) const;
+  bool HasUnread() const { return begin != window.size(); }
+  void ForgetBody() {
+    window.clear();
+    begin = 0;
+  }
   // Works and waits in turn until `done` or the transfer ends, as it does when the time has come.
   template <typename Done>
   void Drive(Clock::time_point until, Done done);
@@ -62,6 +67,8 @@ class WebExchange {
   void Advance();
   void Wait(Clock::time_point until);
   void End(CURLcode result);
+  // How far the transfer came, for the trace.
+  void TraceEnd(CURLcode result) const;
 
   // Each relies on those before it.
   CurlList headers;
@@ -69,16 +76,17 @@ class WebExchange {
   std::unique_ptr<WebEngine> engine;
 
   Phase phase = Phase::failed;
-  bool once = false;   // the request must not go out a second time
-  bool begun = false;  // a connection is there, and the request goes out
+  Clock::time_point start;            // of the whole exchange
+  char reason[CURL_ERROR_SIZE] = {};  // libcurl's own text for a failure
+  bool once = false;                  // the request must not go out a second time
+  bool begun = false;                 // a connection is there, and the request goes out
   bool headDone = false;
   std::size_t headBytes = 0;
   Clock::time_point lastMoment = Clock::time_point::max();  // of the whole exchange
   std::size_t bodyRoom = SIZE_MAX;                          // bytes that the body may still have
   bool paused = false;                                      // libcurl holds back a piece of the body that had no room
-  std::vector<char> window;                                 // of the body; [begin, end) is received and not yet read
-  std::size_t begin = 0;
-  std::size_t end = 0;
+  std::vector<char> window;                                 // of the body: what is received
+  std::size_t begin = 0;                                    // in the window: what is not yet read
 };
 
 }  // namespace platform

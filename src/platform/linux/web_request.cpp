@@ -93,6 +93,18 @@ bool StaysOnTlsHost(const std::string& from, const std::string& to) {
          base::ToLower(PartOf(before, CURLUPART_HOST)) == base::ToLower(PartOf(behind, CURLUPART_HOST));
 }
 
+std::string PublicPartOf(const std::string& url) {
+  const Url parts(curl_url());
+  constexpr unsigned anyForm = CURLU_PATH_AS_IS | CURLU_NON_SUPPORT_SCHEME;
+  if (!parts || curl_url_set(parts.get(), CURLUPART_URL, url.c_str(), anyForm) != CURLUE_OK)
+    return "a malformed address";
+  for (const CURLUPart part :
+       {CURLUPART_USER, CURLUPART_PASSWORD, CURLUPART_OPTIONS, CURLUPART_QUERY, CURLUPART_FRAGMENT}) {
+    curl_url_set(parts.get(), part, nullptr, 0);
+  }
+  return PartOf(parts, CURLUPART_URL);
+}
+
 std::optional<std::vector<std::string>> BuildHeaders(const WebRequest& request, std::string_view extra,
                                                      std::size_t bodySize) {
   std::vector<std::string> texts;

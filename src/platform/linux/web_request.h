@@ -31,6 +31,9 @@ std::string ResolveUrl(const std::string& base, const char* reference);
 // Whether a redirect between the two leads neither out of TLS nor to another host.
 bool StaysOnTlsHost(const std::string& from, const std::string& to);
 
+// A URL as others may see it: without query and user.
+std::string PublicPartOf(const std::string& url);
+
 // The header lines behind Host, in their order. extra: one further header, with or without a line end, or nothing.
 // No value if a line would not be well-formed.
 std::optional<std::vector<std::string>> BuildHeaders(const WebRequest& request, std::string_view extra,

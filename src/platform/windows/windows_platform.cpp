@@ -24,6 +24,8 @@ FileStream OpenFileStream(const char* path, const char* mode) {
   return FileStream(std::fopen(path, mode));
 }
 
+void TraceLanguage(const std::string&, const std::string&, std::size_t) {}
+
 void NoteWindowsForWaitCursor() {}
 
 }  // namespace platform

@@ -4,10 +4,14 @@
 #include <string>
 
 #include "../module.h"
+#include "../trace.h"
 #include "display_selection.h"
 
 namespace windowing {
 namespace {
+
+using platform::Trace;
+using platform::TraceArea;
 
 constexpr const char* pluginName = "nvsupport-qt.so";
 constexpr const char* openFunctionName = "nvsupport_open_display";
@@ -27,8 +31,12 @@ std::string PluginPath() {
 NvOpenDisplay FindDisplay() {
   const std::string path = PluginPath();
   void* plugin = path.empty() ? nullptr : dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
-  if (plugin == nullptr) return nullptr;
+  if (plugin == nullptr) {
+    Trace(TraceArea::display, "no plugin \"%s\": %s", path.c_str(), path.empty() ? "where is the module?" : dlerror());
+    return nullptr;
+  }
   const auto open = reinterpret_cast<NvOpenDisplay>(dlsym(plugin, openFunctionName));
+  Trace(TraceArea::display, open != nullptr ? "plugin %s" : "plugin %s is of another kind", path.c_str());
   dlclose(plugin);
   return open;
 }

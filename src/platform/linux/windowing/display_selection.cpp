@@ -3,6 +3,7 @@
 #include <atomic>
 
 #include "../threads.h"
+#include "../trace.h"
 #include "dialog_manager.h"
 
 namespace windowing {
@@ -21,6 +22,7 @@ void SetDisplay(Display* display) {
 Display* OpenFoundDisplay() {
   const NvOpenDisplay open = FindDisplay();
   Display* display = open != nullptr ? open(&CoreEvents()) : nullptr;
+  platform::Trace(platform::TraceArea::display, display != nullptr ? "opened" : "no usable display");
   if (display != nullptr) openDisplay = open;
   return display;
 }

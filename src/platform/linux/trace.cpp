@@ -1,0 +1,70 @@
+#include "trace.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <iterator>
+#include <string_view>
+
+#include "platform/platform.h"
+
+namespace platform {
+namespace {
+
+constexpr const char* areaNames[] = {"web", "files", "display", "language", "registry"};  // as TraceArea counts
+constexpr std::size_t longestLine = 2000;
+
+// One bit for each area.
+unsigned ReadAreas() {
+  const char* const variable = secure_getenv("NV_TRACE");
+  std::string_view rest = variable != nullptr ? variable : "";
+  unsigned areas = 0;
+  while (!rest.empty()) {
+    const std::string_view word = rest.substr(0, rest.find(','));
+    for (unsigned area = 0; area < std::size(areaNames); ++area) {
+      if (word == "all" || word == areaNames[area]) areas |= 1u << area;
+    }
+    rest.remove_prefix(std::min(rest.size(), word.size() + 1));
+  }
+  return areas;
+}
+
+}  // namespace
+
+bool IsTraced(TraceArea area) {
+  static const unsigned areas = ReadAreas();
+  return (areas >> static_cast<unsigned>(area) & 1) != 0;
+}
+
+void Trace(TraceArea area, const char* format, ...) {
+  if (!IsTraced(area)) return;
+  char line[longestLine];
+  timespec now{};
+  clock_gettime(CLOCK_REALTIME, &now);
+  tm utc{};
+  gmtime_r(&now.tv_sec, &utc);
+  int length = std::snprintf(line, sizeof line, "%02d:%02d:%02d.%03ld %s ", utc.tm_hour, utc.tm_min, utc.tm_sec,
+                             now.tv_nsec / 1'000'000, areaNames[static_cast<unsigned>(area)]);
+  std::va_list arguments;
+  va_start(arguments, format);
+  const auto room = sizeof line - static_cast<std::size_t>(length);
+  const int wanted = std::vsnprintf(line + length, room, format, arguments);
+  va_end(arguments);
+  length += std::clamp(wanted, 0, static_cast<int>(room) - 1);
+  // A name or a server's text must neither begin a line of its own nor speak to the terminal.
+  std::replace_if(
+      line, line + length, [](unsigned char c) { return c < 0x20 || c == 0x7F; }, '?');
+  line[length] = '\n';
+  // At once, so that the lines of several threads do not mix.
+  static_cast<void>(!write(STDERR_FILENO, line, static_cast<std::size_t>(length) + 1));
+}
+
+void TraceLanguage(const std::string& language, const std::string& catalogue, std::size_t texts) {
+  Trace(TraceArea::language, "%s: %zu texts of %s", language.c_str(), texts, catalogue.c_str());
+}
+
+}  // namespace platform
