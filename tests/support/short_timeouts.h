@@ -20,7 +20,7 @@ class ShortTimeouts {
   ShortTimeouts& operator=(const ShortTimeouts&) = delete;
 
  private:
-  static constexpr std::chrono::milliseconds brief{300};
+  static constexpr std::chrono::milliseconds brief{600};
   platform::WebLimits former =
       std::exchange(platform::webLimits,
                     {.connect = brief, .head = brief, .silence = brief, .exchange = 2 * brief, .replySize = replySize});
