@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Starts one of the configurations that operators get, as installed, with paths and ports of the test's own: a search
-# and a sign-in have to go through it, and no account operation without TLS.
+# Starts one of the configurations that operators get, as installed, with paths and ports of the test's own: a search,
+# all account operations and the account page have to go through it, none without TLS, and no log holds a secret.
 #
 # deploy_test.sh BUILD-FOLDER SOURCE-FOLDER lighttpd|nginx
 set -euo pipefail
@@ -71,11 +71,14 @@ PYTHON
 # Posts an example of the protocol page; prints the reply as one line of hexadecimal digits.
 example() { awk -v name="\`\`\`hex $1" '$0 == name { on = 1; next } /^```/ { on = 0 } on { sub("#.*", ""); printf "%s", $0 }' \
   "$source/docs/service_protocol.md" | tr -d ' '; }
+get() {
+  curl -sS --max-time 60 --cacert "$root/etc/tls/server.pem" \
+    --connect-to "service.norvane.example:80:127.0.0.1:$http" --connect-to "service.norvane.example:443:127.0.0.1:$https" \
+    "$@" 2>>"$root/logs/curl"
+}
 post() {
   example "$2 request" | xxd -r -p >"$root/request"
-  curl -sS --max-time 60 --cacert "$root/etc/tls/server.pem" -H 'Content-Type:' --data-binary "@$root/request" \
-    --connect-to "service.norvane.example:80:127.0.0.1:$http" --connect-to "service.norvane.example:443:127.0.0.1:$https" \
-    "$1://service.norvane.example/cgi-bin/$3" 2>>"$root/logs/curl" | xxd -p | tr -d '\n'
+  get -H 'Content-Type:' --data-binary "@$root/request" "$1://service.norvane.example/cgi-bin/$3" | xxd -p | tr -d '\n'
 }
 
 for ((try = 0; try < 5; ++try)); do
@@ -88,9 +91,13 @@ for ((try = 0; try < 5; ++try)); do
   done
 done
 [[ $(post http search mapstore2.cgi) == "$(example 'search reply')" ]] || fail "no answer to a search"
-for operation in create-account sign-in; do
+for operation in create-account sign-in name-computer; do
   [[ $(post https $operation svcapp.cgi) == "$(example "$operation reply")" ]] || fail "no answer to $operation"
 done
 [[ $(post http sign-in svcapp.cgi) == 01000000 ]] || fail "an account operation without TLS is not refused"
 [[ $(stat -c %a "$root/state/accounts.sqlite") == 600 ]] || fail "others can read the accounts"
+token=$(post https session-token svcapp.cgi | cut -c 17- | sed -E 's/(..)../\1/g' | xxd -r -p)
+[[ ${#token} == 19 ]] || fail "no session token"
+get "https://service.norvane.example/cgi-bin/svcuser.cgi?session=$token" | grep -q 'Desk at home' || fail "no account page"
+grep -rq -e "$token" -e [Ss]ecret "$root/logs" && fail "a log holds a secret"
 grep -q "POST /cgi-bin/svcapp.cgi 200" "$root/logs/access.log" || fail "the log does not tell of the sign-in"
