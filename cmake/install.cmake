@@ -28,5 +28,10 @@ install(FILES ${PROJECT_BINARY_DIR}/nvsupport-config-version.cmake DESTINATION $
 
 # Relative to the file itself, so that a package can be moved.
 file(RELATIVE_PATH prefixFromPkgConfig /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+if(WIN32)
+  set(linkName -lnvsupport)
+else()
+  set(linkName -l:nvsupport.so)
+endif()
 configure_file(${CMAKE_CURRENT_LIST_DIR}/nvsupport.pc.in ${PROJECT_BINARY_DIR}/nvsupport.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/nvsupport.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

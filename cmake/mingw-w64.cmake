@@ -1,10 +1,10 @@
-# Toolchain of the windows preset: Debian's g++-mingw-w64-x86-64.
+# The MinGW-w64 cross compilers of Debian, for the processor that the including toolchain file names.
 set(CMAKE_SYSTEM_NAME Windows)
-set(CMAKE_SYSTEM_PROCESSOR x86_64)
-set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc)
-set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++)
-set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
-set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
+set(tools ${CMAKE_SYSTEM_PROCESSOR}-w64-mingw32)
+set(CMAKE_C_COMPILER ${tools}-gcc)
+set(CMAKE_CXX_COMPILER ${tools}-g++)
+set(CMAKE_RC_COMPILER ${tools}-windres)
+set(CMAKE_FIND_ROOT_PATH /usr/${tools})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

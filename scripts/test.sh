@@ -12,12 +12,6 @@ check_format() {
   git ls-files '*.h' '*.cpp' '*.c' | xargs clang-format --dry-run --Werror
 }
 
-build_windows() {
-  cmake --preset windows >/dev/null
-  cmake --build --preset windows
-  scripts/check-exports.sh build/windows/nvsupport.dll
-}
-
 build_release() {
   cmake --preset release >/dev/null
   cmake --build --preset release --target programs nvsupport-bench
@@ -39,7 +33,7 @@ test_all() {
 # Name and command of each step, in the order in which they run.
 readonly steps=(
   "format check_format"      # every source as clang-format leaves it
-  "windows build_windows"    # cross build of the DLL, with its exports
+  "windows scripts/test_windows.sh" # cross build of the DLL, with its exports, and the trial of it in Wine
   "bare scripts/check-bare.sh" # the module alone, and what its build asks for
   "release build_release"    # optimised build of all programs, with the module's exports
   "threads test_threads"     # what has threads, under ThreadSanitizer

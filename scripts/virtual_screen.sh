@@ -1,6 +1,6 @@
 # A virtual screen and a played user before it, for scripts that source this file. Needs Xvfb and xdotool; what is
 # waited for comes within the seconds below, or the script ends with a message.
-readonly screen_seconds=10 window_seconds=20
+readonly screen_seconds=120 window_seconds=120
 
 # Starts an X server on a free display and sends all programs there. open_screen FOLDER [SERVER-OPTION...]: sockets of
 # the programs go to FOLDER. Sets screen_pid, for the caller to end.

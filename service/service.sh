@@ -35,6 +35,7 @@ Environment:
   NV_WEB_HOST                   name of the host of the vendor's pages (now $web_host)
   NV_SERVICE_DATABASE           where the accounts are (else accounts.sqlite in DIR)
   NV_SERVICE_PRODUCTS           the products on offer (else service/data/products.tsv)
+  NV_SERVICE_PORTS              the two ports of HTTP and HTTPS (else free ones of its own choosing)
   NV_SERVICE_SESSION_SECONDS    for how long a session token is good (now $session_seconds)
   NV_SERVICE_KBYTES_PER_SECOND  most that a connection gets, to have time to watch; 0: no limit (now $kbytes_per_second)
   NV_SERVICE_PROCESSES          requests at work at a time; the rest wait (now $processes)
@@ -198,7 +199,7 @@ start() {
   make_certificates
   make_www
   for ((try = 0; try < start_tries; ++try)); do
-    http_port=$(random_port) https_port=$(random_port)
+    read -r http_port https_port <<<"${NV_SERVICE_PORTS:-$(random_port) $(random_port)}"
     [ "$http_port" != "$https_port" ] || continue
     write_configuration "$cgi_bin" "$http_port" "$https_port"
     launch "$http_port" "$https_port" && { print_environment; return; }

@@ -1,6 +1,24 @@
 // The few operations of our own, on Windows. The system's loader calls DllMain by itself.
 #include "platform/platform.h"
 
+#ifdef __GLIBCXX__
+namespace __gnu_cxx {
+void __freeres();  // declared in no header
+}
+
+namespace {
+
+// The run-time that is linked into the DLL holds 73 KiB in reserve, to throw exceptions from when memory has run out,
+// and does not give them back by itself: every load and unload would cost the host as much. First to come to life, so
+// that it is the last to go.
+struct ReserveOfTheRunTime {
+  ~ReserveOfTheRunTime() { __gnu_cxx::__freeres(); }
+};
+[[gnu::init_priority(101)]] ReserveOfTheRunTime reserve;
+
+}  // namespace
+#endif
+
 namespace platform {
 
 ModuleEntry::ModuleEntry() = default;

@@ -1,0 +1,153 @@
+#!/usr/bin/env bash
+# Builds the DLL and tries it in Wine, on a virtual screen: a host in C that searches, downloads, reads and
+# gets tokens from the local service over TLS, the dialogs by keyboard, and 200 loads and unloads.
+#
+# The DLL asks the real names of the service at their real ports, so all of this happens in a network of its own, with a
+# host table and a trust store of its own. Where the machine allows no such network, what needs the service is left out.
+# Wine's folder is build/windows/wine; a picture of the sign-in dialog goes to build/windows/sign-in.png.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+source scripts/virtual_screen.sh
+
+readonly build=$PWD/build/windows
+readonly dll=$build/nvsupport.dll
+readonly host=$build/nv_module_host.exe
+readonly seconds=300 # for a program in Wine
+
+if [[ ${1:-} != in-own-network ]]; then
+  cmake --preset windows >/dev/null
+  cmake --build --preset windows --target nvsupport nvsupport_catalogues nv_module_host
+  scripts/check-exports.sh "$dll"
+  cmake --preset release >/dev/null
+  cmake --build --preset release --target svcapp svcuser mapstore2
+  own_network=(unshare --map-current-user --keep-caps --net --mount)
+  "${own_network[@]}" true 2>/dev/null && exec "${own_network[@]}" scripts/test_windows.sh in-own-network
+  echo "This machine allows no network of one's own: what needs the service is left out."
+fi
+readonly network=${1:-}
+
+work=$(mktemp -d)
+screen_pid='' host_pid=''
+finish() {
+  end_program "$host_pid"
+  wineserver -k || true # there may be none
+  wineserver -w
+  end_program "$screen_pid"
+  service/service.sh stop "$work/service"
+  rm -rf "$work"
+}
+trap finish EXIT
+fail() { echo "test_windows.sh: $*" >&2; exit 1; }
+step() { printf -- '-- %s\n' "$*"; }
+
+export WINEPREFIX=$build/wine/prefix HOME=$build/wine/home WINEDEBUG=-all
+export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d' # nothing that asks for downloads
+mkdir -p "$WINEPREFIX" "$HOME"
+open_screen "$work"
+wineserver --persistent # what starts with it stays for all programs
+if [[ ! -e $build/wine/made ]]; then
+  step "Wine's folder, once"
+  timeout "$seconds" wineboot --init >/dev/null 2>&1
+  touch "$build/wine/made"
+fi
+
+if [[ $network ]]; then
+  ip link set lo up
+  echo "127.0.0.1 localhost $(uname -n) service.norvane.example www.norvane.example web.example" >"$work/hosts"
+  mount --bind "$work/hosts" /etc/hosts
+  NV_BUILD_DIR=build/release NV_SERVICE_PORTS="80 443" service/service.sh start "$work/service" >/dev/null
+  mount --bind "$work/service/ca.pem" /etc/ssl/certs/ca-certificates.crt
+fi
+
+# A job of module_host.c, in a folder of its own; what it prints goes to $work/output.
+host() {
+  (cd "$work" && exec timeout "$seconds" wine "$host" "$dll" "$@") >"$work/output"
+}
+# Fails unless the last job has printed these lines and no others.
+printed() { diff <(printf '%s\n' "$@") <(tr -d '\r' <"$work/output") >&2 || fail "the host printed something else"; }
+# Asks for a token while a user does what follows.
+asks_for_token() {
+  host token "$1" &
+  host_pid=$!
+}
+answers() {
+  wait "$host_pid" || fail "the host failed"
+  host_pid=
+  printed "$@"
+}
+sees() {
+  echo "   the user sees \"$1\""
+  look_for "$1"
+}
+
+# Wine's desktop goes with its last window and has ten seconds to come, too few on a busy machine: so it is held.
+tries=0
+until exec 4< <(wine "$host" "$dll" hold-screen) && read -r _ <&4; do
+  ((++tries < 10)) || fail "no screen in Wine"
+done
+
+set_language() { wine reg add 'HKCU\Software\Norvane' /v Language /d "$1" /f >/dev/null; }
+set_language English # whatever an earlier run left
+
+step "200 loads and unloads"
+host cycle 200
+printed "a load leaves 0 bytes, 0 handles"
+
+step "Sign-in dialog, ended by Esc"
+asks_for_token Nobody
+sees "Sign in to Your Account"
+command -v import >/dev/null && import -window "$window" "$build/sign-in.png"
+xdotool key Escape
+answers 'user "" token none'
+
+step "The same in German"
+set_language Deutsch
+asks_for_token Nobody
+sees "$(awk -F '\t' '$1 == "Sign in to Your Account" { print $2 }' src/resources/catalogues/nvsupport.Deutsch.txt)"
+xdotool key Escape
+answers 'user "" token none'
+set_language English
+
+if [[ $network ]]; then
+  step "Search, download, read"
+  host use
+  readonly package=$work/service/www/files/packages/alps.nvpkg
+  readonly size=$(stat -c %s "$package")
+  printed 'user "" device known' \
+    '111|Chamonix and Mont Blanc|files/maps/chamonix.nvmap' \
+    '112|Package: The Alps|files/packages/alps.nvpkg' \
+    'closing 38' \
+    "download 1 done $size total $size told 1" \
+    'missing file 0' \
+    'read 64'
+  cmp "$package" "$work/whole.nvpkg"
+  cmp <(tail -c +1048577 "$package" | head -c 64) "$work/part"
+
+  step "Account and computer name, made in the dialogs"
+  readonly product="Atlas $$"
+  asks_for_token "$product"
+  sees "Sign in to Your Account"
+  xdotool key shift+Tab space
+  sees "Create an Online Account"
+  types "Demo User"
+  types "secret 7"
+  types "secret 7"
+  types "A Demo User"
+  types ""
+  types "demo@norvane.example"
+  xdotool key Return
+  sees "Give your Computer a Name"
+  xdotool key Return
+  answers 'user "Demo User" token given'
+
+  step "Sign-in that saves the password"
+  asks_for_token "$product"
+  sees "Sign in to Your Account"
+  types "secret 7"
+  xdotool key space Return
+  answers 'user "Demo User" token given'
+
+  step "Token with the saved password"
+  host token "$product"
+  printed 'user "Demo User" token given'
+fi
