@@ -1,11 +1,12 @@
-// The commands of the documents, run as a reader runs them. A block that is marked as a console holds commands behind
-// "$ " and what they print, where "..." stands for any lines; without any output shown, only the exit code counts. A
-// block in C with a file name is that file for the commands below it. One shell runs all blocks of a document, in a
-// folder that looks like the tree with a finished build.
+// The documents keep up with the tree. Their commands are run as a reader runs them: a block that is marked as a
+// console holds commands behind "$ " and what they print, where "..." stands for any lines; without any output shown,
+// only the exit code counts. A block in C with a file name is that file for the commands below it. One shell runs all
+// blocks of a document, in a folder that looks like the tree with a finished build.
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -108,6 +109,20 @@ TEST(Documents, CommandsDoWhatTheyShow) {
   ExpectCommandsWork(NV_SOURCE_FOLDER "/README.md");
   for (const auto& entry : fs::directory_iterator(NV_SOURCE_FOLDER "/docs")) {
     if (entry.path().extension() == ".md") ExpectCommandsWork(entry.path());
+  }
+}
+
+TEST(Documents, NameFilesThatAreThere) {
+  std::string files;
+  for (const char* folder : {"/src", "/tests"}) {
+    for (const auto& entry : fs::recursive_directory_iterator(NV_SOURCE_FOLDER + std::string(folder))) {
+      files += entry.path().string() + "\n";
+    }
+  }
+  const std::string page = ReadWholeFile(NV_SOURCE_FOLDER "/docs/architecture.md");
+  const std::regex fileName("`([a-z_/]+\\.(cpp|h|rc|sh))`");
+  for (std::sregex_iterator name(page.begin(), page.end(), fileName); name != std::sregex_iterator(); ++name) {
+    EXPECT_NE(files.find("/" + name->str(1) + "\n"), std::string::npos) << name->str(1);
   }
 }
 

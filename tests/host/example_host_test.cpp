@@ -1,5 +1,6 @@
 // The example host on the command line: what it prints, and its exit code for each way to end.
 #include <gtest/gtest.h>
+#include <nvsupport/nvsupport.h>
 
 #include <csignal>
 #include <filesystem>
@@ -59,7 +60,7 @@ TEST(ExampleHost, TellsFailuresApartByItsExitCode) {
     int exitCode;
     const char* message;
   } cases[] = {
-      {"--help", 0, ""},
+      {"--version", 0, "nvhost " NVSUPPORT_VERSION},
       {"", 2, "subcommand"},
       {"serach 45,6", 2, "no command serach"},
       {"search here", 2, "LATITUDE,LONGITUDE"},
