@@ -7,6 +7,19 @@ else()
   target_compile_options(nv_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
                                               $<$<BOOL:${NV_WERROR}>:-Werror>)
 endif()
+# Hardened as Debian does it, where the compiler can. The sanitizers watch in ways of their own.
+if(CMAKE_SYSTEM_NAME STREQUAL "Linux" AND NOT NV_SANITIZE)
+  include(CheckCXXCompilerFlag)
+  foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection)
+    string(MAKE_C_IDENTIFIER "NV_HAS${flag}" isKnown)
+    check_cxx_compiler_flag(${flag} ${isKnown})
+    target_compile_options(nv_options INTERFACE $<$<BOOL:${${isKnown}}>:${flag}>)
+  endforeach()
+  # Needs an optimised build.
+  target_compile_options(nv_options INTERFACE
+    "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+  target_link_options(nv_options INTERFACE -Wl,-z,relro,-z,now)
+endif()
 if(NV_SANITIZE)
   target_compile_options(nv_options INTERFACE -fsanitize=${NV_SANITIZE} -fno-omit-frame-pointer
                                               -fno-sanitize-recover=all)

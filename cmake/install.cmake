@@ -1,24 +1,55 @@
-# What a package holds. The module, the Qt display and the catalogues stand side by side, because the module looks for
-# the other two beside itself; the catalogues are installed where they are made.
+# What an installation holds, in the components that the packages are made of. The module, the Qt display and the
+# catalogues stand side by side, because the module looks for the other two beside itself.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
+set(moduleFolder $<IF:$<BOOL:${WIN32}>,${CMAKE_INSTALL_BINDIR},${CMAKE_INSTALL_LIBDIR}>)
 
+# The programs that link the module find it where it is installed. Below /usr the system looks by itself.
+if(NOT WIN32 AND NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  set(runPath "-Wl,-rpath,\${libdir}")
+  target_link_options(nvsupport INTERFACE
+    $<INSTALL_INTERFACE:-Wl,-rpath,$<INSTALL_PREFIX>/${CMAKE_INSTALL_LIBDIR}>)
+endif()
 target_include_directories(nvsupport INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
                                                $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME runtime)
 install(TARGETS nvsupport EXPORT nvsupport
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES include/nvsupport/nvsupport.h include/nvsupport/nvsupport_module.h
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/nvsupport)
+get_target_property(catalogues nvsupport_catalogues NV_DELIVERED)
+install(FILES ${catalogues} DESTINATION ${moduleFolder})
+
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME qt)
 if(TARGET nvsupport-qt)
   install(TARGETS nvsupport-qt LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endif()
-foreach(program nvhost nvhost-gui nvcatalogue)
+if(TARGET nvhost-gui)
+  install(TARGETS nvhost-gui)
+endif()
+
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME tools)
+foreach(program nvhost nvcatalogue)
   if(TARGET ${program})
-    install(TARGETS ${program} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    install(TARGETS ${program})
+    install(FILES docs/man/${program}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   endif()
 endforeach()
+
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME service)
+if(TARGET svcapp)
+  set(serviceFolder lib/nvsupport/service)
+  install(TARGETS svcapp svcuser mapstore2 RUNTIME DESTINATION ${serviceFolder}/cgi-bin)
+  install(PROGRAMS service/service.sh DESTINATION ${serviceFolder})
+  install(DIRECTORY service/data service/deploy service/pages DESTINATION ${serviceFolder})
+endif()
+
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
+install(DIRECTORY include/nvsupport DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES docs/man/nvsupport.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3)
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN man EXCLUDE)
 
 # find_package(nvsupport) gives the target nvsupport::nvsupport.
 set(packageFolder ${CMAKE_INSTALL_LIBDIR}/cmake/nvsupport)
@@ -26,7 +57,7 @@ install(EXPORT nvsupport NAMESPACE nvsupport:: FILE nvsupport-config.cmake DESTI
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/nvsupport-config-version.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/nvsupport-config-version.cmake DESTINATION ${packageFolder})
 
-# Relative to the file itself, so that a package can be moved.
+# Relative to the file itself, so that an installation can be moved.
 file(RELATIVE_PATH prefixFromPkgConfig /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 if(WIN32)
   set(linkName -lnvsupport)
@@ -35,3 +66,7 @@ else()
 endif()
 configure_file(${CMAKE_CURRENT_LIST_DIR}/nvsupport.pc.in ${PROJECT_BINARY_DIR}/nvsupport.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/nvsupport.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+if(PROJECT_IS_TOP_LEVEL AND NOT WIN32)
+  include(packaging/packages.cmake)
+endif()

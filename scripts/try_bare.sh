@@ -7,46 +7,16 @@
 # try_bare.sh COMMAND...     this command instead, in the clone, for example `scripts/install-packages.sh test`
 set -euo pipefail
 cd "$(dirname "$0")/.."
+source scripts/bare_root.sh
 
-((EUID == 0)) || { echo "only root makes such a root" >&2; exit 1; }
-command -v debootstrap >/dev/null || { echo "debootstrap is missing" >&2; exit 1; }
-
-readonly release=bookworm
-mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' "Codename: $release" | head -1)
-[[ -n $mirror ]] || { echo "the package sources of this machine name no $release" >&2; exit 1; }
-
-work=$(mktemp -d)
-readonly root=$work/root
-# Everything is mounted for the programs below alone, and they and their mounts end with them: nothing but files is left
-# to remove.
-trap 'rm -rf --one-file-system "$work"' EXIT
-trap 'exit 130' INT
-trap 'exit 143' TERM
-apart() { unshare --mount --pid --fork --kill-child "$@"; }
-
-printf '== A bare root from %s\n' "$mirror"
-apart debootstrap --variant=minbase --include=git "$release" "$root" "$mirror" >"$work/log" 2>&1 ||
-  { tail -20 "$work/log" >&2; exit 1; }
-# A package that is installed there starts no service here.
-printf '#!/bin/sh\nexit 101\n' >"$root/usr/sbin/policy-rc.d"
-chmod +x "$root/usr/sbin/policy-rc.d"
-git clone -q --no-hardlinks . "$root/root/nvsupport"
-
-within() {
-  printf '== %s\n' "$*"
-  apart bash -euc '
-    root=$1
-    shift
-    mount -t proc proc "$root/proc"
-    mount --rbind /dev "$root/dev"
-    mount -t tmpfs tmpfs "$root/dev/shm"
-    exec env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root TERM="${TERM:-dumb}" \
-      chroot "$root" sh -c "cd /root/nvsupport && exec \"\$@\"" sh "$@"' bash "$root" "$@"
-}
-
+make_work
+make_root "$work/root" git
+git clone -q --no-hardlinks . "$work/root/root/nvsupport"
 if (($#)); then
-  within "$@"
+  within "$work/root" /root/nvsupport "$@"
 else
-  within scripts/demo.sh
-  within scripts/test.sh
+  for command in scripts/demo.sh scripts/test.sh; do
+    printf '== %s\n' "$command"
+    within "$work/root" /root/nvsupport $command
+  done
 fi

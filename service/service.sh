@@ -57,7 +57,7 @@ running_pid() {
 
 find_cgi_bin() {
   local build
-  for build in ${NV_BUILD_DIR:+"$NV_BUILD_DIR"} "$here/../build/release" "$here/../build/dev"; do
+  for build in ${NV_BUILD_DIR:+"$NV_BUILD_DIR"} "$here/../build/release" "$here/../build/dev" "$here/.."; do
     [ -x "$build/service/cgi-bin/svcapp.cgi" ] || continue
     (cd "$build/service/cgi-bin" && pwd)
     return

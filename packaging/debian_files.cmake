@@ -1,0 +1,16 @@
+# What Debian wants in each package beside what is installed: change log, copyright, reasons for lintian, and packed
+# manuals. CPack runs this before it makes the packages, with each component in a folder of its own.
+set(files ${CMAKE_CURRENT_LIST_DIR})
+foreach(component IN LISTS CPACK_COMPONENTS_ALL)
+  string(TOUPPER ${component} upper)
+  set(name ${CPACK_DEBIAN_${upper}_PACKAGE_NAME})
+  set(share ${CPACK_TEMPORARY_DIRECTORY}/${component}${CPACK_PACKAGING_INSTALL_PREFIX}/share)
+  set(documents ${share}/doc/${name})
+  configure_file(${files}/copyright ${documents}/copyright COPYONLY)
+  configure_file(${files}/changelog ${documents}/changelog @ONLY)
+  file(GLOB packed ${share}/man/*/* ${documents}/CHANGELOG.md)
+  execute_process(COMMAND gzip -9n ${documents}/changelog ${packed} COMMAND_ERROR_IS_FATAL ANY)
+  if(EXISTS ${files}/lintian/${name})
+    configure_file(${files}/lintian/${name} ${share}/lintian/overrides/${name} COPYONLY)
+  endif()
+endforeach()
