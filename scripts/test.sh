@@ -32,12 +32,16 @@ test_all() {
 
 # Name and command of each step, in the order in which they run.
 readonly steps=(
-  "format check_format"      # every source as clang-format leaves it
-  "windows scripts/test_windows.sh" # cross build of the DLL, with its exports, and the trial of it in Wine
-  "bare scripts/check-bare.sh" # the module alone, and what its build asks for
-  "release build_release"    # optimised build of all programs, with the module's exports
-  "threads test_threads"     # what has threads, under ThreadSanitizer
-  "tests test_all"           # every test, under AddressSanitizer and UndefinedBehaviorSanitizer
+  "format check_format"                # every source as clang-format leaves it
+  "lint scripts/lint.sh --fast"        # clang-tidy, where it is fast
+  "windows scripts/test_windows.sh"    # cross build of the DLL, and the trial of it in Wine
+  "bare scripts/check-bare.sh"         # the module alone, and what its build asks for
+  "release build_release"              # optimised build of all programs, with the module's exports
+  "documents scripts/check-docs.sh"    # spelling, links, and manuals against the programs
+  "install scripts/test_install.sh"    # an installation, with hosts built against it
+  "packages scripts/test_packages.sh"  # the Debian packages, tried in a root of their own
+  "threads test_threads"               # what has threads, under ThreadSanitizer
+  "tests test_all"                     # every test, under AddressSanitizer and UndefinedBehaviorSanitizer
 )
 
 names() { printf '%s\n' "${steps[@]%% *}"; }
