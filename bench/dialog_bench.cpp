@@ -137,17 +137,17 @@ void Load(benchmark::State& state, const char* library) {
   state.counters["qt_mapped"] = toolkitMapped;
 }
 BENCHMARK_CAPTURE(Load, nvsupport, NV_MODULE)
-    ->Name("module_load/nvsupport")
+    ->Name("module_load")
     ->UseManualTime()
     ->Iterations(50)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Load, libcurl, "libcurl.so.4")
-    ->Name("module_load/libcurl_alone")
+    ->Name("module_load_libcurl_alone")
     ->UseManualTime()
     ->Iterations(50)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Load, qt, "libQt6Widgets.so.6")
-    ->Name("module_load/qt_widgets_alone")
+    ->Name("module_load_qt_alone")
     ->UseManualTime()
     ->Iterations(50)
     ->Unit(benchmark::kMillisecond);
