@@ -42,6 +42,7 @@ readonly steps=(
   "packages scripts/test_packages.sh"  # the Debian packages, tried in a root of their own
   "threads test_threads"               # what has threads, under ThreadSanitizer
   "tests test_all"                     # every test, under AddressSanitizer and UndefinedBehaviorSanitizer
+  "fuzz scripts/fuzz.sh"               # every fuzz target, five seconds each
 )
 
 names() { printf '%s\n' "${steps[@]%% *}"; }
