@@ -50,7 +50,7 @@ void Run(const NVSupportModule& support, const std::vector<MapShopPoint>& points
   if (results.closingValue != 0) throw Failure(noProducts, "the map shop has no products for this area");
   throw Failure(noAnswer,
                 "no products; either the service could not be reached, or it refused the search, or it has nothing on "
-                "offer: a search does not tell these apart");
+                "offer: a search does not tell these apart, but --trace does");
 }
 
 }  // namespace

@@ -68,6 +68,7 @@ TEST(ExampleHost, TellsFailuresApartByItsExitCode) {
       {"--library " NV_NO_MODULE " whoami --product P", 3, "lacks the function x3e491215"},
       {"search 90.1,0", 4, "out of range"},
       {"search 0,-30", 5, "no products for this area"},
+      {"search 0,-30 --trace", 5, " web POST http://service.norvane.example/cgi-bin/mapstore2.cgi"},
       {"download " + serviceHost + " /files/none " + service.Path("none"), 7, "cannot be reached or does not give"},
       {"read " + serviceHost + " /files/maps/fiji.nvmap 99999999 10", 7, "does not give these bytes"},
       {"read " + serviceHost + " /files/maps/fiji.nvmap 294900 100", 7, "before all bytes were there"},
