@@ -5,12 +5,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
-#include <csignal>
 #include <filesystem>
 #include <functional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "nvsupport/nvsupport.h"
@@ -19,8 +16,6 @@
 
 namespace nvsupport::testing {
 namespace {
-
-using namespace std::chrono_literals;
 
 const std::string ok = "HTTP/1.1 200 OK\r\n";
 const std::string old = "old content";
@@ -81,6 +76,7 @@ TEST_F(WebDownload, AsksForTheFileOnceIfItHasAllNames) {
   EXPECT_FALSE(x77fc64c7(serverName, "x", nullptr, nullptr, nullptr));
   EXPECT_FALSE(x77fc64c7(serverName, "x HTTP/1.1\r\nX-Evil: 1", file.c_str(), nullptr, nullptr));
   EXPECT_EQ(Left(), old);
+  WriteWholeFile(temporary, "what a run that was killed has left");
   EXPECT_TRUE(Download());
   EXPECT_EQ(Left(), "new");
   EXPECT_EQ(server.Requests(), (std::vector<std::string>{"GET /maps/a.map HTTP/1.1\r\nHost: web.example\r\n"
@@ -202,24 +198,6 @@ TEST_F(WebDownload, LeavesNothingWhenTheDiskIsFull) {
   std::filesystem::create_symlink("/dev/full", temporary);
   EXPECT_FALSE(Download());
   EXPECT_EQ(Left(), absent);
-}
-
-TEST_F(WebDownload, BeginsAnewAfterAProcessThatWasKilled) {
-  // More than a file gathers before it writes.
-  const std::string begun = ok + "Content-Length: 1000000\r\n\r\n" + std::string(500'000, 'b');
-  RoutedServer server(std::vector<Reply>{{.bytes = begun, .end = Reply::End::hold}, HttpReply(200, "new")});
-  const pid_t child = fork();
-  if (child == 0) _exit(Download() ? 0 : 1);
-  std::error_code ignored;
-  for (int tries = 0; tries < 1000; ++tries) {
-    if (std::filesystem::exists(temporary) && std::filesystem::file_size(temporary, ignored) >= 400'000) break;
-    std::this_thread::sleep_for(5ms);
-  }
-  kill(child, SIGKILL);
-  waitpid(child, nullptr, 0);
-  EXPECT_EQ(Left(), absent + " and .TMP");
-  EXPECT_TRUE(Download());
-  EXPECT_EQ(Left(), "new");
 }
 
 }  // namespace
