@@ -1,12 +1,15 @@
 #!/usr/bin/env bash
 # Makes the Debian packages, looks at them with lintian, installs them in a root of their own, builds and runs a host
-# there, removes them and looks what is left. Needs root, and what scripts/bare_root.sh needs.
+# there, removes them and looks what is left. Goes on through sudo when not root, once the packages are made.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/bare_root.sh
 
-scripts/make-packages.sh
-lintian --fail-on error,warning build/packages/*.deb
+if [[ ${1:-} != --made ]]; then
+  scripts/make-packages.sh
+  lintian --fail-on error,warning build/packages/*.deb
+  ((EUID == 0)) || exec sudo "$PWD/scripts/test_packages.sh" --made
+fi
 
 make_work
 readonly root=$work/root
