@@ -4,11 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <iterator>
 #include <memory>
-#include <random>
 #include <string>
 
 #include "platform/platform.h"
@@ -151,24 +148,8 @@ TEST(ObjectFile, ALostElementCostsItselfAlone) {
 TEST(ObjectFile, HostileCountsAndDepthsCostNoMoreThanTheirBytes) {
   std::string bytes;
   for (int level = 0; level < 100'000; ++level) bytes += Int(0) + Int(0x7FFFFFFF) + Int(0x7FFFFFFF);
-  const auto start = std::chrono::steady_clock::now();
   const std::string result = ReadOne(bytes);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
   EXPECT_EQ(std::count(result.begin(), result.end(), '['), ChunkReader::maxDepth);
-}
-
-TEST(ObjectFile, RandomFilesAreReadToTheirEnd) {
-  std::mt19937 random(23);
-  for (int round = 0; round < 2000; ++round) {
-    std::string bytes = Int(0) + Int(random()) + Int(random() % 2 != 0 ? 100 : 0x7FFFFFFF);
-    for (auto words = 1 + random() % 60; words > 0; --words) {
-      const std::uint32_t choices[] = {0, 0, numberId, 4, 8, 12, 13, static_cast<std::uint32_t>(random())};
-      bytes += Int(choices[random() % std::size(choices)]);
-    }
-    bytes.resize(bytes.size() - random() % 4);
-    EXPECT_EQ(ReadOne(bytes).front(), '[');
-  }
-  EXPECT_EQ(livingNumbers, 0);
 }
 
 }  // namespace
