@@ -2,12 +2,21 @@
 # Takes the pictures in docs/pictures anew: every dialog in every language, a message box, and the example host with a
 # window. A played user makes an account in each language on a virtual screen, against the local service.
 #
-# screenshots.sh [FOLDER]   FOLDER: where the pictures go, else docs/pictures
+# screenshots.sh [FOLDER]         FOLDER: where the pictures go, else docs/pictures
+# screenshots.sh --looks FOLDER   instead every dialog in every font, style and language that the tests measure
 #
 # Needs a release build, and the packages imagemagick, openbox and x11-utils beside those of install-packages.sh.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/virtual_screen.sh
+
+if [[ ${1:-} == --looks ]]; then
+  mkdir -p "${2:?a folder for the pictures}"
+  cmake --preset dev >/dev/null
+  cmake --build --preset dev --target nv_dialog_look_tests
+  NV_PICTURES=$(realpath "$2") build/dev/tests/display/nv_dialog_look_tests --gtest_filter='*AreWhole*'
+  exit
+fi
 
 readonly pictures=${1:-docs/pictures}
 readonly build=build/release

@@ -1,4 +1,6 @@
 // A new account: the dialog that asks for the user's details, and operation 10 that makes the account.
+#include <algorithm>
+
 #include "account/account_exchange.h"
 #include "core/service_manager.h"
 #include "resources/resource_ids.h"
@@ -45,6 +47,7 @@ bool CVServiceManager::CreateAccount(HWND parent) {
       setItemText(IDC_COMPANY, m_company);
       setItemText(IDC_EMAIL, m_email);
       SendMessageA(GetDlgItem(hwnd, IDC_KEEP_INFORMED), BM_SETCHECK, m_keepInformed ? 1 : 0, 0);
+      SeparateBoxes();
       return 1;
     }
 
@@ -70,6 +73,18 @@ bool CVServiceManager::CreateAccount(HWND parent) {
     }
 
    private:
+    // The template lays the two boxes over each other: the second begins where the first ends.
+    void SeparateBoxes() {
+      const HWND box = GetDlgItem(hwnd, IDC_ACCEPT_POLICY);
+      RECT first{};
+      RECT second{};
+      GetWindowRect(GetDlgItem(hwnd, IDC_KEEP_INFORMED), &first);
+      GetWindowRect(box, &second);
+      POINT corner{second.left, std::max(first.bottom, second.top)};
+      MapWindowPoints(nullptr, hwnd, &corner, 1);
+      SetWindowPos(box, nullptr, corner.x, corner.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    }
+
     void TakeFields() {
       m_session->m_userId = getItemText(IDC_USER_ID);
       m_session->m_password = getItemText(IDC_PASSWORD);

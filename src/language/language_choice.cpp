@@ -45,6 +45,7 @@ const char* LanguageOfLocale(int localeId) {
 void CTranslationCatalogue::Init(HINSTANCE moduleHandle) {
   module = moduleHandle;
   ChooseLanguage();
+  platform::SetDisplayLanguage(language);
 }
 
 bool CTranslationCatalogue::ChooseLanguage() {

@@ -70,6 +70,10 @@ FileStream OpenFileStream(const char* path, const char* mode);
 // Tells a trace, where the system has one, which language is in force and how many texts its catalogue gave.
 void TraceLanguage(const std::string& language, const std::string& catalogue, std::size_t texts);
 
+// The language of what the system itself says in dialogs, as in the menu of an edit, by the name that it gives itself,
+// such as "Deutsch". Where that is the system's own matter it does nothing.
+void SetDisplayLanguage(const std::string& name);
+
 // Notes the windows that a wait cursor would be shown on. Called by the thread that is going to be blocked, before
 // another one sets the cursor for it; where the system itself finds the window below the pointer it does nothing.
 void NoteWindowsForWaitCursor();

@@ -23,6 +23,21 @@ LONG KeptInside(LONG start, LONG length, LONG first, LONG last) {
   return std::max(std::min(start, last - length), first);
 }
 
+// The work area of the screen that a window stands on, which need not be the primary one.
+RECT WorkAreaOf(HWND window) {
+  MONITORINFO screen{};
+  screen.cbSize = sizeof screen;
+  GetMonitorInfoA(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &screen);
+  return screen.rcWork;
+}
+
+void KeepInside(HWND window, const RECT& area) {
+  RECT place{};
+  GetWindowRect(window, &place);
+  MoveWindowTo(window, KeptInside(place.left, place.right - place.left, area.left, area.right),
+               KeptInside(place.top, place.bottom - place.top, area.top, area.bottom));
+}
+
 }  // namespace
 
 void PlaceDialog(HWND window, std::uint32_t dialogId) {
@@ -31,8 +46,8 @@ void PlaceDialog(HWND window, std::uint32_t dialogId) {
     POINT point = entry->second;
     MapWindowPoints(ReferenceOf(window), nullptr, &point, 1);
     MoveWindowTo(window, point.x, point.y);
+    KeepOnWorkArea(window);
   }
-  KeepOnWorkArea(window);
 }
 
 void RememberPosition(HWND window, std::uint32_t dialogId) {
@@ -58,16 +73,11 @@ void CentreOnOwner(HWND window) {
   const LONG firstX = owner.left + GetSystemMetrics(SM_CXFRAME);
   const LONG firstY = owner.top + GetSystemMetrics(SM_CYFRAME) + GetSystemMetrics(SM_CYSIZE);
   MoveWindowTo(window, std::max(x, firstX), std::max(y, firstY));
-  KeepOnWorkArea(window);
+  KeepInside(window, WorkAreaOf(reference));
 }
 
 void KeepOnWorkArea(HWND window) {
-  RECT area{};
-  RECT place{};
-  SystemParametersInfoA(SPI_GETWORKAREA, 0, &area, 0);
-  GetWindowRect(window, &place);
-  MoveWindowTo(window, KeptInside(place.left, place.right - place.left, area.left, area.right),
-               KeptInside(place.top, place.bottom - place.top, area.top, area.bottom));
+  KeepInside(window, WorkAreaOf(window));
 }
 
 }  // namespace nvsupport

@@ -50,6 +50,11 @@ TEST_F(AccountDialog, OpensWithWhatIsKnown) {
         const HWND control = GetDlgItem(dialog, box);
         EXPECT_TRUE(control == nullptr || headless::CheckStateShown(control) == 0) << row.title;
       }
+      RECT first{};
+      RECT second{};
+      GetWindowRect(GetDlgItem(dialog, IDC_KEEP_INFORMED), &first);
+      GetWindowRect(GetDlgItem(dialog, IDC_ACCEPT_POLICY), &second);
+      EXPECT_LE(first.bottom, second.top) << "the template lays one over the other";
     });
     EXPECT_FALSE(Run({look, Clicks(IDCANCEL)}, row.operation));
   }

@@ -49,6 +49,8 @@ class ProbeDialog final : public Dialog {
     if (code != 0) return;
     Tell("clicked", id);
     if (id == IDC_HELP_PAGE) {
+      SetMessageCaption("Caption");
+      ShowMessage(hwnd, MB_ICONERROR, "Wrong");
       const BusyCursor busy;
       Tell("blocked");
       WaitForLine();

@@ -36,6 +36,7 @@ class OpenDialog {
     Await();
   }
 
+  void Hover(int id) const { screen.Hover(window, places.at(id)); }
   void Click(int id) const { screen.Click(window, places.at(id)); }
   std::string Find(const std::string& key) { return program.Find(key); }
   void ExpectEnd(const std::string& result) {
@@ -111,11 +112,14 @@ TEST(Display, HoldsUpADialogThatOwnsAnother) {
   dialog.ExpectEnd("2 ");
 }
 
+// On the second of two monitors, under the top-level window of the one that the host names.
 TEST(Display, StaysWithTheHostsWindowWhereItWasDraggedTo) {
   const XSession screen(XSession::Manager::openbox);
-  const xcb_window_t owner = screen.MakeWindow(Area{{300, 250}, 420, 380});
-  const std::string ownerId = std::to_string(owner);
-  OpenDialog dialog(screen, ownerId, "3");
+  screen.SplitScreen();
+  const Area ownerArea{{1200, 60}, 700, 650};
+  const xcb_window_t owner = screen.MakeWindow(ownerArea);
+  screen.Do("windowmove --sync " + std::to_string(owner) + " 1200 60");
+  OpenDialog dialog(screen, std::to_string(screen.MakeWindow(Area{{5, 5}, 50, 50}, owner)), "3");
   EXPECT_EQ(screen.OwnerOf(dialog.window), owner);
   const auto offset = [&] {
     const Place from = screen.AreaOf(owner);
@@ -123,18 +127,20 @@ TEST(Display, StaysWithTheHostsWindowWhereItWasDraggedTo) {
     return Place{to.x - from.x, to.y - from.y};
   };
   const Area area = screen.AreaOf(dialog.window);
-  EXPECT_NEAR(offset().y, (380 - area.height) / 2, 20) << "centred, with its caption half a caption lower";
+  const XSession::Frame frame = screen.FrameOf(dialog.window);
+  EXPECT_NEAR(offset().x, (ownerArea.width - area.width) / 2, frame.top) << "centred on the owner";
+  EXPECT_NEAR(offset().y, (ownerArea.height - area.height + frame.top - frame.bottom) / 2, frame.top);
 
-  screen.Drag(dialog.window, {area.x + area.width / 2, area.y - 8}, {-60, 110});
+  screen.Drag(dialog.window, {area.x + area.width / 2, area.y - frame.top / 2}, {60, 40});
   const Place dragged = offset();
   for (int run = 2; run <= 3; ++run) {
     screen.Type("\033");
     EXPECT_EQ(dialog.Find("result"), "2 ");
-    if (run == 2) screen.Do("windowmove --sync " + ownerId + " 380 180");
+    if (run == 2) screen.Do("windowmove --sync " + std::to_string(owner) + " 1130 90");
     dialog.OpenAgain();
     EXPECT_EQ(offset(), dragged) << "run " << run;
   }
-  screen.Do("windowclose " + ownerId);  // while its dialog is open
+  screen.Do("windowclose " + std::to_string(owner));  // while its dialog is open
   screen.Type("\033");
   dialog.ExpectEnd("2 ");
 }
@@ -142,6 +148,11 @@ TEST(Display, StaysWithTheHostsWindowWhereItWasDraggedTo) {
 TEST(Display, ShowsTheWaitCursorInASlowExchangeOnly) {
   const XSession screen;
   OpenDialog dialog(screen);
+  dialog.Hover(IDC_SAVE_PASSWORD);
+  const auto arrow = screen.ShownCursor();
+  dialog.Hover(IDC_USER_ID);
+  EXPECT_TRUE(WaitUntil([&] { return screen.ShownCursor() != arrow; })) << "over a field";
+  const auto beam = screen.ShownCursor();
   // The first click makes Qt choose the cursor of buttons.
   dialog.Click(IDC_FORGOT);
   EXPECT_EQ(dialog.Find("done"), "1029 ");
@@ -150,9 +161,15 @@ TEST(Display, ShowsTheWaitCursorInASlowExchangeOnly) {
   dialog.Click(IDC_FORGOT);
   EXPECT_EQ(dialog.Find("done"), "1029 ");
   EXPECT_EQ(screen.CursorChanges(), 0) << "in a fast exchange";
+  // The exchange follows a message, as after a password that was wrong.
   dialog.Click(IDC_HELP_PAGE);
+  screen.Await("Caption");
+  screen.Type("\n");
   EXPECT_EQ(dialog.Find("blocked"), "");
   EXPECT_TRUE(WaitUntil([&] { return screen.ShownCursor() != usual; })) << "while the thread is blocked";
+  dialog.Hover(IDC_USER_ID);
+  EXPECT_NE(screen.ShownCursor(), beam) << "over the fields, too";
+  dialog.Hover(IDC_HELP_PAGE);
   dialog.program.WriteLine("answer");
   EXPECT_EQ(dialog.Find("done"), "1041 ");
   EXPECT_TRUE(WaitUntil([&] { return screen.ShownCursor() == usual; })) << "once it goes on";
@@ -160,20 +177,28 @@ TEST(Display, ShowsTheWaitCursorInASlowExchangeOnly) {
   dialog.ExpectEnd("2 ");
 }
 
-TEST(Display, FailsWithoutAScreenAndTheHostLivesOn) {
-  const std::map<std::string, std::string> screenless[] = {
-      {{"DISPLAY", ""}},
-      {{"DISPLAY", ":64999"}, {"WAYLAND_DISPLAY", "/nowhere/wayland-0"}},
-      {{"QT_QPA_PLATFORM", "xcb;nonsense"}, {"DISPLAY", ":64999"}},
+TEST(Display, FailsWithoutAScreenSaysWhyAndTheHostLivesOn) {
+  const std::pair<std::map<std::string, std::string>, const char*> screenless[] = {
+      {{{"DISPLAY", ""}}, "wayland: WAYLAND_DISPLAY is not set, xcb: DISPLAY is not set; start the host in a "},
+      {{{"DISPLAY", ":64999"}, {"WAYLAND_DISPLAY", "/nowhere/wayland-0"}},
+       "wayland: no Wayland server answers at /nowhere/wayland-0, xcb: no X server at DISPLAY=:64999 lets this "},
+      {{{"QT_QPA_PLATFORM", "nonsense"}}, "nonsense: Qt has no plugin for it in "},
+      {{{"NV_JOB", "core"}}, "the host's QCoreApplication shows no widgets; it has to be a QApplication"},
+      {{{"NV_JOB", "thread"}, {"QT_QPA_PLATFORM", "offscreen"}},
+       "another thread has the QApplication; dialogs are for that thread"},
   };
-  for (const auto& environment : screenless) {
-    Process dialog({NV_DIALOG_PROGRAM, "dialog", "0"}, environment, true);
-    EXPECT_EQ(dialog.Find("No"), std::string("display for the dialog \"") + dialogTitle + "\"");
+  for (const auto& [environment, reason] : screenless) {
+    const auto job = environment.find("NV_JOB");
+    const std::vector<std::string> command = job == environment.end()
+                                                 ? std::vector<std::string>{NV_DIALOG_PROGRAM, "dialog", "0"}
+                                                 : std::vector<std::string>{NV_QT_HOST, NV_MODULE, job->second};
+    Process dialog(command, environment, true);
+    const std::string line = dialog.Find("No");
+    EXPECT_NE(line.find(reason), std::string::npos) << line;
     EXPECT_EQ(dialog.Find("Internal"), "error: Dialog 102 failed: err=0x5b3");
-    EXPECT_EQ(dialog.Find("result"), "-1 ");
     EXPECT_EQ(dialog.Join(), 0);
   }
-  Process message({NV_DIALOG_PROGRAM, "message"}, screenless[0], true);
+  Process message({NV_DIALOG_PROGRAM, "message"}, screenless[0].first, true);
   EXPECT_EQ(message.Find("Caption:"), "<b>Plain</b> text");
   EXPECT_EQ(message.Find("answer"), "0 ");
 }

@@ -1,8 +1,11 @@
 // The module with dialogs in hosts that load and unload it.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "display/process.h"
 #include "display/x_session.h"
+#include "support/temporary_home.h"
 
 namespace nvsupport::testing {
 namespace {
@@ -22,6 +25,27 @@ TEST(ModuleWithDialogs, IsLoadedAgainByAHostWithoutQt) {
     EXPECT_TRUE(screen.IsGone(dialog)) << "while the host opens the next";
   }
   EXPECT_EQ(host.Join(), 0);
+}
+
+// The plugin stands beside the file that the link leads to.
+TEST(ModuleWithDialogs, FindItsDisplayThroughALink) {
+  const TemporaryFolder folder;
+  const std::string link = folder / "library.so";
+  std::filesystem::create_symlink(NV_MODULE, link);
+  Process host({NV_QT_HOST, link, "quit"}, {{"QT_QPA_PLATFORM", "offscreen"}}, true);
+  for (std::string line = host.ReadLine(); !line.empty(); line = host.ReadLine()) {
+    EXPECT_FALSE(line.starts_with("No display")) << line;
+  }
+}
+
+TEST(ModuleWithDialogs, SayWhatTheirDisplayLacks) {
+  const TemporaryFolder folder;
+  const std::string copy = folder / "nvsupport.so";
+  std::filesystem::copy_file(NV_MODULE, copy);
+  Process host({NV_PLAIN_HOST, copy, "1"}, {}, true);
+  const std::string line = host.Find("No");
+  EXPECT_NE(line.find((folder / "nvsupport-qt.so") + ": cannot open shared object file"), std::string::npos) << line;
+  EXPECT_NE(line.find("the plugin belongs beside the library and needs Qt 6"), std::string::npos) << line;
 }
 
 TEST(ModuleWithDialogs, LetAHostEndOrderlyThatLosesItsScreen) {

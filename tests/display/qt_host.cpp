@@ -3,6 +3,8 @@
 //   qt_host MODULE busy     does so once, while it is never without work of its own
 //   qt_host MODULE quit     ends its event loop while the dialog is open
 //   qt_host MODULE exit     the same at once, without asking its windows
+//   qt_host MODULE core     has a QCoreApplication instead, which can show no dialog
+//   qt_host MODULE thread   asks on another thread than that of its application
 #include <malloc.h>
 
 #include <QApplication>
@@ -10,6 +12,7 @@
 #include <QTimer>
 #include <QWidget>
 #include <QWindow>
+#include <thread>
 
 #include "display/module_cycle.h"
 
@@ -46,10 +49,19 @@ void PostWork() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  QApplication application(argc, argv);
   if (argc < 3) return 2;
+  if (argv[2] == std::string("core")) {
+    const QCoreApplication application(argc, argv);
+    RunModuleCycle(argv[1]);
+    return 0;
+  }
+  QApplication application(argc, argv);
   const char* module = argv[1];
   const std::string job = argv[2];
+  if (job == "thread") {
+    std::thread(RunModuleCycle, module).join();
+    return 0;
+  }
   QObject::connect(&application, &QCoreApplication::aboutToQuit, [] { std::cout << "quitting " << std::endl; });
   QTimer user;
   QObject::connect(&user, &QTimer::timeout, PressEscape);

@@ -38,7 +38,7 @@ std::string KeyOf(char character) {
 
 XSession::XSession(Manager manager)
     : server(std::make_unique<Process>(std::vector<std::string>{"Xvfb", "-displayfd", "1", "-screen", "0",
-                                                                "1024x768x24", "-nolisten", "tcp", "-noreset"})),
+                                                                "2048x768x24", "-nolisten", "tcp", "-noreset"})),
       name(":" + server->ReadLine()),
       connection(xcb_connect(name.c_str(), nullptr)) {
   if (xcb_connection_has_error(connection) != 0) throw std::runtime_error("no X server");
@@ -46,8 +46,9 @@ XSession::XSession(Manager manager)
   Own(xcb_xfixes_query_version_reply(connection, xcb_xfixes_query_version(connection, 4, 0), nullptr));
   xcb_xfixes_select_cursor_input(connection, root, XCB_XFIXES_CURSOR_NOTIFY_MASK_DISPLAY_CURSOR);
   if (manager == Manager::none) return;
-  windowManager = std::make_unique<Process>(std::vector<std::string>{"openbox", "--sm-disable"},
-                                            std::map<std::string, std::string>{{"DISPLAY", name}}, true);
+  windowManager = std::make_unique<Process>(
+      std::vector<std::string>{"openbox", "--sm-disable", "--config-file", NV_OPENBOX_CONFIGURATION},
+      std::map<std::string, std::string>{{"DISPLAY", name}}, true);
   EXPECT_TRUE(WaitUntil([this] { return !Do("get_desktop").empty(); })) << "the window manager keeps desktops";
 }
 
@@ -61,22 +62,44 @@ void XSession::Type(const std::string& text) const {
   Do("key" + keys);
 }
 
+void XSession::Hover(xcb_window_t window, Place inside) const {
+  Do("mousemove --window " + std::to_string(window) + " " + std::to_string(inside.x) + " " + std::to_string(inside.y));
+}
+
 void XSession::Click(xcb_window_t window, Place inside) const {
-  Do("mousemove --window " + std::to_string(window) + " " + std::to_string(inside.x) + " " + std::to_string(inside.y) +
-     " click 1");
+  Hover(window, inside);
+  Do("click 1");
+}
+
+void XSession::SplitScreen() const {
+  const std::string half = " 1024/270x768/200+";
+  EXPECT_EQ(RunProgram({"sh", "-c",
+                        "export DISPLAY=" + name + "; xrandr --setmonitor left" + half +
+                            "0+0 screen && xrandr --setmonitor right" + half + "1024+0 none"})
+                .exitCode,
+            0);
+}
+
+xcb_atom_t XSession::Atom(const std::string& text) const {
+  const auto ask = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(text.size()), text.c_str());
+  return Own(xcb_intern_atom_reply(connection, ask, nullptr))->atom;
+}
+
+std::vector<std::uint32_t> XSession::Property(xcb_window_t window, xcb_atom_t property) const {
+  const auto ask = xcb_get_property(connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, 4);
+  const auto reply = Own(xcb_get_property_reply(connection, ask, nullptr));
+  if (reply == nullptr || reply->format != 32) return {};
+  const auto* words = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+  return {words, words + reply->value_len};
 }
 
 void XSession::CloseBox(xcb_window_t window) const {
-  const auto atom = [this](const std::string& text) {
-    const auto ask = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(text.size()), text.c_str());
-    return Own(xcb_intern_atom_reply(connection, ask, nullptr))->atom;
-  };
   xcb_client_message_event_t event{};
   event.response_type = XCB_CLIENT_MESSAGE;
   event.format = 32;
   event.window = window;
-  event.type = atom("WM_PROTOCOLS");
-  event.data.data32[0] = atom("WM_DELETE_WINDOW");
+  event.type = Atom("WM_PROTOCOLS");
+  event.data.data32[0] = Atom("WM_DELETE_WINDOW");
   xcb_send_event(connection, 0, window, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&event));
   xcb_flush(connection);
 }
@@ -125,19 +148,24 @@ Area XSession::AreaOf(xcb_window_t window) const {
   return {{place->dst_x, place->dst_y}, size->width, size->height};
 }
 
-xcb_window_t XSession::OwnerOf(xcb_window_t window) const {
-  const auto ask = xcb_get_property(connection, 0, window, XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, 0, 1);
-  const auto reply = Own(xcb_get_property_reply(connection, ask, nullptr));
-  if (reply == nullptr || reply->value_len == 0) return 0;
-  return *static_cast<xcb_window_t*>(xcb_get_property_value(reply.get()));
+XSession::Frame XSession::FrameOf(xcb_window_t window) const {
+  std::vector<std::uint32_t> widths;  // left, right, top, bottom
+  EXPECT_TRUE(WaitUntil([&] { return (widths = Property(window, Atom("_NET_FRAME_EXTENTS"))).size() == 4; }));
+  widths.resize(4);
+  return {static_cast<int>(widths[2]), static_cast<int>(widths[3])};
 }
 
-xcb_window_t XSession::MakeWindow(const Area& area) const {
+xcb_window_t XSession::OwnerOf(xcb_window_t window) const {
+  const std::vector<std::uint32_t> owner = Property(window, XCB_ATOM_WM_TRANSIENT_FOR);
+  return owner.empty() ? 0 : owner.front();
+}
+
+xcb_window_t XSession::MakeWindow(const Area& area, xcb_window_t parent) const {
   const xcb_window_t window = xcb_generate_id(connection);
-  xcb_create_window(connection, XCB_COPY_FROM_PARENT, window, root, static_cast<std::int16_t>(area.x),
-                    static_cast<std::int16_t>(area.y), static_cast<std::uint16_t>(area.width),
-                    static_cast<std::uint16_t>(area.height), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0,
-                    nullptr);
+  xcb_create_window(connection, XCB_COPY_FROM_PARENT, window, parent != 0 ? parent : root,
+                    static_cast<std::int16_t>(area.x), static_cast<std::int16_t>(area.y),
+                    static_cast<std::uint16_t>(area.width), static_cast<std::uint16_t>(area.height), 0,
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
   xcb_map_window(connection, window);
   EXPECT_TRUE(WaitUntil([&] {
     const auto ask = xcb_get_window_attributes(connection, window);

@@ -40,9 +40,13 @@ class XSession {
   // What the user does, in xdotool's words, such as "key alt+p". Gives what xdotool prints.
   std::string Do(const std::string& actions) const;
   void Type(const std::string& text) const;  // letters, digits and "\t\n\033 !@./-": Tab, Enter, Esc ...
+  void Hover(xcb_window_t window, Place inside) const;
   void Click(xcb_window_t window, Place inside) const;
   void CloseBox(xcb_window_t window) const;
   void Drag(xcb_window_t window, Place from, Place by) const;
+
+  // Makes two monitors of the screen, side by side.
+  void SplitScreen() const;
 
   // The visible window with this title, once it has the input.
   xcb_window_t Await(const std::string& title) const;
@@ -52,8 +56,14 @@ class XSession {
   // Its client area on the screen.
   Area AreaOf(xcb_window_t window) const;
   xcb_window_t OwnerOf(xcb_window_t window) const;
-  // A window of the test's own, as a host without Qt has one.
-  xcb_window_t MakeWindow(const Area& area) const;
+  // What the window manager puts above and below it.
+  struct Frame {
+    int top;
+    int bottom;
+  };
+  Frame FrameOf(xcb_window_t window) const;
+  // A window of the test's own, as a host without Qt has one; 0: at the top level.
+  xcb_window_t MakeWindow(const Area& area, xcb_window_t parent = 0) const;
 
   // Its pixels.
   std::vector<std::uint32_t> ShownCursor() const;
@@ -61,6 +71,9 @@ class XSession {
   int CursorChanges() const;
 
  private:
+  xcb_atom_t Atom(const std::string& text) const;
+  std::vector<std::uint32_t> Property(xcb_window_t window, xcb_atom_t property) const;
+
   std::unique_ptr<Process> server;
   std::unique_ptr<Process> windowManager;
   std::string name;

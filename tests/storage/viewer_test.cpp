@@ -84,10 +84,12 @@ TEST(OpenDocument, RefusesWhatTheViewerIsNotToSee) {
   EXPECT_EQ(viewer.Seen(std::chrono::milliseconds(50)), "");
 }
 
-TEST(OpenDocument, FailsWithoutAViewer) {
+TEST(OpenDocument, TellsTheAddressWithoutAViewer) {
   const TemporaryFolder empty;
   const ScopedVariable path("PATH", empty.path.string());
+  ::testing::internal::CaptureStderr();
   EXPECT_FALSE(OpenDocument("http://host.example/", nullptr));
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "xdg-open cannot be started to show http://host.example/\n");
 }
 
 }  // namespace

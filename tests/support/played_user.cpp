@@ -58,9 +58,14 @@ ControlView* ViewOfControl(HWND control) {
 
 class HeadlessDisplay final : public windowing::Display {
  public:
+  void SetLanguage(const std::string&) override {}
   POINT BaseUnits() override { return baseUnits; }
   RECT ScreenArea() override { return State().screen.area; }
-  RECT WorkArea() override { return State().screen.workArea; }
+  int ScreenOf(const RECT& place) override {
+    const LONG right = State().screen.rightWorkArea.right;
+    return right > 0 && place.left + place.right >= 2 * State().screen.area.right ? 1 : 0;
+  }
+  RECT WorkArea(int screen) override { return screen == 0 ? State().screen.workArea : State().screen.rightWorkArea; }
   int CaptionHeight() override { return State().screen.captionHeight; }
   int FrameWidth() override { return State().screen.frameWidth; }
 
@@ -111,6 +116,7 @@ class HeadlessDisplay final : public windowing::Display {
 
   void SetFocus(HWND control, bool selectAll) override { State().record.selectedWhole = selectAll ? control : nullptr; }
 
+  void MoveControl(HWND, const RECT&) override {}
   void MoveDialogWindow(HWND dialog, POINT topLeft) override { State().dialogs[dialog].topLeft = topLeft; }
 
   RECT WindowRect(HWND dialog) override {
@@ -131,6 +137,8 @@ class HeadlessDisplay final : public windowing::Display {
     if (found == State().screen.foreignWindows.end()) return std::nullopt;
     return found->second;
   }
+
+  std::uintptr_t ForeignTopLevel(std::uintptr_t window) override { return ForeignRect(window) ? window : 0; }
 
   void ShowWaitCursor() override { ++State().record.waitCursorsShown; }
   void RestoreCursor() override { ++State().record.cursorsRestored; }
@@ -216,8 +224,11 @@ bool IsEnabledOnDisplay(HWND window) {
 }  // namespace headless
 
 // The display of a thread that has a user; else there is none, as where the library finds no plugin.
-NvOpenDisplay windowing::FindDisplay() {
-  return [](DisplayEvents*) -> Display* { return headless::State().person != nullptr ? &headless::display : nullptr; };
+NvOpenDisplay windowing::FindDisplay(std::string& whyNot) {
+  whyNot = "nobody plays the user";
+  return [](DisplayEvents*, std::string&) -> Display* {
+    return headless::State().person != nullptr ? &headless::display : nullptr;
+  };
 }
 
 namespace {
@@ -241,7 +252,8 @@ PlayedUser::Step PlayedUser::Clicks(int id) {
 PlayedUser::PlayedUser() {
   headless::currentState = std::make_unique<headless::HeadlessState>();
   headless::State().person = this;
-  windowing::OpenDisplay();
+  std::string whyNot;
+  windowing::OpenDisplay(whyNot);
 }
 
 PlayedUser::~PlayedUser() {

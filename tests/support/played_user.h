@@ -23,6 +23,7 @@ namespace headless {
 struct HeadlessScreen {
   RECT area{0, 0, 1280, 1024};
   RECT workArea{0, 0, 1280, 1024};
+  RECT rightWorkArea{};  // of a second screen beside it, if there is one
   int frameWidth = 4;
   int captionHeight = 18;
   std::map<std::uintptr_t, RECT> foreignWindows;  // windows of the host's own, by id

@@ -44,6 +44,7 @@ class Placement : public ::testing::Test {
 
 TEST_F(Placement, CentresOnTheOwnerInsideTheWorkArea) {
   headless::Screen().workArea = {40, 30, 1280, 1000};
+  headless::Screen().rightWorkArea = {1280, 0, 2560, 1024};
   const RECT centred = OpenUnder({100, 150, 1001, 801});
   const LONG width = centred.right - centred.left;
   const LONG height = centred.bottom - centred.top;
@@ -57,6 +58,11 @@ TEST_F(Placement, CentresOnTheOwnerInsideTheWorkArea) {
       {"frame and caption of a small owner stay in sight", {300, 300, 310, 310}, IDD_PROBE, {304, 322}},
       {"at the right and bottom", {1250, 990, 1270, 995}, IDD_PROBE, {1280 - width, 1000 - height}},
       {"beyond the left and top", {-900, -900, -850, -850}, IDD_PROBE, {40, 30}},
+      {"on the screen of the owner",
+       {1500, 300, 2500, 1000},
+       IDD_PROBE,
+       {1500 + (1000 - width) / 2, 300 + (700 - height) / 2}},
+      {"at the right of that", {2500, 300, 2540, 340}, IDD_PROBE, {2560 - width, 322}},
       {"larger than the work area", {100, 150, 1001, 801}, IDD_HUGE, {40, 30}},
       {"without an owner on the whole screen", {}, IDD_PLAIN, {592, 482}},
   };

@@ -270,7 +270,8 @@ TEST(WindowCore, FailsWhereThereIsNothingToShow) {
   }
   EXPECT_EQ(CoreProbe().Run(IDD_PROBE), -1);
   EXPECT_NE(GetLastError(), 0u);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "thread: from a worker\nNo display for the dialog \"Probe\"\n");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "thread: from a worker\nNo display for the dialog \"Probe\": nobody plays the user\n");
 }
 
 }  // namespace

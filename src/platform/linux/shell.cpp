@@ -3,6 +3,7 @@
 
 #include <strings.h>
 
+#include <cstdio>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -55,5 +56,9 @@ BOOL SHGetSpecialFolderPathA(HWND, LPSTR path, int folder, BOOL create) {
 
 BOOL ShellExecuteExA(SHELLEXECUTEINFOA* info) {
   const std::string target = ViewerTarget(info->lpFile);
-  return !target.empty() && platform::StartViewer(target.c_str());
+  if (target.empty()) return FALSE;
+  const bool shown = platform::StartViewer(target.c_str());
+  // The user has asked for it, and can still open it himself.
+  if (!shown) std::fprintf(stderr, "xdg-open cannot be started to show %s\n", target.c_str());
+  return shown;
 }

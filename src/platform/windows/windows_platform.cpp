@@ -44,6 +44,8 @@ FileStream OpenFileStream(const char* path, const char* mode) {
 
 void TraceLanguage(const std::string&, const std::string&, std::size_t) {}
 
+void SetDisplayLanguage(const std::string&) {}
+
 void NoteWindowsForWaitCursor() {}
 
 }  // namespace platform

@@ -1,7 +1,10 @@
 #include "application.h"
 
 #include <QApplication>
+#include <QLibraryInfo>
+#include <QLocale>
 #include <QThread>
+#include <QTranslator>
 #include <cerrno>
 #include <cstddef>
 #include <new>
@@ -12,9 +15,12 @@
 namespace windowing {
 namespace {
 
-bool MakeApplication() {
+bool madeHere = false;
+
+bool MakeApplication(std::string& whyNot) {
   const HostState kept;
-  if (!HasUsablePlatform()) return false;
+  whyNot = WhyNoPlatform();
+  if (!whyNot.empty()) return false;
   // Qt keeps references to both. The program's name becomes the windows' class.
   static int argumentCount = 1;
   static char* arguments[] = {program_invocation_name, nullptr};
@@ -24,15 +30,55 @@ bool MakeApplication() {
   // The end of the dialogs is not the end of the program.
   QApplication::setQuitOnLastWindowClosed(false);
   QCoreApplication::setQuitLockEnabled(false);
+  madeHere = true;
   return true;
+}
+
+// Languages call themselves in small letters and with marks; names of catalogues have neither.
+QString Plain(const QString& name) {
+  QString letters;
+  for (const QChar letter : name.normalized(QString::NormalizationForm_D).toCaseFolded()) {
+    if (letter.isLetter()) letters += letter;
+  }
+  return letters;
+}
+
+// The locale whose language has that name, else the one of Qt's own texts.
+QLocale LocaleOf(const QString& language) {
+  for (int number = QLocale::C + 1; number <= QLocale::LastLanguage; ++number) {
+    const QLocale locale(static_cast<QLocale::Language>(number));
+    if (Plain(locale.nativeLanguageName()) == Plain(language)) return locale;
+  }
+  return QLocale::c();
 }
 
 }  // namespace
 
-bool EnsureApplication() {
+bool EnsureApplication(std::string& whyNot) {
   const QCoreApplication* application = QCoreApplication::instance();
-  if (application == nullptr) return MakeApplication();
-  return qobject_cast<const QApplication*>(application) != nullptr && application->thread() == QThread::currentThread();
+  if (application == nullptr) return MakeApplication(whyNot);
+  if (qobject_cast<const QApplication*>(application) == nullptr) {
+    whyNot = "the host's " + std::string(application->metaObject()->className()) +
+             " shows no widgets; it has to be a QApplication, or none at all";
+  } else if (application->thread() != QThread::currentThread()) {
+    whyNot = "another thread has the QApplication; dialogs are for that thread";
+  } else {
+    return true;
+  }
+  return false;
+}
+
+void TranslateApplication(const std::string& language) {
+  static std::string inForce;
+  if (!madeHere || inForce == language) return;
+  inForce = language;
+  static auto* const translator = new QTranslator(qApp);
+  QCoreApplication::removeTranslator(translator);
+  const QLocale locale = LocaleOf(QString::fromStdString(language));
+  const QString folder = QLibraryInfo::path(QLibraryInfo::TranslationsPath);
+  if (translator->load(locale, QStringLiteral("qtbase"), QStringLiteral("_"), folder)) {
+    QCoreApplication::installTranslator(translator);
+  }
 }
 
 }  // namespace windowing

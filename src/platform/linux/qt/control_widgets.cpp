@@ -40,11 +40,9 @@ bool FitsInButton(const QPushButton& button, const QString& plain) {
   return SizeOfLines(button, plain, 0, 0).width() <= room.width();
 }
 
-// Of what is as high as its lines the last line's descent may be short of a pixel or two.
 bool FitsInLabel(const QLabel& label, const QString& plain) {
-  const int lineHeight = label.fontMetrics().height();
   const QSize size = SizeOfLines(label, plain, label.width(), Qt::TextWordWrap);
-  return size.width() <= label.width() && size.height() <= std::max(label.height(), lineHeight);
+  return size.width() <= label.width() && size.height() <= label.height();
 }
 
 bool Fits(const QWidget& widget, const QString& plain) {
@@ -76,7 +74,7 @@ QWidget* MakePushButton(const ControlView& view, QDialog& dialog) {
 }
 
 QWidget* MakeCheckBox(const ControlView& view, QDialog& dialog) {
-  auto* box = new CheckBox(&dialog);
+  auto* box = new CheckBox(QString::fromStdString(view.text), &dialog);  // an empty box is lower
   box->setTristate(view.threeState);
   return box;
 }
@@ -94,16 +92,6 @@ QWidget* MakeWidget(const ControlView& view, QDialog& dialog) {
   }
 }
 
-// Templates give check boxes any height; their mark needs one, around the same centre.
-QRect PlaceOf(const ControlView& view, const QWidget& widget) {
-  QRect place = ToQRect(view.rectangle);
-  if (view.kind != ControlKind::checkBox) return place;
-  const int height = widget.minimumSizeHint().height();
-  place.setTop(place.top() + (place.height() - height) / 2);
-  place.setHeight(height);
-  return place;
-}
-
 Qt::FocusPolicy FocusPolicyOf(const ControlView& view) {
   if (view.kind == ControlKind::label) return Qt::NoFocus;
   return view.tabStop ? Qt::StrongFocus : Qt::ClickFocus;
@@ -113,23 +101,8 @@ QWidget* MakeControl(const ControlView& view, QDialog& dialog) {
   QWidget* widget = MakeWidget(view, dialog);
   widget->setObjectName(QString::number(view.id));
   widget->setFocusPolicy(FocusPolicyOf(view));
-  widget->setGeometry(PlaceOf(view, *widget));
-  widget->lower();  // where controls overlap, the first of them is in front and takes the clicks
+  PlaceControl(*widget, view.rectangle);
   return widget;
-}
-
-// Two check boxes that a template lays over each other could neither be read nor clicked: they give way, as little as
-// that takes.
-void SeparateCheckBoxes(const std::vector<QWidget*>& widgets) {
-  for (std::size_t i = 1; i < widgets.size(); ++i) {
-    QWidget* upper = widgets[i - 1];
-    QWidget* lower = widgets[i];
-    if (qobject_cast<QCheckBox*>(upper) == nullptr || qobject_cast<QCheckBox*>(lower) == nullptr) continue;
-    const int overlap = upper->geometry().intersected(lower->geometry()).height();
-    if (overlap <= 0) continue;
-    upper->move(upper->x(), upper->y() - overlap / 2);
-    lower->move(lower->x(), lower->y() + overlap - overlap / 2);
-  }
 }
 
 void SetTabOrder(const std::vector<QWidget*>& widgets) {
@@ -154,11 +127,32 @@ std::vector<QWidget*> MakeControlWidgets(const std::vector<ControlView>& control
   std::vector<QWidget*> widgets;
   widgets.reserve(controls.size());
   for (const ControlView& view : controls) widgets.push_back(MakeControl(view, dialog));
-  SeparateCheckBoxes(widgets);
   SetTabOrder(widgets);
   NameEdits(widgets);
   for (std::size_t i = 0; i < controls.size(); ++i) ShowControlText(*widgets[i], controls[i].text);
   return widgets;
+}
+
+// Templates give check boxes any height; their mark and their text need one, around the same centre. A line of a label
+// can be a little higher than what its font is measured by.
+void PlaceControl(QWidget& widget, const RECT& rectangle) {
+  QRect place = ToQRect(rectangle);
+  if (const auto* box = qobject_cast<const QCheckBox*>(&widget)) {
+    const int height = std::max(box->minimumSizeHint().height(), box->fontMetrics().height() + 2);
+    place.setTop(place.top() + (place.height() - height) / 2);
+    place.setHeight(height);
+  } else if (qobject_cast<const QLabel*>(&widget) != nullptr) {
+    place.setHeight(std::max(place.height(), SizeOfLines(widget, QStringLiteral("Xg"), 0, 0).height()));
+  }
+  widget.setGeometry(place);
+}
+
+void PutFirstInFront(const std::vector<QWidget*>& widgets) {
+  for (std::size_t i = 1; i < widgets.size(); ++i) {
+    for (std::size_t j = 0; j < i; ++j) {
+      if (widgets[i]->geometry().intersects(widgets[j]->geometry())) widgets[i]->stackUnder(widgets[j]);
+    }
+  }
 }
 
 void ShowControlText(QWidget& widget, const std::string& text) {

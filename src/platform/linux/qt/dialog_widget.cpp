@@ -36,12 +36,10 @@ bool IsEscape(const QKeyEvent& event) {
 }  // namespace
 
 DialogWidget::DialogWidget(const DialogView& view, DisplayEvents& coreEvents)
-    : QDialog(nullptr, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint),
-      handle(view.handle),
-      events(&coreEvents) {
+    : QDialog(nullptr, dialogFlags), handle(view.handle), events(&coreEvents) {
   setWindowTitle(QString::fromStdString(view.title));
   setFixedSize(view.width, view.height);
-  const std::vector<QWidget*> widgets = MakeControlWidgets(view.controls, *this);
+  widgets = MakeControlWidgets(view.controls, *this);
   for (std::size_t i = 0; i < widgets.size(); ++i) Connect(view.controls[i], *widgets[i]);
 }
 
@@ -74,6 +72,7 @@ void DialogWidget::SetOwner(OwnerWindow ownerWindow) {
 }
 
 void DialogWidget::ShowActive() {
+  PutFirstInFront(widgets);
   show();
   activateWindow();
 }

@@ -3,23 +3,28 @@
 #include <QGuiApplication>
 
 namespace windowing {
-namespace {
 
-QWindow* WindowOfQt(WId id) {
-  for (QWindow* window : QGuiApplication::topLevelWindows()) {
-    if (window->handle() != nullptr && window->winId() == id) return window;
+QWindow* QtWindow(std::uintptr_t id) {
+  for (QWindow* window : QGuiApplication::allWindows()) {
+    // One that stands for another program's knows nothing of it.
+    if (window->type() == Qt::ForeignWindow || window->handle() == nullptr) continue;
+    if (window->winId() == id) return window;
   }
   return nullptr;
 }
 
-}  // namespace
+QWindow& TopLevelOf(QWindow& window) {
+  QWindow* at = &window;
+  while (at->parent() != nullptr) at = at->parent();
+  return *at;
+}
 
-OwnerWindow OwnerOf(QWidget* dialog, std::uintptr_t foreignId, const X11Connection* x11) {
+OwnerWindow OwnerOf(const QWidget* dialog, std::uintptr_t foreignId) {
   OwnerWindow owner;
   if (dialog != nullptr) {
     owner.window = dialog->windowHandle();
-  } else if (x11 != nullptr && x11->WindowRectangle(foreignId)) {
-    owner.window = WindowOfQt(foreignId);
+  } else if (foreignId != 0) {
+    owner.window = QtWindow(foreignId);
     if (owner.window == nullptr) owner.foreign.reset(QWindow::fromWinId(foreignId));
     if (owner.foreign != nullptr) owner.window = owner.foreign.get();
   }

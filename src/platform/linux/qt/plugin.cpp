@@ -3,14 +3,14 @@
 #include "qt_display.h"
 
 extern "C" __attribute__((visibility("default"))) windowing::Display* nvsupport_open_display(
-    windowing::DisplayEvents* events) {
+    windowing::DisplayEvents* events, std::string& whyNot) {
   // Lives as long as the process, like the application that it shows its windows in.
   static windowing::QtDisplay* display = nullptr;
   if (events == nullptr) {
     if (display != nullptr) display->Use(nullptr);
     return nullptr;
   }
-  if (!windowing::EnsureApplication()) return nullptr;
+  if (!windowing::EnsureApplication(whyNot)) return nullptr;
   if (display == nullptr) display = new windowing::QtDisplay();
   display->Use(events);
   return display;

@@ -5,11 +5,15 @@
 #include <QCursor>
 #include <QEventLoop>
 #include <QFontMetrics>
-#include <QMessageBox>
-#include <QPointer>
 #include <QScreen>
+#include <algorithm>
+#include <cmath>
+#include <utility>
 
+#include "application.h"
 #include "control_widgets.h"
+#include "icon.h"
+#include "message_box.h"
 #include "windowing/windowing.h"
 
 namespace windowing {
@@ -32,11 +36,6 @@ QRect FromDevicePixels(const QRect& device) {
   return {origin + (device.topLeft() - origin) / ratio, device.size() / ratio};
 }
 
-QMessageBox::Icon IconOf(UINT type) {
-  if ((type & MB_ICONERROR) != 0) return QMessageBox::Critical;
-  return (type & MB_ICONINFORMATION) != 0 ? QMessageBox::Information : QMessageBox::NoIcon;
-}
-
 }  // namespace
 
 void QtDisplay::Use(DisplayEvents* coreEvents) {
@@ -44,6 +43,10 @@ void QtDisplay::Use(DisplayEvents* coreEvents) {
   for (const auto& [handle, dialog] : std::exchange(dialogs, {})) dialog->Abandon();
   controlOwners.clear();
   events = coreEvents;
+}
+
+void QtDisplay::SetLanguage(const std::string& name) {
+  TranslateApplication(name);
 }
 
 // The width is rounded up: templates are laid out for a font that is narrow for its height, and Qt's usual ones are
@@ -60,9 +63,24 @@ RECT QtDisplay::ScreenArea() {
   return screen != nullptr ? ToRect(screen->geometry()) : RECT{};
 }
 
-RECT QtDisplay::WorkArea() {
-  const QScreen* screen = QGuiApplication::primaryScreen();
-  return screen != nullptr ? ToRect(screen->availableGeometry()) : RECT{};
+int QtDisplay::ScreenOf(const RECT& rectangle) {
+  const QRect place = ToQRect(rectangle);
+  const QList<QScreen*> screens = QGuiApplication::screens();
+  const auto remoteness = [&place](const QScreen* screen) {
+    const QRect area = screen->geometry();
+    const QRect common = area & place;
+    const QPoint off = place.center() - area.center();
+    return std::pair(-common.width() * common.height(), std::hypot(off.x(), off.y()));
+  };
+  const auto nearest = std::min_element(screens.begin(), screens.end(), [&](const QScreen* one, const QScreen* other) {
+    return remoteness(one) < remoteness(other);
+  });
+  return static_cast<int>(nearest - screens.begin());
+}
+
+RECT QtDisplay::WorkArea(int screen) {
+  const QList<QScreen*> screens = QGuiApplication::screens();
+  return screen < screens.size() ? ToRect(screens[screen]->availableGeometry()) : RECT{};
 }
 
 int QtDisplay::CaptionHeight() {
@@ -83,10 +101,19 @@ DialogWidget* QtDisplay::FindOwnerOf(HWND control) const {
   return found != controlOwners.end() ? found->second : nullptr;
 }
 
+QIcon QtDisplay::IconUnder(HWND owner, std::uintptr_t foreignOwner) const {
+  if (const DialogWidget* dialog = Find(owner)) return dialog->windowIcon();
+  const QImage ofWindow = x11 != nullptr && foreignOwner != 0 ? x11->WindowIcon(foreignOwner) : QImage();
+  if (!ofWindow.isNull()) return QPixmap::fromImage(ofWindow);
+  const QIcon ofHost = QApplication::windowIcon();
+  return ofHost.isNull() ? OwnIcon() : ofHost;
+}
+
 bool QtDisplay::CreateDialogWindow(const DialogView& view) {
   if (events == nullptr) return false;
   auto* dialog = new DialogWidget(view, *events);
-  dialog->SetOwner(OwnerOf(Find(view.owner), view.foreignOwner, x11.get()));
+  dialog->setWindowIcon(IconUnder(view.owner, view.foreignOwner));
+  dialog->SetOwner(OwnerOf(Find(view.owner), view.foreignOwner));
   dialogs[view.handle] = dialog;
   for (const ControlView& control : view.controls) controlOwners[control.handle] = dialog;
   return true;
@@ -121,17 +148,13 @@ void QtDisplay::RunModal(HWND dialog, const bool& ended) {
 int QtDisplay::RunMessageBox(const MessageBoxView& view) {
   if (events == nullptr) return 0;
   DialogWidget* dialog = Find(view.owner);
-  const OwnerWindow owner = OwnerOf(dialog, view.foreignOwner, x11.get());
+  const OwnerWindow owner = OwnerOf(dialog, view.foreignOwner);
+  MessageBox box(view);
+  box.setWindowIcon(IconUnder(view.owner, view.foreignOwner));
+  windowing::SetOwner(box, owner.window);
   // The owner may go while the box runs, and the box with it.
-  const QPointer<QMessageBox> box = new QMessageBox(dialog);
-  box->setIcon(IconOf(view.type));
-  box->setWindowTitle(QString::fromStdString(view.caption));
-  box->setTextFormat(Qt::PlainText);
-  box->setText(QString::fromStdString(view.text));
-  box->setStandardButtons(QMessageBox::Ok);
-  windowing::SetOwner(*box, owner.window);
-  box->exec();
-  delete box;
+  if (dialog != nullptr) QObject::connect(dialog, &QObject::destroyed, &box, &QDialog::reject);
+  box.exec();
   if (Find(view.owner) == dialog && dialog != nullptr) dialog->activateWindow();
   return IDOK;
 }
@@ -154,6 +177,10 @@ void QtDisplay::SetFocus(HWND control, bool selectAll) {
   if (DialogWidget* dialog = FindOwnerOf(control)) dialog->FocusControl(control, selectAll);
 }
 
+void QtDisplay::MoveControl(HWND control, const RECT& rectangle) {
+  if (const DialogWidget* dialog = FindOwnerOf(control)) PlaceControl(*dialog->Controls().at(control), rectangle);
+}
+
 void QtDisplay::MoveDialogWindow(HWND dialog, POINT topLeft) {
   if (DialogWidget* window = Find(dialog)) window->Place({topLeft.x, topLeft.y});
 }
@@ -170,10 +197,17 @@ POINT QtDisplay::ClientOrigin(HWND dialog) {
   return {client.left(), client.top()};
 }
 
+// A window of the host's own may be Qt's, on whatever screen system, or any on the X server.
 std::optional<RECT> QtDisplay::ForeignRect(std::uintptr_t window) {
+  if (const QWindow* own = QtWindow(window)) return ToRect({own->mapToGlobal(QPoint(0, 0)), own->size()});
   const std::optional<QRect> found = x11 != nullptr ? x11->WindowRectangle(window) : std::nullopt;
   if (!found) return std::nullopt;
   return ToRect(FromDevicePixels(*found));
+}
+
+std::uintptr_t QtDisplay::ForeignTopLevel(std::uintptr_t window) {
+  if (QWindow* own = QtWindow(window)) return TopLevelOf(*own).winId();
+  return x11 != nullptr ? x11->TopLevelWindow(window) : 0;
 }
 
 void QtDisplay::NoteCursorWindows() {

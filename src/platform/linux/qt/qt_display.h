@@ -18,9 +18,11 @@ class QtDisplay final : public Display {
   // Null between two loads of the module.
   void Use(DisplayEvents* coreEvents);
 
+  void SetLanguage(const std::string& name) override;
   POINT BaseUnits() override;
   RECT ScreenArea() override;
-  RECT WorkArea() override;
+  int ScreenOf(const RECT& place) override;
+  RECT WorkArea(int screen) override;
   int CaptionHeight() override;
   int FrameWidth() override;
 
@@ -34,10 +36,12 @@ class QtDisplay final : public Display {
   void SetCheck(HWND checkBox, int state) override;
   void SetEnabled(HWND window, bool enabled) override;
   void SetFocus(HWND control, bool selectAll) override;
+  void MoveControl(HWND control, const RECT& rectangle) override;
   void MoveDialogWindow(HWND dialog, POINT topLeft) override;
   RECT WindowRect(HWND dialog) override;
   POINT ClientOrigin(HWND dialog) override;
   std::optional<RECT> ForeignRect(std::uintptr_t window) override;
+  std::uintptr_t ForeignTopLevel(std::uintptr_t window) override;
 
   void NoteCursorWindows() override;
   void ShowWaitCursor() override;
@@ -47,6 +51,8 @@ class QtDisplay final : public Display {
  private:
   DialogWidget* Find(HWND dialog) const;
   DialogWidget* FindOwnerOf(HWND control) const;
+  // That of the owner, else the host's, else one of our own.
+  QIcon IconUnder(HWND owner, std::uintptr_t foreignOwner) const;
 
   DisplayEvents* events = nullptr;
   const std::unique_ptr<X11Connection> x11;     // null when there is no X server

@@ -2,11 +2,14 @@
 #ifndef NVSUPPORT_PLATFORM_LINUX_QT_USABLE_PLATFORM_H
 #define NVSUPPORT_PLATFORM_LINUX_QT_USABLE_PLATFORM_H
 
+#include <string>
+
 namespace windowing {
 
-// True if one of the platforms that Qt would try has its plugin on this machine and, where it needs one, a server
-// that answers. Looks where Qt looks: QT_QPA_PLATFORM, WAYLAND_DISPLAY, DISPLAY.
-bool HasUsablePlatform();
+// Empty if one of the platforms that Qt would try has its plugin on this machine and, where it needs one, a server that
+// answers; else what is the matter with each of them, and the way out. Looks where Qt looks: QT_QPA_PLATFORM,
+// WAYLAND_DISPLAY, DISPLAY.
+std::string WhyNoPlatform();
 
 }  // namespace windowing
 

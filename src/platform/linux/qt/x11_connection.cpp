@@ -5,6 +5,7 @@
 #include <QGuiApplication>
 #include <cstdlib>
 #include <limits>
+#include <string_view>
 
 // Last, because its macros take names that Qt uses.
 #include <X11/Xlib.h>
@@ -23,6 +24,12 @@ xcb_screen_t* ScreenOf(xcb_connection_t* connection, int number) {
   xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
   for (; number > 0 && screens.rem > 1; --number) xcb_screen_next(&screens);
   return screens.data;
+}
+
+xcb_atom_t AtomOf(xcb_connection_t* connection, std::string_view name) {
+  const auto ask = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
+  const Answer<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, ask, nullptr));
+  return reply != nullptr ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
 // The wait cursor of the user's theme, or that of the server's cursor font.
@@ -49,7 +56,11 @@ std::unique_ptr<X11Connection> X11Connection::Open() {
 }
 
 X11Connection::X11Connection(xcb_connection_t* opened, xcb_screen_t* rootScreen)
-    : connection(opened), screen(rootScreen), waitCursor(LoadWaitCursor(opened, rootScreen)) {}
+    : connection(opened),
+      screen(rootScreen),
+      waitCursor(LoadWaitCursor(opened, rootScreen)),
+      windowIcon(AtomOf(opened, "_NET_WM_ICON")),
+      managedState(AtomOf(opened, "WM_STATE")) {}
 
 X11Connection::~X11Connection() {
   xcb_disconnect(connection);
@@ -64,6 +75,44 @@ std::optional<QRect> X11Connection::WindowRectangle(std::uintptr_t window) const
   const Answer<xcb_translate_coordinates_reply_t> place(xcb_translate_coordinates_reply(connection, askPlace, nullptr));
   if (size == nullptr || place == nullptr) return std::nullopt;
   return QRect(place->dst_x, place->dst_y, size->width, size->height);
+}
+
+bool X11Connection::IsManaged(xcb_window_t window) const {
+  const auto ask = xcb_get_property(connection, 0, window, managedState, XCB_GET_PROPERTY_TYPE_ANY, 0, 0);
+  const Answer<xcb_get_property_reply_t> state(xcb_get_property_reply(connection, ask, nullptr));
+  return state != nullptr && state->type != XCB_ATOM_NONE;
+}
+
+xcb_window_t X11Connection::TopLevelWindow(std::uintptr_t window) const {
+  if (!WindowRectangle(window)) return 0;
+  xcb_window_t topLevel = 0;
+  for (auto at = static_cast<xcb_window_t>(window); at != screen->root;) {
+    topLevel = at;
+    if (IsManaged(at)) break;
+    const Answer<xcb_query_tree_reply_t> tree(
+        xcb_query_tree_reply(connection, xcb_query_tree(connection, at), nullptr));
+    if (tree == nullptr) return 0;
+    at = tree->parent;
+  }
+  return topLevel;
+}
+
+QImage X11Connection::WindowIcon(std::uintptr_t window) const {
+  constexpr std::uint32_t longestSide = 256;
+  constexpr std::uint32_t mostWords = 2 + longestSide * longestSide;
+  const auto ask =
+      xcb_get_property(connection, 0, static_cast<xcb_window_t>(window), windowIcon, XCB_ATOM_CARDINAL, 0, mostWords);
+  const Answer<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection, ask, nullptr));
+  if (reply == nullptr || reply->format != 32 || reply->value_len < 2) return {};
+  // Width, height, pixels; more pictures may follow.
+  const auto* words = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+  const std::uint32_t width = words[0];
+  const std::uint32_t height = words[1];
+  if (width == 0 || width > longestSide || height == 0 || height > longestSide) return {};
+  if (reply->value_len < 2 + width * height) return {};
+  return QImage(reinterpret_cast<const uchar*>(words + 2), static_cast<int>(width), static_cast<int>(height),
+                QImage::Format_ARGB32)
+      .copy();
 }
 
 void X11Connection::SetWaitCursor(const std::vector<xcb_window_t>& windows) const {

@@ -67,10 +67,15 @@ class Display {
  public:
   virtual ~Display() = default;
 
+  // The language of what the display says by itself, by the name that it gives itself, such as "Deutsch".
+  virtual void SetLanguage(const std::string& name) = 0;
+
   // Average width and height of a character of the dialog font: 4 dialog units across, 8 down.
   virtual POINT BaseUnits() = 0;
-  virtual RECT ScreenArea() = 0;
-  virtual RECT WorkArea() = 0;      // without panels and docks
+  virtual RECT ScreenArea() = 0;  // of the primary screen
+  // The screen that holds most of a rectangle, else the nearest, by number; and its area without panels and docks.
+  virtual int ScreenOf(const RECT& place) = 0;
+  virtual RECT WorkArea(int screen) = 0;
   virtual int CaptionHeight() = 0;  // SM_CYSIZE
   virtual int FrameWidth() = 0;     // SM_CXFRAME and SM_CYFRAME
 
@@ -89,6 +94,7 @@ class Display {
   virtual void SetEnabled(HWND window, bool enabled) = 0;
   // Also before the dialog is shown. The OnFocus that follows tells the core nothing new.
   virtual void SetFocus(HWND control, bool selectAll) = 0;
+  virtual void MoveControl(HWND control, const RECT& rectangle) = 0;  // in its dialog's client area
   // The frame's top left corner on the screen.
   virtual void MoveDialogWindow(HWND dialog, POINT topLeft) = 0;
   // The rectangle with its frame on the screen, and the screen position of the client area.
@@ -96,6 +102,8 @@ class Display {
   virtual POINT ClientOrigin(HWND dialog) = 0;
   // The rectangle of a host's own window; nothing if there is no such window.
   virtual std::optional<RECT> ForeignRect(std::uintptr_t window) = 0;
+  // The top-level window that a host's own window is or lies in; 0 if there is no such window.
+  virtual std::uintptr_t ForeignTopLevel(std::uintptr_t window) = 0;
 
   // Notes the windows that a wait cursor would be shown on, before their thread is blocked.
   virtual void NoteCursorWindows() {}
@@ -109,9 +117,9 @@ class Display {
 }  // namespace windowing
 
 // The one function that a display plugin exports: gives its display for these events, null when there is no usable
-// display. The plugin keeps the display; a later call, by the module loaded again, replaces `events`. Null events
-// end the use of the display before the module goes, which at the end of a process is after the plugin's own objects
-// are gone.
-extern "C" using NvOpenDisplay = windowing::Display * (*)(windowing::DisplayEvents * events);
+// display; then it says why, and the way out. The plugin keeps the display; a later call, by the module loaded again,
+// replaces `events`. Null events end the use of the display before the module goes, which at the end of a process is
+// after the plugin's own objects are gone.
+extern "C" using NvOpenDisplay = windowing::Display * (*)(windowing::DisplayEvents * events, std::string& whyNot);
 
 #endif

@@ -1,6 +1,9 @@
 // The display is a plugin beside the module, loaded with the first window.
 #include <dlfcn.h>
+#include <unistd.h>
 
+#include <climits>
+#include <cstdlib>
 #include <string>
 
 #include "../module.h"
@@ -15,30 +18,40 @@ using platform::TraceArea;
 
 constexpr const char* pluginName = "nvsupport-qt.so";
 constexpr const char* openFunctionName = "nvsupport_open_display";
-constexpr DWORD longestPath = 4096;
+constexpr const char* wayOut =
+    "; the plugin belongs beside the library and needs Qt 6 with Widgets (Debian: libqt6widgets6, qt6-qpa-plugins, "
+    "libxcb-cursor0)";
 
+std::string Beside(const std::string& module) {
+  return module.substr(0, module.rfind('/') + 1) + pluginName;
+}
+
+// Where the module was loaded through a symbolic link the plugin may stand beside either end of it.
 std::string PluginPath() {
-  char path[longestPath];
-  if (GetModuleFileNameA(GetModuleHandleA(nullptr), path, sizeof path) == 0) return {};
-  const std::string module = path;
-  const std::size_t folderEnd = module.rfind('/');
-  return folderEnd != std::string::npos ? module.substr(0, folderEnd + 1) + pluginName : std::string();
+  char path[PATH_MAX];
+  if (GetModuleFileNameA(GetModuleHandleA(nullptr), path, sizeof path) == 0) return pluginName;
+  const std::string plugin = Beside(path);
+  char target[PATH_MAX];
+  if (access(plugin.c_str(), F_OK) == 0 || realpath(path, target) == nullptr) return plugin;
+  const std::string pluginOfTarget = Beside(target);
+  return access(pluginOfTarget.c_str(), F_OK) == 0 ? pluginOfTarget : plugin;
 }
 
 }  // namespace
 
 // Never unmapped, because toolkits do not bear that.
-NvOpenDisplay FindDisplay() {
+NvOpenDisplay FindDisplay(std::string& whyNot) {
   const std::string path = PluginPath();
-  void* plugin = path.empty() ? nullptr : dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
-  if (plugin == nullptr) {
-    Trace(TraceArea::display, "no plugin \"%s\": %s", path.c_str(), path.empty() ? "where is the module?" : dlerror());
-    return nullptr;
+  void* plugin = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+  void* open = plugin != nullptr ? dlsym(plugin, openFunctionName) : nullptr;
+  if (open == nullptr) {
+    const char* error = dlerror();
+    whyNot = (error != nullptr ? error : openFunctionName) + std::string(wayOut);
+  } else {
+    Trace(TraceArea::display, "plugin %s", path.c_str());
   }
-  const auto open = reinterpret_cast<NvOpenDisplay>(dlsym(plugin, openFunctionName));
-  Trace(TraceArea::display, open != nullptr ? "plugin %s" : "plugin %s is of another kind", path.c_str());
-  dlclose(plugin);
-  return open;
+  if (plugin != nullptr) dlclose(plugin);
+  return reinterpret_cast<NvOpenDisplay>(open);
 }
 
 }  // namespace windowing

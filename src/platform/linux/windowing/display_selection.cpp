@@ -5,6 +5,7 @@
 #include "../threads.h"
 #include "../trace.h"
 #include "dialog_manager.h"
+#include "platform/platform.h"
 
 namespace windowing {
 namespace {
@@ -13,30 +14,34 @@ namespace {
 std::atomic<DWORD> displayThread = 0;
 std::atomic<Display*> openedDisplay = nullptr;
 NvOpenDisplay openDisplay = nullptr;  // of the display that is open
+constinit std::string language;
 
 void SetDisplay(Display* display) {
   displayThread = GetCurrentThreadId();
   openedDisplay = display;
 }
 
-Display* OpenFoundDisplay() {
-  const NvOpenDisplay open = FindDisplay();
-  Display* display = open != nullptr ? open(&CoreEvents()) : nullptr;
-  platform::Trace(platform::TraceArea::display, display != nullptr ? "opened" : "no usable display");
+Display* OpenFoundDisplay(std::string& whyNot) {
+  const NvOpenDisplay open = FindDisplay(whyNot);
+  Display* display = open != nullptr ? open(&CoreEvents(), whyNot) : nullptr;
+  platform::Trace(platform::TraceArea::display, "%s", display != nullptr ? "opened" : whyNot.c_str());
   if (display != nullptr) openDisplay = open;
   return display;
 }
 
 }  // namespace
 
-Display* OpenDisplay() {
+Display* OpenDisplay(std::string& whyNot) {
+  whyNot = "another thread has it; dialogs are for the thread that showed the first";
   if (openedDisplay == nullptr) {
-    SetDisplay(OpenFoundDisplay());
+    SetDisplay(OpenFoundDisplay(whyNot));
   } else if (OpenedDisplay() != nullptr) {
     // Asked each time: what the display stands on may be the host's, and may have gone.
-    openedDisplay = openDisplay(&CoreEvents());
+    openedDisplay = openDisplay(&CoreEvents(), whyNot);
   }
-  return OpenedDisplay();
+  Display* display = OpenedDisplay();
+  if (display != nullptr) display->SetLanguage(language);
+  return display;
 }
 
 Display* OpenedDisplay() {
@@ -50,8 +55,13 @@ Display* DisplayOfThread(DWORD thread) {
 
 void CloseDisplay() {
   openedDisplay = nullptr;
-  if (openDisplay != nullptr) openDisplay(nullptr);
+  std::string whyNot;
+  if (openDisplay != nullptr) openDisplay(nullptr, whyNot);
   openDisplay = nullptr;
 }
 
 }  // namespace windowing
+
+void platform::SetDisplayLanguage(const std::string& name) {
+  windowing::language = name;
+}

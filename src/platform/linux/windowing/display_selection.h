@@ -2,12 +2,15 @@
 #ifndef NVSUPPORT_PLATFORM_LINUX_WINDOWING_DISPLAY_SELECTION_H
 #define NVSUPPORT_PLATFORM_LINUX_WINDOWING_DISPLAY_SELECTION_H
 
+#include <string>
+
 #include "display.h"
 
 namespace windowing {
 
-// The calling thread's display, opened if there is none yet. Null when there is none usable; tried again next time.
-Display* OpenDisplay();
+// The calling thread's display, opened if there is none yet. Null when there is none usable, with the reason and the
+// way out; tried again next time.
+Display* OpenDisplay(std::string& whyNot);
 // The calling thread's display if it is open.
 Display* OpenedDisplay();
 // The display if it is open and belongs to the thread with this id, which may be another than the caller's.
@@ -18,7 +21,7 @@ void CloseDisplay();
 
 // The function that opens the display, or null. The module's own loads the plugin beside it; a program that is built
 // from the library's objects may define another in its place.
-NvOpenDisplay FindDisplay();
+NvOpenDisplay FindDisplay(std::string& whyNot);
 
 }  // namespace windowing
 

@@ -55,11 +55,18 @@ int MapWindowPoints(HWND from, HWND to, POINT* points, UINT count) {
   return static_cast<int>(windowing::PackWords(static_cast<WORD>(by.x), static_cast<WORD>(by.y)));
 }
 
-// Dialogs move; nothing changes its size or its place among the windows.
-BOOL SetWindowPos(HWND window, HWND, int x, int y, int, int, UINT flags) {
+// Windows move; nothing changes its size or its place among the windows.
+BOOL SetWindowPos(HWND handle, HWND, int x, int y, int, int, UINT flags) {
   windowing::Display* display = windowing::OpenedDisplay();
-  if (display == nullptr || windowing::FindDialog(window) == nullptr || (flags & SWP_NOSIZE) == 0) return FALSE;
-  display->MoveDialogWindow(window, {x, y});
+  windowing::Window* window = windowing::Find(handle);
+  if (display == nullptr || window == nullptr || (flags & SWP_NOSIZE) == 0) return FALSE;
+  if (window->dialog) {
+    display->MoveDialogWindow(handle, {x, y});
+  } else {
+    RECT& place = window->rectangle;
+    place = windowing::MovedBy(place, {x - place.left, y - place.top});
+    display->MoveControl(handle, place);
+  }
   return TRUE;
 }
 
@@ -77,9 +84,17 @@ int GetSystemMetrics(int index) {
   }
 }
 
-BOOL SystemParametersInfoA(UINT action, UINT, LPVOID value, UINT) {
+// A monitor's handle is the number of its screen, from 1.
+HMONITOR MonitorFromWindow(HWND window, DWORD) {
   windowing::Display* display = windowing::OpenedDisplay();
-  if (display == nullptr || action != SPI_GETWORKAREA) return FALSE;
-  *static_cast<RECT*>(value) = display->WorkArea();
+  RECT place{};
+  if (display == nullptr || !GetWindowRect(window, &place)) return nullptr;
+  return reinterpret_cast<HMONITOR>(static_cast<UINT_PTR>(display->ScreenOf(place) + 1));
+}
+
+BOOL GetMonitorInfoA(HMONITOR monitor, MONITORINFO* info) {
+  windowing::Display* display = windowing::OpenedDisplay();
+  if (display == nullptr || monitor == nullptr) return FALSE;
+  info->rcWork = display->WorkArea(static_cast<int>(reinterpret_cast<UINT_PTR>(monitor)) - 1);
   return TRUE;
 }

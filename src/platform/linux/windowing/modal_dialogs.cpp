@@ -27,11 +27,11 @@ constexpr const char* defaultCaption = "Error";
 
 ModalRun* innermost = nullptr;
 
-// What can own: the dialog of a window of the core's, a window of the host's own that the display knows, else null.
+// What can own: the dialog of a window of the core's, the top-level window of one of the host's own, else null.
 HWND OwnerFor(Display& display, HWND window) {
   const std::uintptr_t foreign = ForeignId(window);
   if (foreign == 0) return DialogOf(window);
-  return display.ForeignRect(foreign) ? window : nullptr;
+  return reinterpret_cast<HWND>(display.ForeignTopLevel(foreign));
 }
 
 // Keeps an owner of the core's disabled until Enable; then it is as it was before.
@@ -115,7 +115,8 @@ INT_PTR RunDialog(Display& display, const DialogTemplate& form, HWND ownerWindow
 }
 
 int ShowBox(MessageBoxView& box, HWND ownerWindow) {
-  Display* display = OpenDisplay();
+  std::string whyNot;
+  Display* display = OpenDisplay(whyNot);
   if (display == nullptr) return 0;
   const HWND owner = OwnerFor(*display, ownerWindow);
   box.owner = DialogOf(owner);
@@ -150,9 +151,10 @@ INT_PTR DialogBoxParamA(HINSTANCE module, LPCSTR dialogTemplate, HWND owner, DLG
   if (bytes.empty()) return windowing::Fail(windowing::errorResourceNotFound);
   const auto form = windowing::ParseDialogTemplate(bytes);
   if (!form) return windowing::Fail(windowing::errorInvalidData);
-  windowing::Display* display = windowing::OpenDisplay();
+  std::string whyNot;
+  windowing::Display* display = windowing::OpenDisplay(whyNot);
   if (display == nullptr) {
-    std::fprintf(stderr, "No display for the dialog \"%s\"\n", form->title.c_str());
+    std::fprintf(stderr, "No display for the dialog \"%s\": %s\n", form->title.c_str(), whyNot.c_str());
     return windowing::Fail(windowing::errorNoInteractiveStation);
   }
   return windowing::RunDialog(*display, *form, owner, dialogProc, initParam);

@@ -52,7 +52,15 @@ inline constexpr UINT SWP_NOCOPYBITS = 0x0100;
 inline constexpr int SM_CYSIZE = 31;
 inline constexpr int SM_CXFRAME = 32;
 inline constexpr int SM_CYFRAME = 33;
-inline constexpr UINT SPI_GETWORKAREA = 0x0030;
+
+using HMONITOR = struct HMONITOR__*;
+struct MONITORINFO {
+  DWORD cbSize;
+  RECT rcMonitor;  // not filled in
+  RECT rcWork;
+  DWORD dwFlags;  // not filled in
+};
+inline constexpr DWORD MONITOR_DEFAULTTONEAREST = 2;
 
 // Names of resources by number travel as small pointers.
 inline LPSTR MAKEINTRESOURCEA(WORD id) {
@@ -89,7 +97,8 @@ BOOL GetWindowRect(HWND window, RECT* rectangle);
 int MapWindowPoints(HWND from, HWND to, POINT* points, UINT count);
 BOOL SetWindowPos(HWND window, HWND insertAfter, int x, int y, int width, int height, UINT flags);
 int GetSystemMetrics(int index);
-BOOL SystemParametersInfoA(UINT action, UINT parameter, LPVOID value, UINT flags);
+HMONITOR MonitorFromWindow(HWND window, DWORD whereThereIsNone);
+BOOL GetMonitorInfoA(HMONITOR monitor, MONITORINFO* info);
 
 // cursor.cpp
 HCURSOR LoadCursorA(HINSTANCE module, LPCSTR name);

@@ -1,0 +1,13 @@
+// The icon of dialogs in a host that has none.
+#ifndef NVSUPPORT_PLATFORM_LINUX_QT_ICON_H
+#define NVSUPPORT_PLATFORM_LINUX_QT_ICON_H
+
+#include <QIcon>
+
+namespace windowing {
+
+QIcon OwnIcon();
+
+}  // namespace windowing
+
+#endif
