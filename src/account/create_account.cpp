@@ -52,7 +52,7 @@ bool CVServiceManager::CreateAccount(HWND parent) {
     }
 
     void onOK() override {
-      if (getItemText(IDC_RETYPE_PASSWORD) != getItemText(IDC_PASSWORD)) {
+      if (getSecretText(IDC_RETYPE_PASSWORD) != getSecretText(IDC_PASSWORD)) {
         ShowMessage(hwnd, MB_ICONERROR, "The passwords do not match");
         SetWindowTextA(GetDlgItem(hwnd, IDC_RETYPE_PASSWORD), "");
         return;
@@ -87,7 +87,7 @@ bool CVServiceManager::CreateAccount(HWND parent) {
 
     void TakeFields() {
       m_session->m_userId = getItemText(IDC_USER_ID);
-      m_session->m_password = getItemText(IDC_PASSWORD);
+      m_session->m_password = getSecretText(IDC_PASSWORD);
       m_name = getItemText(IDC_YOUR_NAME);
       m_company = getItemText(IDC_COMPANY);
       m_email = getItemText(IDC_EMAIL);
@@ -98,7 +98,7 @@ bool CVServiceManager::CreateAccount(HWND parent) {
       CWebBinaryCGI cgi(accountCgi, true);
       cgi.WriteValue(operation);
       cgi.WriteString(m_session->m_userId);
-      cgi.WriteString(m_session->m_password);
+      cgi.WriteString(m_session->m_password.view());
       cgi.WriteString(m_name);
       cgi.WriteString(m_company);
       cgi.WriteString(m_email);

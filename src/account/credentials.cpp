@@ -2,7 +2,6 @@
 
 #include "base/ascii.h"
 #include "core/service_manager.h"
-#include "platform/platform.h"
 #include "storage/settings_file.h"
 
 namespace nvsupport {
@@ -33,11 +32,15 @@ Credential EncodeCredential(std::string_view text) {
   return codes;
 }
 
-std::string DecodeCredential(const Credential& masked) {
-  std::string text;
-  for (const std::uint8_t code : MaskCredential(masked)) {
-    if (code >= 1 && code <= codedCharacters.size()) text += codedCharacters[code - 1u];
-  }
+platform::SecretText DecodeCredential(const Credential& masked) {
+  platform::SecretText text;
+  text.Fill(masked.size(), [&](char* end, std::size_t) {
+    std::size_t count = 0;
+    for (const std::uint8_t code : MaskCredential(masked)) {
+      if (code >= 1 && code <= codedCharacters.size()) end[count++] = codedCharacters[code - 1u];
+    }
+    return count;
+  });
   return text;
 }
 
@@ -47,16 +50,13 @@ Credential MaskCredential(const Credential& bytes) {
   return result;
 }
 
-void WipeText(std::string& text) {
-  SecureZeroMemory(text.data(), text.size());
-  text.clear();
-}
-
 void CVServiceManager::SaveProfile() const {
+  const std::string path = GetSettingsPath();
+  if (!HasFolder(path)) return;
   CSettingsFile settings;
   settings.SetText("UserID", m_userId);
-  if (m_savePassword) settings.SetText("Passwd", HexDigits(MaskCredential(EncodeCredential(m_password))));
-  settings.Save(GetSettingsPath());
+  if (m_savePassword) settings.SetText("Passwd", HexDigits(MaskCredential(EncodeCredential(m_password.view()))));
+  settings.Save(path);
 }
 
 }  // namespace nvsupport

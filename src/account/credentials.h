@@ -5,8 +5,9 @@
 
 #include <array>
 #include <cstdint>
-#include <string>
 #include <string_view>
+
+#include "platform/platform.h"
 
 namespace nvsupport {
 
@@ -20,11 +21,9 @@ inline constexpr Credential credentialMask = {0xb2, 0x5e, 0x07, 0xd9, 0x83, 0x6c
 // The first 16 letters and digits as codes from 1 to 36, either case alike; 0 behind the last one.
 Credential EncodeCredential(std::string_view text);
 // The text of masked bytes, in lower case. What is no code appends nothing.
-std::string DecodeCredential(const Credential& masked);
+platform::SecretText DecodeCredential(const Credential& masked);
 // Lays the mask over the bytes, or takes it off again.
 Credential MaskCredential(const Credential& bytes);
-// Overwrites a text that is to stay in no memory, and empties it.
-void WipeText(std::string& text);
 
 }  // namespace nvsupport
 

@@ -54,7 +54,7 @@ bool CVServiceManager::SendDeviceName(HWND parent, const std::string& name) {
     CWebBinaryCGI cgi(accountCgi, true);
     cgi.WriteValue(operation);
     cgi.WriteString(m_userId);
-    cgi.WriteString(m_password);
+    cgi.WriteString(m_password.view());
     cgi.WriteString(name);
     cgi.WriteValue(m_deviceId);
     cgi.WriteValue(registrationConstant);

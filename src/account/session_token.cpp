@@ -19,7 +19,7 @@ std::string CVServiceManager::GetSessionToken(HWND parent) {
   CWebBinaryCGI cgi(accountCgi, true);
   cgi.WriteValue(operation);
   cgi.WriteString(m_userId);
-  cgi.WriteString(m_password);
+  cgi.WriteString(m_password.view());
   const StatusReply reply = SendForStatus(cgi);
   if (!reply.answered || reply.status != statusSuccess) return {};
 
@@ -33,10 +33,11 @@ std::string CVServiceManager::GetSessionToken(HWND parent) {
 bool xff99a5e4(NVWindow parent, char* token) {
   token[0] = '\0';
   try {
-    if (nvsupport::g_serviceManager == nullptr) return false;
-    const std::string text = nvsupport::g_serviceManager->GetSessionToken(static_cast<HWND>(parent));
-    if (text.size() > nvsupport::longestToken) return false;
-    std::copy_n(text.c_str(), text.size() + 1, token);
+    const nvsupport::AccountOperation operation;
+    if (operation.Session() == nullptr) return false;
+    std::string text = operation.Session()->GetSessionToken(static_cast<HWND>(parent));
+    if (text.size() <= nvsupport::longestToken) std::copy_n(text.c_str(), text.size() + 1, token);
+    platform::WipeText(text);
     return token[0] != '\0';
   } catch (...) {
     return false;

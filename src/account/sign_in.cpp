@@ -1,6 +1,5 @@
 // Sign-in: the dialog that asks for user ID and password, and operation 8 that proves them to the account service.
 #include "account/account_exchange.h"
-#include "account/credentials.h"
 #include "core/service_manager.h"
 #include "resources/resource_ids.h"
 #include "storage/desktop.h"
@@ -46,7 +45,7 @@ bool CVServiceManager::Login(HWND parent) {
       TakeCredentials();
       m_session->m_savePassword = isChecked(IDC_SAVE_PASSWORD);
       if (!m_session->VerifyAccount(hwnd)) {
-        WipeText(m_session->m_password);
+        m_session->m_password.clear();
         return;
       }
       m_session->SaveProfile();
@@ -63,7 +62,7 @@ bool CVServiceManager::Login(HWND parent) {
    private:
     void TakeCredentials() {
       m_session->m_userId = getItemText(IDC_USER_ID);
-      m_session->m_password = getItemText(IDC_PASSWORD);
+      m_session->m_password = getSecretText(IDC_PASSWORD);
     }
 
     // A created account counts as signed in.
@@ -94,7 +93,7 @@ bool CVServiceManager::VerifyAccount(HWND parent) {
     CWebBinaryCGI cgi(accountCgi, true);
     cgi.WriteValue(operation);
     cgi.WriteString(m_userId);
-    cgi.WriteString(m_password);
+    cgi.WriteString(m_password.view());
     cgi.WriteValue(m_deviceId);
     reply = SendForStatus(cgi);
     if (reply.status == statusSuccess) cgi.ReadValue(state);

@@ -13,12 +13,15 @@ namespace {
 constexpr std::uint32_t personalComputer = 0x10000000;
 constexpr DWORD maxComputerName = 256;
 
+CVServiceManager* sessionInUse = nullptr;  // by the account operation that runs
+
 }  // namespace
 
 CVServiceManager::CVServiceManager(const std::string& productName, std::uint32_t platform, std::uint32_t deviceId)
     : m_platform(platform), m_productName(productName), m_deviceId(deviceId) {
+  const std::string path = GetSettingsPath();
   CSettingsFile settings;
-  if (!settings.Load(GetSettingsPath())) return;
+  if (!HasFolder(path) || !settings.Load(path)) return;
   m_userId = settings.GetText("UserID");
   if (!settings.HasValue("Passwd")) return;
   Credential masked = credentialMask;  // bytes that the file does not give stand for no character
@@ -26,8 +29,8 @@ CVServiceManager::CVServiceManager(const std::string& productName, std::uint32_t
   m_password = DecodeCredential(masked);
 }
 
-CVServiceManager::~CVServiceManager() {
-  WipeText(m_password);
+bool CVServiceManager::HasFolder(const std::string& settingsPath) {
+  return !GetFolderOf(settingsPath).empty();
 }
 
 std::string CVServiceManager::GetSettingsPath() const {
@@ -49,7 +52,18 @@ std::string CServiceManager::GetDeviceName() {
 }
 
 void CloseSession() {
-  delete std::exchange(g_serviceManager, nullptr);
+  const CVServiceManager* const old = std::exchange(g_serviceManager, nullptr);
+  if (old != sessionInUse) delete old;
+}
+
+AccountOperation::AccountOperation() {
+  if (sessionInUse == nullptr) session = sessionInUse = g_serviceManager;
+}
+
+AccountOperation::~AccountOperation() {
+  if (session == nullptr) return;
+  sessionInUse = nullptr;
+  if (session != g_serviceManager) delete session;
 }
 
 }  // namespace nvsupport

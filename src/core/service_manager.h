@@ -14,7 +14,7 @@ class CVServiceManager {
   CVServiceManager(const CVServiceManager&) = delete;
   CVServiceManager& operator=(const CVServiceManager&) = delete;
   // Writes nothing: what was not saved is gone.
-  virtual ~CVServiceManager();
+  virtual ~CVServiceManager() = default;
   // The name to propose for this computer when it has none at the account service.
   virtual std::string GetDeviceName() = 0;
 
@@ -39,11 +39,14 @@ class CVServiceManager {
  protected:
   // Starts with what was saved for the product.
   CVServiceManager(const std::string& productName, std::uint32_t platform, std::uint32_t deviceId);
+  // False where the platform gives no folder for the settings: then nothing is read, and nothing is written in the
+  // root.
+  static bool HasFolder(const std::string& settingsPath);
 
   std::uint32_t m_platform;  // platform code that computers are registered with
   std::string m_userId;
   std::string m_productName;
-  std::string m_password;  // empty: not known, a sign-in is needed
+  platform::SecretText m_password;  // empty: not known, a sign-in is needed
   bool m_savePassword = false;
   std::uint32_t m_deviceId;
 };
@@ -58,8 +61,24 @@ class CServiceManager final : public CVServiceManager {
 // The one session, null while there is none. Created and replaced by x3e491215, destroyed at unload.
 extern CVServiceManager* g_serviceManager;
 
-// Destroys the session if there is one.
+// Ends the session if there is one.
 void CloseSession();
+
+// An account operation on the session in force. While its dialogs run the host's timers and events run, too, and the
+// host may open another session: then the one of the operation lives on until the operation is done.
+class AccountOperation {
+ public:
+  AccountOperation();
+  ~AccountOperation();
+  AccountOperation(const AccountOperation&) = delete;
+  AccountOperation& operator=(const AccountOperation&) = delete;
+
+  // Null if there is no session, or an operation runs already.
+  CVServiceManager* Session() const { return session; }
+
+ private:
+  CVServiceManager* session = nullptr;
+};
 
 }  // namespace nvsupport
 

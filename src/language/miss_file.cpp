@@ -41,10 +41,10 @@ void CTranslationCatalogue::WriteMissFile() {
   if (!folder.empty() && IsFolder(folder)) {
     const std::string modulePath = GetModulePath();
     const std::string name = modulePath.empty() ? "module" : GetBaseNameOf(modulePath);
-    const platform::FileStream file = platform::OpenFileStream((folder + '\\' + name + ".txt").c_str(), "wb");
-    if (!file) return;
     std::string bytes(wideCatalogueMark);
     for (const std::string& miss : misses) AppendMiss(bytes, miss);
+    const platform::FileStream file = platform::OpenFileStream((folder + '\\' + name + ".txt").c_str(), "wb");
+    if (!file) return;
     std::fwrite(bytes.data(), 1, bytes.size(), file.get());
   }
   misses.clear();

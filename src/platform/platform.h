@@ -13,6 +13,7 @@
 #include <string>
 
 #include "base/scoped_handle.h"
+#include "platform/secret.h"
 
 // The module's entry, defined by the library: reason DLL_PROCESS_ATTACH after its process-wide objects came to life,
 // DLL_PROCESS_DETACH before they go.

@@ -1,7 +1,5 @@
 #include "ui/dialog.h"
 
-#include <vector>
-
 #include "language/window_text.h"
 #include "storage/format_text.h"
 #include "ui/instance_subclasser.h"
@@ -111,11 +109,20 @@ void Dialog::setItemText(int id, const std::string& text) {
   SetWindowTextA(GetDlgItem(hwnd, id), text.c_str());
 }
 
+void Dialog::setItemText(int id, const platform::SecretText& text) {
+  SetWindowTextA(GetDlgItem(hwnd, id), text.c_str());
+}
+
 std::string Dialog::getItemText(int id) const {
+  return std::string(getSecretText(id).view());
+}
+
+platform::SecretText Dialog::getSecretText(int id) const {
   const auto length = static_cast<std::size_t>(SendDlgItemMessageA(hwnd, id, WM_GETTEXTLENGTH, 0, 0));
-  std::vector<char> buffer(length + 1);
-  const UINT copied = GetDlgItemTextA(hwnd, id, buffer.data(), static_cast<int>(buffer.size()));
-  return {buffer.data(), copied};
+  platform::SecretText text;
+  text.Fill(length + 1,
+            [&](char* buffer, std::size_t room) { return GetDlgItemTextA(hwnd, id, buffer, static_cast<int>(room)); });
+  return text;
 }
 
 bool Dialog::isChecked(int id) const {

@@ -30,7 +30,9 @@ class Dialog : public Window {
 
  protected:
   void setItemText(int id, const std::string& text);
+  void setItemText(int id, const platform::SecretText& text);
   std::string getItemText(int id) const;
+  platform::SecretText getSecretText(int id) const;
   // True for any state but unchecked.
   bool isChecked(int id) const;
   INT_PTR dispatch(UINT message, WPARAM wParam, LPARAM lParam);

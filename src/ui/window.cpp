@@ -1,6 +1,7 @@
 #include "ui/window.h"
 
 #include <cstdint>
+#include <exception>
 
 #include "ui/instance_subclasser.h"
 
@@ -35,7 +36,11 @@ LRESULT Window::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   const auto pair = static_cast<WPARAM>(lParam);
   switch (message) {
     case WM_DESTROY:
-      onDestroy();
+      try {
+        onDestroy();
+      } catch (const std::exception&) {
+        // Out of memory: the window goes all the same, and its record with it.
+      }
       break;
     case WM_SIZE:
       onSize(LOWORD(pair), HIWORD(pair));

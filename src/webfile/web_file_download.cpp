@@ -16,12 +16,16 @@ platform::ObjectHandle CreateTemporaryFile(const std::string& name) {
   return platform::ObjectHandle(file != INVALID_HANDLE_VALUE ? file : nullptr);
 }
 
+// What both exports are. One does not call the other: a host may have a function of that name, which would be called.
 bool Download(const char* host, const char* path, const char* file, WebProgressCallback callback, void* callbackData,
-              WebProgressCounters* counters) {
+              WebProgressCounters* counters) try {
+  if (file == nullptr) return false;
   WebFileConnection connection(host, true, false);
   connection.SetCallback(callback, callbackData);
   connection.SetCounters(counters);
   return connection.DownloadFile(path, file);
+} catch (const std::exception&) {
+  return false;
 }
 
 }  // namespace
@@ -50,7 +54,7 @@ bool WebFileConnection::DownloadToFile(const char* file) {
   return false;
 }
 
-bool WebFileConnection::ReceiveInto(HANDLE file) {
+bool WebFileConnection::ReceiveInto(HANDLE file) try {
   char chunk[transferChunk];
   while (true) {
     DWORD got = 0;
@@ -61,17 +65,17 @@ bool WebFileConnection::ReceiveInto(HANDLE file) {
     if (written < got) return false;
     if (counters != nullptr) counters->done += got;
   }
+} catch (const std::exception&) {
+  return false;  // out of memory: the caller takes the file away
 }
 
 }  // namespace nvsupport
 
 bool NSDownloadWebFileProgress(const char* host, const char* path, const char* file, WebProgressCallback callback,
-                               void* callbackData, WebProgressCounters* counters) try {
-  return file != nullptr && nvsupport::Download(host, path, file, callback, callbackData, counters);
-} catch (const std::exception&) {
-  return false;
+                               void* callbackData, WebProgressCounters* counters) {
+  return nvsupport::Download(host, path, file, callback, callbackData, counters);
 }
 
 bool x77fc64c7(const char* host, const char* path, const char* file, WebProgressCallback callback, void* callbackData) {
-  return NSDownloadWebFileProgress(host, path, file, callback, callbackData, nullptr);
+  return nvsupport::Download(host, path, file, callback, callbackData, nullptr);
 }

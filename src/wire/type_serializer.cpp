@@ -30,7 +30,7 @@ void CTypeSerializer::WriteBlock(const void* data, std::int32_t size) {
   count += static_cast<std::uint32_t>(size);
 }
 
-void CTypeSerializer::WriteString(const std::string& text) {
+void CTypeSerializer::WriteString(std::string_view text) {
   WriteValue(static_cast<std::uint32_t>(text.size()));
   std::array<char16_t, 256> units;
   for (std::string_view rest = text; !rest.empty();) {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace nvsupport {
 
@@ -24,7 +25,7 @@ class CTypeSerializer {
   void WriteValue(std::uint32_t value);
   void WriteValue(std::uint8_t value);
   void WriteBlock(const void* data, std::int32_t size);
-  void WriteString(const std::string& text);
+  void WriteString(std::string_view text);
 
   // Reads of what is missing clear `good`; the destination changes only as far as bytes arrive.
   void ReadValue(std::int32_t& value);

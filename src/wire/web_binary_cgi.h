@@ -4,7 +4,6 @@
 #define NVSUPPORT_WIRE_WEB_BINARY_CGI_H
 
 #include <cstdint>
-#include <vector>
 
 #include "platform/platform.h"
 #include "wire/type_serializer.h"
@@ -30,7 +29,7 @@ class CWebBinaryCGI final : public CTypeSerializer {
   platform::InternetHandle request;
   platform::InternetHandle connection;
   platform::DialUp dialUp;
-  std::vector<std::uint8_t> buffer;  // the request, then what was read ahead
+  platform::SecretVector<std::uint8_t> buffer;  // the request, then what was read ahead
 };
 
 }  // namespace nvsupport

@@ -87,7 +87,7 @@ void AccountTest::OpenSession(const Credentials& saved) {
 }
 
 Credentials AccountTest::InForce() {
-  return {g_serviceManager->*&Fields::m_userId, g_serviceManager->*&Fields::m_password};
+  return {g_serviceManager->*&Fields::m_userId, std::string((g_serviceManager->*&Fields::m_password).view())};
 }
 
 bool AccountTest::Run(const Steps& steps, Operation operation) {

@@ -37,6 +37,19 @@ int curl_global_init(long flags) {
   return function(flags);
 }
 
+/* A function of the host's own that is called like an export. */
+bool NSDownloadWebFileProgress(const char* host, const char* path, const char* file, WebProgressCallback callback,
+                               void* callbackData, WebProgressCounters* counters) {
+  printf("the host's own %d\n", (host && path && file) || callback || callbackData || counters);
+  return true;
+}
+
+/* The module calls what it means, not what the host calls alike. */
+static int DownloadFromNowhere(void* module) {
+  bool (*download)(const char*, const char*, const char*, WebProgressCallback, void*);
+  return module != NULL && Find(module, "x77fc64c7", &download) && !download("", "", "nowhere", NULL, NULL) ? 0 : 1;
+}
+
 static long CountEntries(const char* folder) {
   long count = 0;
   DIR* entries = opendir(folder);
@@ -125,6 +138,7 @@ int main(int argc, char** argv) {
   if (strcmp(job, "load") == 0) return LoadAndUnload(path);
   if (strcmp(job, "cycle") == 0) return Cycle(path, rounds, false);
   if (strcmp(job, "cycle-in-use") == 0) return Cycle(path, rounds, true);
+  if (strcmp(job, "name-taken") == 0) return DownloadFromNowhere(Load(path));
   if (strcmp(job, "use-and-exit") == 0) return Use(Load(path), true); /* and never unloads it */
   return 2;
 }

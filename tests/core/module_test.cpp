@@ -66,6 +66,19 @@ TEST_F(Module, SetsNothingToWorkAtLoadAndLeavesAtUnload) {
   }
 }
 
+// Memory of a thread's own that is made at its first touch would be asked for when the error to keep is the lack of it.
+TEST_F(Module, NeedsNoMemoryToKeepAnError) {
+  const ProgramResult nm = RunProgram({"nm", "-D", "--undefined-only", "--format=just-symbols", NV_MODULE});
+  ASSERT_EQ(nm.exitCode, 0);
+  EXPECT_EQ(nm.output.find("__tls_get_addr"), std::string::npos);
+}
+
+TEST_F(Module, CallsNothingOfTheHostThatHasTheNameOfAnExport) {
+  const ProgramResult result = RunHost("name-taken");
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.output, "");
+}
+
 TEST_F(Module, HoldsNothingMoreAfterManyLoads) {
   ExpectNoGrowth("cycle", sanitized ? 100 : 1000);
 }

@@ -46,7 +46,7 @@ std::string SettingsOf(const TemporaryHome& home, const std::string& product) {
 std::string ThroughTheFile(const std::string& password) {
   const TemporaryHome home;
   SaveAs("P", "u", password, true);
-  return ProbeSession("P").m_password;
+  return std::string(ProbeSession("P").m_password.view());
 }
 
 TEST(Credentials, KeepTheFirstSixteenLettersAndDigits) {

@@ -1,6 +1,5 @@
 // The file operations of the platform as the library relies on them.
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -49,21 +48,6 @@ TEST(PlatformFiles, MovingNeverReplacesAFile) {
   EXPECT_TRUE(MoveFileA((folder / "a").c_str(), (folder / "c").c_str()));
   EXPECT_EQ(ReadWholeFile(folder / "c"), "new");
   EXPECT_FALSE(fs::exists(folder / "a"));
-}
-
-TEST(PlatformFiles, WriteReportsWhatTheFileSizeLimitLeaves) {
-  const TemporaryFolder folder;
-  rlimit before{};
-  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
-  const rlimit limited{1000, before.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
-  const HANDLE file = CreateForWriting(folder / "a");
-  const std::string data(600, 'x');
-  std::vector<std::pair<BOOL, DWORD>> results(3, {TRUE, 99});
-  for (auto& [result, written] : results) result = WriteFile(file, data.data(), 600, &written, nullptr);
-  CloseHandle(file);
-  setrlimit(RLIMIT_FSIZE, &before);
-  EXPECT_EQ(results, (std::vector<std::pair<BOOL, DWORD>>{{TRUE, 600}, {FALSE, 400}, {FALSE, 0}}));
 }
 
 TEST(PlatformFiles, StreamsOpenedForWritingAreTheOwnersAlone) {

@@ -86,7 +86,7 @@ class FileSearch {
 }  // namespace
 
 HANDLE FindFirstFileA(LPCSTR pattern, WIN32_FIND_DATAA* data) {
-  auto search = std::make_unique<FileSearch>(platform::NativePath(pattern));
+  auto search = std::make_unique<FileSearch>(platform::NativePath(pattern).c_str());
   return search->Next(*data) ? search.release() : INVALID_HANDLE_VALUE;
 }
 

@@ -2,19 +2,21 @@
 #include "files.h"
 
 #include <fcntl.h>
-#include <sys/resource.h>
+#include <signal.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
-#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <memory>
-#include <string>
+#include <new>
 #include <utility>
 
+#include "blocked_signals.h"
 #include "handle.h"
 #include "native_path.h"
 #include "platform/platform.h"
@@ -31,46 +33,65 @@ constexpr mode_t anyonesFile = 0666;  // less the user's mask
 
 constexpr std::size_t gatheredAtMost = std::size_t{64} * 1024;  // bytes
 
+// A write beyond the process's file size limit raises SIGXFSZ, which ends a host that does not expect it. While the
+// object lives the signal is held back on this thread; one that came meanwhile is taken off again.
+class NoFileSizeSignal {
+ public:
+  ~NoFileSizeSignal() {
+    const timespec atOnce{};
+    while (!hostsOwn && sigtimedwait(&signals, nullptr, &atOnce) < 0 && errno == EINTR) {
+    }
+  }
+
+ private:
+  static sigset_t FileSizeSignal() {
+    sigset_t set;
+    sigemptyset(&set);
+    sigaddset(&set, SIGXFSZ);
+    return set;
+  }
+  static bool IsPending() {
+    sigset_t pending;
+    return sigpending(&pending) == 0 && sigismember(&pending, SIGXFSZ) == 1;
+  }
+
+  const sigset_t signals = FileSizeSignal();
+  const bool hostsOwn = IsPending();
+  const platform::BlockedSignals blocked{signals};
+};
+
 // A file open for writing from its start. Small writes are gathered, so that a file which comes in many of them costs
 // few calls of the system. A disk that is full thus shows in a later write, or when the file is closed.
 class WrittenFile final : public HandleObject {
  public:
-  explicit WrittenFile(Descriptor opened) : descriptor(std::move(opened)) {
-    rlimit limit{};
-    if (getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY) room = limit.rlim_cur;
-  }
+  void Open(Descriptor opened) { descriptor = std::move(opened); }
   ~WrittenFile() override { Close(); }
 
   bool Close() override {
     if (!descriptor) return true;
-    const bool stored = Flush();
-    const bool closed = close(descriptor.release()) == 0;
-    return stored && closed;
+    Flush();
+    // A child that the host has forked holds the file open, but has no part in the lock.
+    flock(descriptor.get(), LOCK_UN);
+    return close(descriptor.release()) == 0 && !lost;
   }
 
-  // Returns the bytes taken: fewer than asked for at the file size limit, none once something could not be stored.
-  std::size_t Write(const char* data, std::size_t size) {
-    const auto taken = static_cast<std::size_t>(std::min<std::uint64_t>(size, room));
-    if (gathered.size() + taken > gatheredAtMost) Flush();
-    if (taken > gatheredAtMost) {
-      Store(data, taken);
+  // False once something could not be stored.
+  bool Write(const char* data, std::size_t size) {
+    if (size > gathered.size() - used) Flush();
+    if (size > gathered.size()) {
+      Store(data, size);
     } else {
-      gathered.append(data, taken);
+      std::memcpy(gathered.data() + used, data, size);
+      used += size;
     }
-    if (lost) return 0;
-    room -= taken;
-    return taken;
-  }
-
- private:
-  // True if all that was taken so far is stored.
-  bool Flush() {
-    Store(gathered.data(), gathered.size());
-    gathered.clear();
     return !lost;
   }
 
+ private:
+  void Flush() { Store(gathered.data(), std::exchange(used, 0)); }
+
   void Store(const char* data, std::size_t size) {
+    const NoFileSizeSignal held;
     while (size > 0 && !lost) {
       const ssize_t written = write(descriptor.get(), data, size);
       if (written < 0 && errno == EINTR) continue;
@@ -82,44 +103,90 @@ class WrittenFile final : public HandleObject {
   }
 
   Descriptor descriptor;
-  // Bytes up to the process's file size limit. A write that starts at the limit would raise SIGXFSZ, which ends a
-  // host that does not expect it.
-  std::uint64_t room = UINT64_MAX;
-  std::string gathered;  // taken and not yet stored
-  bool lost = false;     // something that was taken could not be stored
+  std::array<char, gatheredAtMost> gathered;  // taken and not yet stored
+  std::size_t used = 0;
+  bool lost = false;  // something that was taken could not be stored
 };
 
-bool Exists(const char* path) {
+ssize_t WriteToStream(void* file, const char* data, std::size_t size) {
+  return static_cast<WrittenFile*>(file)->Write(data, size) ? static_cast<ssize_t>(size) : 0;
+}
+int CloseStream(void* file) {
+  const std::unique_ptr<WrittenFile> closing(static_cast<WrittenFile*>(file));
+  return closing->Close() ? 0 : EOF;
+}
+
+// A file, made if the flags say so. None for a folder, pipe or device, which is not even opened: that may have
+// effects, or wait for somebody at the other end.
+Descriptor OpenRegularFile(const NativePath& path, int flags, mode_t rights = 0) {
   struct stat status {};
-  return lstat(path, &status) == 0;
+  if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) return {};
+  Descriptor file(open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, rights));
+  if (file && (fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))) file.reset();
+  return file;
+}
+
+// How a file is opened without sharing: by a lock that goes with the descriptor. False if another has the file open in
+// that way. A file system that knows no locks lets all have it.
+bool Lock(const Descriptor& file, int kind) {
+  return flock(file.get(), kind | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+bool IsStillAt(const NativePath& path, const Descriptor& file) {
+  struct stat atPath {};
+  struct stat opened {};
+  return lstat(path.c_str(), &atPath) == 0 && fstat(file.get(), &opened) == 0 && atPath.st_ino == opened.st_ino &&
+         atPath.st_dev == opened.st_dev;
+}
+
+// Keeps a file from those who would begin to write in it, as long as the descriptor is open. False if it is no file or
+// another has it open without sharing; one that may not be opened is taken for nobody's.
+bool Hold(const NativePath& path, Descriptor& file) {
+  struct stat status {};
+  if (lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
+  file = OpenRegularFile(path, O_RDONLY | O_NOFOLLOW);
+  return !file || (Lock(file, LOCK_SH) && IsStillAt(path, file));
+}
+
+bool IsLink(const NativePath& path) {
+  struct stat status {};
+  return lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+bool Exists(const NativePath& path) {
+  struct stat status {};
+  return lstat(path.c_str(), &status) == 0;
 }
 
 }  // namespace
 
 namespace platform {
 
-std::string NativePath(const char* path) {
-  std::string native = path != nullptr ? path : "";
-  std::replace(native.begin(), native.end(), '\\', '/');
-  return native;
+NativePath::NativePath(const char* path) {
+  const std::size_t length = path != nullptr ? strnlen(path, sizeof text) : 0;
+  char* const end = length < sizeof text ? std::replace_copy(path, path + length, text, '\\', '/') : text;
+  *end = '\0';
 }
 
 FileStream OpenFileStream(const char* path, const char* mode) {
-  const bool writing = mode[0] == 'w';
-  // Without waiting: a pipe in the place of the file would hold the host up until somebody opens its other end.
-  const int flags = (writing ? O_WRONLY | O_CREAT | O_TRUNC : O_RDONLY) | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-  Descriptor descriptor(open(NativePath(path).c_str(), flags, ownersFile));
-  if (!descriptor) return {};
-  struct stat status {};
-  // Only files are read: folders open too, and a pipe, a terminal or a device may never come to an end.
-  const bool usable =
-      fstat(descriptor.get(), &status) == 0 && (S_ISREG(status.st_mode) || (writing && S_ISCHR(status.st_mode)));
-  FileStream stream(usable ? fdopen(descriptor.get(), mode) : nullptr);
+  const NativePath native(path);
+  if (mode[0] != 'w') {
+    Descriptor file = OpenRegularFile(native, O_RDONLY);
+    FileStream stream(file ? fdopen(file.get(), mode) : nullptr);
+    if (stream) static_cast<void>(file.release());  // the stream's from here on
+    return stream;
+  }
+  std::unique_ptr<WrittenFile> written(new (std::nothrow) WrittenFile);
+  Descriptor file = OpenRegularFile(native, O_WRONLY | O_CREAT, ownersFile);
+  if (!written || !file) return {};
+  FileStream stream(fopencookie(written.get(), mode, {nullptr, WriteToStream, nullptr, CloseStream}));
   if (!stream) return {};
-  const int opened = descriptor.release();  // the stream's from here on
   // A file that stood there before may be open to others, whom its new content does not concern. Some file systems
   // keep no such rights, and their files are written all the same.
-  if (writing && S_ISREG(status.st_mode)) fchmod(opened, ownersFile);
+  fchmod(file.get(), ownersFile);
+  const bool emptied = ftruncate(file.get(), 0) == 0;
+  written.release()->Open(std::move(file));
+  if (!emptied) stream.reset();
   return stream;
 }
 
@@ -136,33 +203,41 @@ BOOL CreateDirectoryA(LPCSTR path, struct SECURITY_ATTRIBUTES*) {
 }
 
 BOOL DeleteFileA(LPCSTR path) {
-  return unlink(NativePath(path).c_str()) == 0;
+  const NativePath native(path);
+  Descriptor file;
+  return (IsLink(native) || Hold(native, file)) && unlink(native.c_str()) == 0;
 }
 
 BOOL MoveFileA(LPCSTR from, LPCSTR to) {
-  const std::string source = NativePath(from);
-  const std::string target = NativePath(to);
+  const NativePath source(from);
+  const NativePath target(to);
+  Descriptor file;
+  if (!Hold(source, file)) return FALSE;
   if (renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0) return TRUE;
   if (errno != EINVAL && errno != ENOSYS) return FALSE;
   // A file system without that flag, as some network ones.
-  return !Exists(target.c_str()) && std::rename(source.c_str(), target.c_str()) == 0;
+  return !Exists(target) && std::rename(source.c_str(), target.c_str()) == 0;
 }
 
 HANDLE CreateFileA(LPCSTR path, DWORD, DWORD, struct SECURITY_ATTRIBUTES*, DWORD, DWORD, HANDLE) {
-  // Without waiting, as streams are opened.
-  constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-  Descriptor descriptor(open(NativePath(path).c_str(), flags, anyonesFile));
-  if (!descriptor) return INVALID_HANDLE_VALUE;
-  return static_cast<HandleObject*>(new WrittenFile(std::move(descriptor)));
+  const NativePath native(path);
+  std::unique_ptr<WrittenFile> written(new (std::nothrow) WrittenFile);
+  if (!written) return INVALID_HANDLE_VALUE;
+  Descriptor file = OpenRegularFile(native, O_WRONLY | O_CREAT | O_NOFOLLOW, anyonesFile);
+  // Whoever had it may have given it another name before it was locked.
+  if (!file || !Lock(file, LOCK_EX) || !IsStillAt(native, file)) return INVALID_HANDLE_VALUE;
+  if (ftruncate(file.get(), 0) != 0) return INVALID_HANDLE_VALUE;
+  written->Open(std::move(file));
+  return static_cast<HandleObject*>(written.release());
 }
 
 BOOL WriteFile(HANDLE handle, LPCVOID data, DWORD size, LPDWORD written, struct OVERLAPPED*) {
   *written = 0;
   if (handle == nullptr || handle == INVALID_HANDLE_VALUE) return FALSE;
   auto* file = dynamic_cast<WrittenFile*>(static_cast<HandleObject*>(handle));
-  if (file == nullptr) return FALSE;
-  *written = static_cast<DWORD>(file->Write(static_cast<const char*>(data), size));
-  return *written == size;
+  if (file == nullptr || !file->Write(static_cast<const char*>(data), size)) return FALSE;
+  *written = size;
+  return TRUE;
 }
 
 BOOL CloseHandle(HANDLE handle) {

@@ -8,7 +8,8 @@
 #include <climits>
 #include <cstdio>
 #include <cstring>
-#include <string>
+#include <exception>
+#include <string_view>
 
 #include "platform/platform.h"
 #include "windowing/display_selection.h"
@@ -18,7 +19,9 @@ namespace {
 // For who looks into the file.
 [[gnu::used]] constexpr char version[] = "nvsupport " NVSUPPORT_VERSION;
 
-thread_local DWORD lastError = 0;
+// Initial-exec: there from the thread's beginning on. Made at its first touch, it would need memory when the error to
+// be kept is the lack of it.
+[[gnu::tls_model("initial-exec")]] thread_local DWORD lastError = 0;
 
 // The path of this module, kept from when it was loaded: the host may load it by a relative path and change its folder
 // afterwards. A plain array, because process-wide objects still ask for it while they go.
@@ -34,30 +37,36 @@ HINSTANCE ThisModule() {
   return ModuleOf(reinterpret_cast<const void*>(&DllMain));
 }
 
-// The file that the module at an address was loaded from, as the loader was told; empty if there is none.
-std::string LoadedFile(const void* address) {
-  Dl_info info{};
-  if (dladdr(address, &info) == 0 || info.dli_fname == nullptr) return {};
-  std::string name = info.dli_fname;
-  if (name.find('/') != std::string::npos) return name;
-  // A program is named as it was started; the kernel knows its file.
-  char program[PATH_MAX];
-  const ssize_t length = readlink("/proc/self/exe", program, sizeof program);
-  return length > 0 ? std::string(program, static_cast<std::size_t>(length)) : name;
-}
-
 // Copies a text with its terminator; 0 if it does not fit.
-DWORD CopyPath(const std::string& path, LPSTR buffer, DWORD size) {
+DWORD CopyPath(std::string_view path, LPSTR buffer, DWORD size) {
   if (path.size() >= size) return 0;
-  std::memcpy(buffer, path.c_str(), path.size() + 1);
+  std::memcpy(buffer, path.data(), path.size());
+  buffer[path.size()] = '\0';
   return static_cast<DWORD>(path.size());
 }
 
+// Copies the path of the file that the module at an address was loaded from, as the loader was told; 0 if there is none
+// or it does not fit.
+DWORD CopyLoadedFile(const void* address, LPSTR buffer, DWORD size) {
+  Dl_info info{};
+  if (dladdr(address, &info) == 0 || info.dli_fname == nullptr) return 0;
+  const std::string_view name = info.dli_fname;
+  if (name.find('/') != std::string_view::npos) return CopyPath(name, buffer, size);
+  // A program is named as it was started; the kernel knows its file.
+  char program[PATH_MAX];
+  const ssize_t length = readlink("/proc/self/exe", program, sizeof program);
+  return CopyPath(length > 0 ? std::string_view(program, static_cast<std::size_t>(length)) : name, buffer, size);
+}
+
 void RememberThisModule() {
-  std::string path = LoadedFile(reinterpret_cast<const void*>(&DllMain));
-  char folder[PATH_MAX];
-  if (!path.starts_with('/') && getcwd(folder, sizeof folder) != nullptr) path = std::string(folder) + '/' + path;
-  CopyPath(path, thisModulePath, sizeof thisModulePath);
+  char path[PATH_MAX];
+  if (CopyLoadedFile(reinterpret_cast<const void*>(&DllMain), path, sizeof path) == 0) return;
+  DWORD folder = 0;
+  if (path[0] != '/' && getcwd(thisModulePath, sizeof thisModulePath - 1) != nullptr) {
+    folder = static_cast<DWORD>(std::strlen(thisModulePath));
+    thisModulePath[folder++] = '/';
+  }
+  if (CopyPath(path, thisModulePath + folder, sizeof thisModulePath - folder) == 0) thisModulePath[0] = '\0';
 }
 
 }  // namespace
@@ -65,6 +74,9 @@ void RememberThisModule() {
 namespace platform {
 
 ModuleEntry::ModuleEntry() {
+  // What the loading thread needs for its first exception: made with that, it would need memory when it is about the
+  // lack of it.
+  [[maybe_unused]] const volatile int touched = std::uncaught_exceptions();
   RememberThisModule();
   DllMain(ThisModule(), DLL_PROCESS_ATTACH, nullptr);
 }
@@ -77,7 +89,7 @@ ModuleEntry::~ModuleEntry() {
 
 DWORD GetModuleFileNameA(HMODULE module, LPSTR path, DWORD size) {
   if (module == nullptr) return 0;
-  return CopyPath(module == ThisModule() ? thisModulePath : LoadedFile(module), path, size);
+  return module == ThisModule() ? CopyPath(thisModulePath, path, size) : CopyLoadedFile(module, path, size);
 }
 
 HMODULE GetModuleHandleA(LPCSTR name) {

@@ -5,20 +5,30 @@
 #include <langinfo.h>
 #include <locale.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <new>
 
 #include "base/ascii.h"
 #include "base/scoped_handle.h"
+#include "wipe.h"
 
 namespace {
+
+constexpr char utf8Name[] = "UTF-8";
+
+bool IsAboveAscii(char c) {
+  return static_cast<unsigned char>(c) >= 0x80;
+}
 
 // The environment's code page. Where it names none or one that is not installed, UTF-8, of which ASCII is a part.
 std::string FindCodePage() {
   const base::ScopedHandle<locale_t, &freelocale> locale(newlocale(LC_CTYPE_MASK, "", nullptr));
-  if (!locale) return "UTF-8";
+  if (!locale && errno == ENOMEM) throw std::bad_alloc();
+  if (!locale) return utf8Name;
   const std::string name = nl_langinfo_l(CODESET, locale.get());
-  return name == "ANSI_X3.4-1968" ? "UTF-8" : name;
+  return name == "ANSI_X3.4-1968" ? utf8Name : name;
 }
 
 const std::string& CodePage() {
@@ -28,7 +38,9 @@ const std::string& CodePage() {
 
 class Converter {
  public:
-  Converter(const char* to, const char* from) : descriptor(iconv_open(to, from)) {}
+  Converter(const char* to, const char* from) : descriptor(iconv_open(to, from)) {
+    if (!IsOpen() && errno == ENOMEM) throw std::bad_alloc();
+  }
   ~Converter() {
     if (IsOpen()) iconv_close(descriptor);
   }
@@ -52,6 +64,7 @@ class Converter {
       result.append(buffer, out);
       rest.remove_prefix(rest.size() - left);
     } while (error == E2BIG);
+    SecureZeroMemory(buffer, sizeof buffer);  // it may have been a password
     return error;
   }
 
@@ -71,7 +84,7 @@ char32_t FromWindows1252(unsigned char byte) {
 
 // Bytes at the end of `text` that begin a character without ending it.
 std::size_t CutCharacter(std::string_view text) {
-  Converter toUtf8("UTF-8", CodePage().c_str());
+  Converter toUtf8(utf8Name, CodePage().c_str());
   std::string ignored;
   for (;;) {
     const int error = toUtf8.Convert(text, ignored);
@@ -102,8 +115,10 @@ void AppendUtf8(std::string& utf8, char32_t character) {
   }
 }
 
+// What is the same in both is copied: converted, it would leave its traces in buffers that are not ours to wipe.
 std::string ToUtf8(std::string_view bytes) {
-  Converter toUtf8("UTF-8", CodePage().c_str());
+  if (CodePage() == utf8Name && std::none_of(bytes.begin(), bytes.end(), IsAboveAscii)) return std::string(bytes);
+  Converter toUtf8(utf8Name, CodePage().c_str());
   std::string utf8;
   while (toUtf8.Convert(bytes, utf8) != 0) {
     AppendUtf8(utf8, FromWindows1252(static_cast<unsigned char>(bytes.front())));
@@ -113,7 +128,8 @@ std::string ToUtf8(std::string_view bytes) {
 }
 
 std::string FromUtf8(std::string_view utf8) {
-  Converter fromUtf8(CodePage().c_str(), "UTF-8");
+  if (CodePage() == utf8Name) return std::string(utf8);
+  Converter fromUtf8(CodePage().c_str(), utf8Name);
   std::string bytes;
   while (fromUtf8.Convert(utf8, bytes) != 0) {
     bytes += '?';

@@ -2,12 +2,20 @@
 #ifndef NVSUPPORT_PLATFORM_LINUX_NATIVE_PATH_H
 #define NVSUPPORT_PLATFORM_LINUX_NATIVE_PATH_H
 
-#include <string>
+#include <climits>
 
 namespace platform {
 
-// The path with '/' for every '\'. A null path is the empty path, which names no file.
-std::string NativePath(const char* path);
+// The path with '/' for every '\'. A null path and one that is longer than the system takes are the empty path, which
+// names no file. Takes no memory, so files can be closed and removed when there is none.
+class NativePath {
+ public:
+  explicit NativePath(const char* path);
+  const char* c_str() const { return text; }
+
+ private:
+  char text[PATH_MAX];
+};
 
 }  // namespace platform
 

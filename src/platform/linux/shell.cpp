@@ -39,7 +39,7 @@ std::string ViewerTarget(const char* target) {
     if (static_cast<unsigned char>(*at) < ' ' || *at == 0x7F) return {};
   }
   if (IsWebAddress(target)) return target;
-  std::string path = platform::NativePath(target);
+  std::string path = platform::NativePath(target).c_str();
   if (GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES) return {};
   return path.starts_with('/') ? path : "./" + path;
 }

@@ -2,7 +2,6 @@
 // outlive the module.
 #include "threads.h"
 
-#include <signal.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -12,6 +11,7 @@
 #include <mutex>
 #include <thread>
 
+#include "blocked_signals.h"
 #include "handle.h"
 #include "module.h"
 
@@ -54,27 +54,12 @@ class Event final : public Waitable {
   bool signalled;
 };
 
-// Signals belong to the host: its handlers must not run on a thread that it does not know.
-class SignalsBlocked {
- public:
-  SignalsBlocked() {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before);
-  }
-  ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before, nullptr); }
-  SignalsBlocked(const SignalsBlocked&) = delete;
-  SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-
- private:
-  sigset_t before;
-};
-
 class Thread final : public Waitable {
  public:
   // Throws std::system_error when the system gives no thread.
   Thread(LPTHREAD_START_ROUTINE start, LPVOID parameter) {
-    const SignalsBlocked blocked;
+    // No handler of the host may run on a thread that it does not know.
+    const platform::BlockedSignals blocked(platform::AllSignals());
     thread = std::thread([this, start, parameter] {
       start(parameter);
       ended.Set();

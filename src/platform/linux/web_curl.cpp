@@ -103,8 +103,7 @@ bool SetTransferOptions(CURL* easy, const std::string& url, const WebRequest& re
   if (request.post) {
     options.Set(CURLOPT_POST, 1L);
     options.Set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
-    // Copied: a server may answer before it has the whole body, and the caller's buffer is the caller's again then.
-    options.Set(CURLOPT_COPYPOSTFIELDS, body.empty() ? "" : body.data());
+    options.Set(CURLOPT_POSTFIELDS, body.empty() ? "" : body.data());
   }
   SetTrust(options);
   options.Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(webLimits.connect.count()));

@@ -42,7 +42,7 @@ CurlList MakeConnectToList();
 // Bytes that libcurl takes from a connection at a time: many, so that a large body costs few calls of the system.
 inline constexpr long webReceiveSize = 512L * 1024;
 
-// Sets all that does not depend on who receives the reply. The lists must outlive the transfer; the body is copied.
+// Sets all that does not depend on who receives the reply. The lists and the body must outlive the transfer.
 // False if the transfer cannot be made as it should be.
 bool SetTransferOptions(CURL* easy, const std::string& url, const WebRequest& request, curl_slist* headers,
                         curl_slist* connectTo, std::string_view body);

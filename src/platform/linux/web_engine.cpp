@@ -1,6 +1,7 @@
 // The pool of idle transfer engines.
 #include "web_engine.h"
 
+#include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <linux/sockios.h>
@@ -10,13 +11,13 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <mutex>
 #include <new>
 #include <set>
 #include <utility>
 #include <vector>
 
+#include "base/scoped_handle.h"
 #include "web_curl.h"
 
 namespace platform {
@@ -36,9 +37,10 @@ class CurlLibrary {
 // Descriptors of sockets that lead to this machine alone.
 std::set<int> LocalSockets() {
   std::set<int> found;
-  std::error_code ignored;
-  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd", ignored)) {
-    const int descriptor = std::atoi(entry.path().filename().c_str());
+  // The standard library's walk ends the process when memory runs out.
+  const base::ScopedHandle<DIR*, &closedir> folder(opendir("/proc/self/fd"));
+  while (const dirent* entry = folder ? readdir(folder.get()) : nullptr) {
+    const int descriptor = std::atoi(entry->d_name);
     int domain = 0;
     socklen_t size = sizeof domain;
     if (getsockopt(descriptor, SOL_SOCKET, SO_DOMAIN, &domain, &size) == 0 && domain == AF_UNIX) {

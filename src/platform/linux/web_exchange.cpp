@@ -46,13 +46,15 @@ bool WebExchange::Send(WebRequest request, std::string_view extraHeader, std::st
   }
   if (!engine) engine = TakeWebEngine();
   connectTo = MakeConnectToList();
+  sentBody.assign(body.begin(), body.end());
   start = Clock::now();
   if (request.post) {
     lastMoment = start + webLimits.exchange;
     bodyRoom = webLimits.replySize;
   }
   for (int hop = 0; hop <= redirectLimit; ++hop) {
-    if (!SendOnce(*url, request, extraHeader, body, start + webLimits.head)) return false;
+    const std::string_view sent(sentBody.data(), sentBody.size());
+    if (!SendOnce(*url, request, extraHeader, sent, start + webLimits.head)) return false;
     const std::string target = request.followRedirects ? RedirectTarget(*url) : std::string();
     if (target.empty()) return true;
     if (IsTraced(TraceArea::web)) Trace(TraceArea::web, "redirect to %s", PublicPartOf(target).c_str());

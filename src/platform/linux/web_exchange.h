@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/secret.h"
 #include "web_curl.h"
 #include "web_engine.h"
 #include "web_request.h"
@@ -70,7 +71,9 @@ class WebExchange {
   // How far the transfer came, for the trace.
   void TraceEnd(CURLcode result) const;
 
-  // Each relies on those before it.
+  // Each relies on those before it. The body is a copy: a server may answer before it has all of it, and the caller's
+  // buffer is the caller's again then.
+  SecretVector<char> sentBody;
   CurlList headers;
   CurlList connectTo;
   std::unique_ptr<WebEngine> engine;
@@ -85,7 +88,7 @@ class WebExchange {
   Clock::time_point lastMoment = Clock::time_point::max();  // of the whole exchange
   std::size_t bodyRoom = SIZE_MAX;                          // bytes that the body may still have
   bool paused = false;                                      // libcurl holds back a piece of the body that had no room
-  std::vector<char> window;                                 // of the body: what is received
+  SecretVector<char> window;                                // of the body: what is received
   std::size_t begin = 0;                                    // in the window: what is not yet read
 };
 

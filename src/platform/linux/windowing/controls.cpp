@@ -15,15 +15,19 @@ constexpr int stateIndeterminate = 2;
 
 LRESULT SetText(Window& window, LPARAM text) {
   window.text = text != 0 ? reinterpret_cast<LPCSTR>(text) : "";
-  if (Display* display = OpenedDisplay()) display->SetText(window.handle, platform::ToUtf8(window.text));
+  if (Display* display = OpenedDisplay()) {
+    std::string shown = platform::ToUtf8(window.text.view());
+    display->SetText(window.handle, shown);
+    platform::WipeText(shown);
+  }
   return TRUE;
 }
 
 LRESULT CopyText(const Window& window, WPARAM size, LPARAM buffer) {
   if (size == 0 || buffer == 0) return 0;
-  const std::size_t length = std::min<std::size_t>(size - 1, window.text.size());
+  const std::size_t length = std::min<std::size_t>(size - 1, window.text.view().size());
   char* to = reinterpret_cast<LPSTR>(buffer);
-  std::memcpy(to, window.text.data(), length);
+  std::memcpy(to, window.text.c_str(), length);
   to[length] = '\0';
   return static_cast<LRESULT>(length);
 }
@@ -99,7 +103,7 @@ LRESULT CALLBACK DefaultWindowProcedure(HWND handle, UINT message, WPARAM wParam
     case WM_GETTEXT:
       return CopyText(*window, wParam, lParam);
     case WM_GETTEXTLENGTH:
-      return static_cast<LRESULT>(window->text.size());
+      return static_cast<LRESULT>(window->text.view().size());
     default:
       return 0;
   }

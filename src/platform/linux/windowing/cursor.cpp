@@ -7,8 +7,8 @@
 
 namespace {
 
-// The thread whose input the calling one has joined, or 0.
-thread_local DWORD joinedThread = 0;
+// The thread whose input the calling one has joined, or 0. Initial-exec: it needs no memory at its first touch.
+[[gnu::tls_model("initial-exec")]] thread_local DWORD joinedThread = 0;
 
 // Shared cursors are known by their number.
 HCURSOR SharedCursor(LPCSTR name) {

@@ -1,5 +1,7 @@
 #include "dialog_creation.h"
 
+#include <utility>
+
 #include "../multibyte.h"
 #include "controls.h"
 #include "dialog_manager.h"
@@ -10,13 +12,14 @@ namespace windowing {
 namespace {
 
 HWND CreateControl(const ControlTemplate& form, HWND dialog, POINT base) {
+  platform::SecretText text(platform::FromUtf8(form.text));  // first: a window that is there must get into its dialog
   Window& window = NewWindow();
   window.parent = dialog;
   window.kind = form.kind;
   window.id = form.id;
   window.style = form.style;
   window.rectangle = ToPixels(form.place, base);
-  window.text = platform::FromUtf8(form.text);
+  window.text = std::move(text);
   window.procedure = ControlProcedure(form.kind);
   window.enabled = (form.style & styleDisabled) == 0;
   return window.handle;
@@ -29,7 +32,7 @@ ControlView ViewOfControl(const Window& window) {
   view.kind = window.kind;
   view.id = window.id;
   view.rectangle = window.rectangle;
-  view.text = platform::ToUtf8(window.text);
+  view.text = platform::ToUtf8(window.text.view());
   view.alignRight = window.kind == ControlKind::label && type == styleLabelRight;
   view.password = window.kind == ControlKind::edit && (window.style & stylePassword) != 0;
   view.defaultButton = window.kind == ControlKind::pushButton && type == styleDefaultPushButton;
@@ -43,7 +46,7 @@ DialogView ViewOfDialog(const Window& dialog, const RECT& client) {
   view.handle = dialog.handle;
   view.owner = DialogOf(dialog.dialog->owner);
   view.foreignOwner = ForeignId(dialog.dialog->owner);
-  view.title = platform::ToUtf8(dialog.text);
+  view.title = platform::ToUtf8(dialog.text.view());
   view.width = client.right - client.left;
   view.height = client.bottom - client.top;
   for (const HWND control : dialog.dialog->controls) view.controls.push_back(ViewOfControl(*Find(control)));
@@ -51,8 +54,7 @@ DialogView ViewOfDialog(const Window& dialog, const RECT& client) {
 }
 
 void RemoveWindows(HWND dialog) {
-  const std::vector<HWND> controls = FindDialog(dialog)->dialog->controls;
-  for (const HWND control : controls) RemoveWindow(control);
+  for (const HWND control : FindDialog(dialog)->dialog->controls) RemoveWindow(control);
   RemoveWindow(dialog);
 }
 
@@ -67,17 +69,20 @@ void SendLastMessage(HWND handle, UINT message) {
   ModalRun::Contain([=] { SendMessageA(handle, message, 0, 0); });
 }
 
-// The last messages to a window; it is gone from the core after them.
+// The last messages to a window; it is gone from the core after them. Takes no memory of its own, because it is what
+// happens when there is none.
 void TakeDown(HWND handle) {
   Window* window = Find(handle);
   if (window == nullptr || window->destroying) return;
   window->destroying = true;
-  for (const HWND owned : OwnedDialogs(handle)) DestroyWindow(owned);
+  while (const HWND owned = OwnedDialog(handle)) DestroyWindow(owned);
   SendLastMessage(handle, WM_DESTROY);
   ForgetFocus(handle);
-  window = Find(handle);
-  const std::vector<HWND> controls = window->dialog ? window->dialog->controls : std::vector<HWND>();
-  for (const HWND control : controls) TakeDown(control);
+  for (std::size_t at = 0;; ++at) {
+    window = FindDialog(handle);
+    if (window == nullptr || at == window->dialog->controls.size()) break;
+    TakeDown(window->dialog->controls[at]);
+  }
   SendLastMessage(handle, WM_NCDESTROY);
   RemoveWindow(handle);
 }
@@ -86,20 +91,28 @@ void TakeDown(HWND handle) {
 
 HWND CreateDialogWindows(Display& display, const DialogTemplate& form, HWND owner, DLGPROC procedure, ModalRun& run) {
   const POINT base = display.BaseUnits();
+  platform::SecretText title(platform::FromUtf8(form.title));
   Window& window = NewWindow();
   const HWND handle = window.handle;
   window.style = form.style;
-  window.text = platform::FromUtf8(form.title);
+  window.text = std::move(title);
   window.procedure = DialogWindowProcedure;
   window.dialog.emplace(DialogState{procedure, owner, &run, {}});
-  for (const ControlTemplate& control : form.controls) {
-    window.dialog->controls.push_back(CreateControl(control, handle, base));
-  }
-  if (!display.CreateDialogWindow(ViewOfDialog(window, ToPixels(form.place, base)))) {
+  try {
+    window.dialog->controls.reserve(form.controls.size());
+    for (const ControlTemplate& control : form.controls) {
+      window.dialog->controls.push_back(CreateControl(control, handle, base));
+    }
+    if (!display.CreateDialogWindow(ViewOfDialog(window, ToPixels(form.place, base)))) {
+      RemoveWindows(handle);
+      return nullptr;
+    }
+    DisableOnDisplay(display, *window.dialog);
+  } catch (...) {
+    display.DestroyDialogWindow(handle);
     RemoveWindows(handle);
-    return nullptr;
+    throw;
   }
-  DisableOnDisplay(display, *window.dialog);
   return handle;
 }
 

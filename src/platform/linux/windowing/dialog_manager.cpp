@@ -82,7 +82,9 @@ class Events final : public DisplayEvents {
     IfItTakesInput(edit, [&] {
       Window* window = FindControl(edit, ControlKind::edit);
       if (window == nullptr) return;
-      window->text = platform::FromUtf8(text);
+      std::string typed = platform::FromUtf8(text);
+      window->text = typed;
+      platform::WipeText(typed);
       NotifyTextChange(edit);
     });
   }

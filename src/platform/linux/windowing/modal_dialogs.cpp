@@ -40,9 +40,9 @@ class DisabledOwner {
   DisabledOwner(Display& usedDisplay, HWND ownerOrNull) : display(usedDisplay) {
     Window* window = Find(ownerOrNull);
     if (window == nullptr || !window->enabled) return;
+    display.SetEnabled(ownerOrNull, false);
     window->enabled = false;
     owner = ownerOrNull;
-    display.SetEnabled(owner, false);
   }
   DisabledOwner(const DisabledOwner&) = delete;
   DisabledOwner& operator=(const DisabledOwner&) = delete;

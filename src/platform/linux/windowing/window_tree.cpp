@@ -59,12 +59,11 @@ HWND DialogOf(HWND handle) {
   return window->dialog ? handle : window->parent;
 }
 
-std::vector<HWND> OwnedDialogs(HWND owner) {
-  std::vector<HWND> owned;
+HWND OwnedDialog(HWND owner) {
   for (const auto& [handle, window] : Table().windows) {
-    if (window.dialog && window.dialog->owner == owner) owned.push_back(handle);
+    if (window.dialog && window.dialog->owner == owner && !window.destroying) return handle;
   }
-  return owned;
+  return nullptr;
 }
 
 std::uintptr_t ForeignId(HWND handle) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "display.h"
+#include "platform/secret.h"
 #include "windowing.h"
 
 namespace windowing {
@@ -58,8 +59,8 @@ struct Window {
   HWND parent = nullptr;  // a control's dialog
   int id = 0;
   LONG_PTR style = 0;
-  RECT rectangle{};  // of a control: pixels in its dialog's client area
-  std::string text;  // in the code page
+  RECT rectangle{};           // of a control: pixels in its dialog's client area
+  platform::SecretText text;  // in the code page; may be a password
   WNDPROC procedure = nullptr;
   LONG_PTR userData = 0;
   bool enabled = true;
@@ -78,8 +79,8 @@ Window* FindDialog(HWND handle);
 Window* FindControl(HWND handle, ControlKind kind);
 // The dialog that a control belongs to; a dialog itself; null for anything else.
 HWND DialogOf(HWND handle);
-// Dialogs that have this window as owner.
-std::vector<HWND> OwnedDialogs(HWND owner);
+// A dialog that has this window as owner and is not on its way out; null if there is none.
+HWND OwnedDialog(HWND owner);
 
 // The X11 window id that a handle which the core did not make stands for; 0 if it cannot be one.
 std::uintptr_t ForeignId(HWND handle);

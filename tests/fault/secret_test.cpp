@@ -1,0 +1,146 @@
+// What stays in memory of a password and a token: nothing, once the session is gone. The process is searched for both
+// after a sign-in, the service being a process of its own. What libcurl and the TLS library took and gave back is
+// theirs to wipe: they get allocators here that do it.
+#include <curl/curl.h>
+#include <malloc.h>
+#include <openssl/crypto.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cinttypes>
+#include <cstdio>
+#include <cstring>
+
+#include "account/account_fixture.h"
+#include "nvsupport/nvsupport.h"
+#include "platform/linux/windowing/dialog_manager.h"
+
+namespace nvsupport {
+namespace {
+
+using namespace testing;
+
+void FreeWiped(void* memory) {
+  if (memory != nullptr) explicit_bzero(memory, malloc_usable_size(memory));
+  std::free(memory);
+}
+void* MoveWiped(void* memory, std::size_t size) {
+  void* const moved = std::malloc(size);
+  if (moved == nullptr || memory == nullptr) return moved;
+  std::memcpy(moved, memory, std::min(size, malloc_usable_size(memory)));
+  FreeWiped(memory);
+  return moved;
+}
+// Before anybody has used the two.
+[[maybe_unused]] const bool wiping =
+    CRYPTO_set_mem_functions([](std::size_t size, const char*, int) { return std::malloc(size); },
+                             [](void* memory, std::size_t size, const char*, int) { return MoveWiped(memory, size); },
+                             [](void* memory, const char*, int) { FreeWiped(memory); }) == 1 &&
+    curl_global_init_mem(CURL_GLOBAL_DEFAULT, std::malloc, FreeWiped, MoveWiped, strdup, std::calloc) == CURLE_OK;
+
+// A text that is nowhere in this process unless somebody asks for it.
+class Marked {
+ public:
+  constexpr explicit Marked(const char (&text)[19]) {
+    for (std::size_t at = 0; at < sizeof hidden; ++at) hidden[at] = static_cast<char>(text[at] ^ key);
+  }
+  std::string Reveal() const {
+    std::string text(sizeof hidden, '\0');
+    for (std::size_t at = 0; at < sizeof hidden; ++at) text[at] = static_cast<char>(hidden[at] ^ key);
+    return text;
+  }
+  // How often it stands in the memory that can be written, its characters so many bytes apart.
+  int Copies(std::size_t stride) const;
+
+ private:
+  __attribute__((no_sanitize("address", "undefined"))) int CopiesIn(const char* memory, const char* end,
+                                                                    std::size_t stride) const {
+    int copies = 0;
+    for (const char* const last = end - (sizeof hidden - 1) * stride; memory < last; ++memory) {
+      std::size_t at = 0;
+      while (at < sizeof hidden && memory[at * stride] == (hidden[at] ^ key)) ++at;
+      if (at == sizeof hidden) ++copies;
+    }
+    return copies;
+  }
+
+  static constexpr char key = 0x15;
+  char hidden[18]{};
+};
+
+int Marked::Copies(std::size_t stride) const {
+  constexpr std::uintptr_t shadow = std::uintptr_t{1} << 32;  // a sanitizer's books are larger than any memory
+  int copies = 0;
+  std::FILE* const maps = std::fopen("/proc/self/maps", "r");
+  char line[1000];
+  std::uintptr_t begin = 0, end = 0;
+  char rights[5];
+  while (std::fgets(line, sizeof line, maps) != nullptr) {
+    if (std::sscanf(line, "%" SCNxPTR "-%" SCNxPTR " %4s", &begin, &end, rights) != 3) continue;
+    if (std::strncmp(rights, "rw", 2) != 0 || end - begin > shadow || std::strstr(line, "[v") != nullptr) continue;
+    copies += CopiesIn(reinterpret_cast<const char*>(begin), reinterpret_cast<const char*>(end), stride);
+  }
+  std::fclose(maps);
+  return copies;
+}
+
+constexpr Marked password("Qz7vW3kR9tLm2XcYpB");
+constexpr Marked sessionToken("Tk4HsD8wZu6NfJ1gVe");
+
+class SecretsInMemory : public AccountTest {
+ protected:
+  // The service in a process of its own, until the object goes.
+  SecretsInMemory() {
+    int ports[2];
+    if (pipe(ports) != 0 || pipe(stop) != 0) return;
+    service = fork();
+    if (service == 0) {
+      close(stop[1]);
+      Serve({Int(0) + Int(0), Int(0) + Text(sessionToken.Reveal())});
+      const std::string route = server->ConnectTo(NV_SERVICE_HOST, 443);
+      if (write(ports[1], route.c_str(), route.size() + 1) < 0) _exit(1);
+      char byte;
+      while (read(stop[0], &byte, 1) > 0) {
+      }
+      _exit(0);
+    }
+    char route[200] = "";
+    if (read(ports[0], route, sizeof route) > 0) setenv("NV_CONNECT_TO", route, 1);
+    for (const int end : {ports[0], ports[1], stop[0]}) close(end);
+  }
+  ~SecretsInMemory() override {
+    close(stop[1]);
+    waitpid(service, nullptr, 0);
+  }
+
+  static Step TypesPassword() {
+    return [](HWND dialog) {
+      std::string typed = password.Reveal();
+      windowing::CoreEvents().OnTextEdited(GetDlgItem(dialog, IDC_PASSWORD), typed);
+      platform::WipeText(typed);
+    };
+  }
+
+ private:
+  int stop[2] = {-1, -1};
+  pid_t service = -1;
+};
+
+TEST_F(SecretsInMemory, AreGoneWithTheSession) {
+  ASSERT_TRUE(wiping);
+  OpenSession();
+  person.steps = {Types(IDC_USER_ID, "Ann"), TypesPassword(), Clicks(IDOK)};
+  char token[20] = "";
+  EXPECT_TRUE(xff99a5e4(nullptr, token));
+  EXPECT_EQ(sessionToken.Copies(1), 1) << "the host's own";
+  explicit_bzero(token, sizeof token);
+  EXPECT_EQ(sessionToken.Copies(1), 0);
+  EXPECT_EQ(sessionToken.Copies(2), 0);
+  EXPECT_EQ(password.Copies(1), 1) << "the session's";
+  EXPECT_EQ(password.Copies(2), 0);
+  x3e491215("Other");
+  EXPECT_EQ(password.Copies(1), 0);
+}
+
+}  // namespace
+}  // namespace nvsupport
