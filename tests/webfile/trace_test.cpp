@@ -44,7 +44,8 @@ TEST(Trace, TellsWhatHappenedButNoSecret) {
   for (const std::string told :
        {"web POST https://" NV_SERVICE_HOST "/cgi-bin/svcapp.cgi\n", "web status 200 after ",
         "web 32 bytes of the body after ", "web GET http://web.example/a.map\n", "\"nonsense\" is malformed\n",
-        "/norvane/registry.reg\n", " = \"Klingon\"\n", "nvsupport.Klingon.txt"}) {
+        "/norvane/registry.reg\n", " = \"Klingon\"\n", "nvsupport.Klingon.txt", "files read ", "settings.ini\n",
+        "files create ", "a.map.TMP\n"}) {
     EXPECT_NE(trace.find(told), std::string::npos) << told;
   }
   EXPECT_EQ(trace.find("secret"), std::string::npos) << trace;

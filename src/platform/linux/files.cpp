@@ -20,11 +20,15 @@
 #include "handle.h"
 #include "native_path.h"
 #include "platform/platform.h"
+#include "trace.h"
 
 namespace {
 
+using platform::FileStream;
 using platform::HandleObject;
 using platform::NativePath;
+using platform::Trace;
+using platform::TraceArea;
 using Descriptor = base::ScopedHandle<int, &close, -1>;
 
 constexpr mode_t ownersFolder = 0700;
@@ -158,26 +162,37 @@ bool Exists(const NativePath& path) {
   return lstat(path.c_str(), &status) == 0;
 }
 
-}  // namespace
-
-namespace platform {
-
-NativePath::NativePath(const char* path) {
-  const std::size_t length = path != nullptr ? strnlen(path, sizeof text) : 0;
-  char* const end = length < sizeof text ? std::replace_copy(path, path + length, text, '\\', '/') : text;
-  *end = '\0';
+bool Move(const NativePath& source, const NativePath& target) {
+  Descriptor file;
+  if (!Hold(source, file)) return false;
+  if (renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0) return true;
+  if (errno != EINVAL && errno != ENOSYS) return false;
+  // A file system without that flag, as some network ones.
+  return !Exists(target) && std::rename(source.c_str(), target.c_str()) == 0;
 }
 
-FileStream OpenFileStream(const char* path, const char* mode) {
-  const NativePath native(path);
-  if (mode[0] != 'w') {
-    Descriptor file = OpenRegularFile(native, O_RDONLY);
-    FileStream stream(file ? fdopen(file.get(), mode) : nullptr);
-    if (stream) static_cast<void>(file.release());  // the stream's from here on
-    return stream;
-  }
+// Null if the file may not be written or is another's.
+std::unique_ptr<WrittenFile> Create(const NativePath& path) {
   std::unique_ptr<WrittenFile> written(new (std::nothrow) WrittenFile);
-  Descriptor file = OpenRegularFile(native, O_WRONLY | O_CREAT, ownersFile);
+  if (!written) return nullptr;
+  Descriptor file = OpenRegularFile(path, O_WRONLY | O_CREAT | O_NOFOLLOW, anyonesFile);
+  // Whoever had it may have given it another name before it was locked.
+  if (!file || !Lock(file, LOCK_EX) || !IsStillAt(path, file)) return nullptr;
+  if (ftruncate(file.get(), 0) != 0) return nullptr;
+  written->Open(std::move(file));
+  return written;
+}
+
+FileStream OpenForReading(const NativePath& path, const char* mode) {
+  Descriptor file = OpenRegularFile(path, O_RDONLY);
+  FileStream stream(file ? fdopen(file.get(), mode) : nullptr);
+  if (stream) static_cast<void>(file.release());  // the stream's from here on
+  return stream;
+}
+
+FileStream OpenForWriting(const NativePath& path, const char* mode) {
+  std::unique_ptr<WrittenFile> written(new (std::nothrow) WrittenFile);
+  Descriptor file = OpenRegularFile(path, O_WRONLY | O_CREAT, ownersFile);
   if (!written || !file) return {};
   FileStream stream(fopencookie(written.get(), mode, {nullptr, WriteToStream, nullptr, CloseStream}));
   if (!stream) return {};
@@ -190,6 +205,35 @@ FileStream OpenFileStream(const char* path, const char* mode) {
   return stream;
 }
 
+// Does something with a file, tells the trace of it, and hands the outcome on.
+template <typename Action>
+auto Traced(const char* what, const NativePath& path, Action action) {
+  errno = 0;
+  auto outcome = action();
+  if (outcome) {
+    Trace(TraceArea::files, "%s %s", what, path.c_str());
+  } else {
+    Trace(TraceArea::files, "%s %s: %s", what, path.c_str(), errno != 0 ? std::strerror(errno) : "refused");
+  }
+  return outcome;
+}
+
+}  // namespace
+
+namespace platform {
+
+NativePath::NativePath(const char* path) {
+  const std::size_t length = path != nullptr ? strnlen(path, sizeof text) : 0;
+  char* const end = length < sizeof text ? std::replace_copy(path, path + length, text, '\\', '/') : text;
+  *end = '\0';
+}
+
+FileStream OpenFileStream(const char* path, const char* mode) {
+  const NativePath native(path);
+  if (mode[0] == 'w') return Traced("write", native, [&] { return OpenForWriting(native, mode); });
+  return Traced("read", native, [&] { return OpenForReading(native, mode); });
+}
+
 }  // namespace platform
 
 DWORD GetFileAttributesA(LPCSTR path) {
@@ -199,36 +243,27 @@ DWORD GetFileAttributesA(LPCSTR path) {
 }
 
 BOOL CreateDirectoryA(LPCSTR path, struct SECURITY_ATTRIBUTES*) {
-  return mkdir(NativePath(path).c_str(), ownersFolder) == 0;
+  const NativePath native(path);
+  return Traced("make folder", native, [&] { return mkdir(native.c_str(), ownersFolder) == 0; });
 }
 
 BOOL DeleteFileA(LPCSTR path) {
   const NativePath native(path);
   Descriptor file;
-  return (IsLink(native) || Hold(native, file)) && unlink(native.c_str()) == 0;
+  return Traced("delete", native,
+                [&] { return (IsLink(native) || Hold(native, file)) && unlink(native.c_str()) == 0; });
 }
 
 BOOL MoveFileA(LPCSTR from, LPCSTR to) {
   const NativePath source(from);
   const NativePath target(to);
-  Descriptor file;
-  if (!Hold(source, file)) return FALSE;
-  if (renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0) return TRUE;
-  if (errno != EINVAL && errno != ENOSYS) return FALSE;
-  // A file system without that flag, as some network ones.
-  return !Exists(target) && std::rename(source.c_str(), target.c_str()) == 0;
+  return Traced("rename", source, [&] { return Move(source, target); });
 }
 
 HANDLE CreateFileA(LPCSTR path, DWORD, DWORD, struct SECURITY_ATTRIBUTES*, DWORD, DWORD, HANDLE) {
   const NativePath native(path);
-  std::unique_ptr<WrittenFile> written(new (std::nothrow) WrittenFile);
-  if (!written) return INVALID_HANDLE_VALUE;
-  Descriptor file = OpenRegularFile(native, O_WRONLY | O_CREAT | O_NOFOLLOW, anyonesFile);
-  // Whoever had it may have given it another name before it was locked.
-  if (!file || !Lock(file, LOCK_EX) || !IsStillAt(native, file)) return INVALID_HANDLE_VALUE;
-  if (ftruncate(file.get(), 0) != 0) return INVALID_HANDLE_VALUE;
-  written->Open(std::move(file));
-  return static_cast<HandleObject*>(written.release());
+  std::unique_ptr<WrittenFile> file = Traced("create", native, [&] { return Create(native); });
+  return file ? static_cast<HandleObject*>(file.release()) : INVALID_HANDLE_VALUE;
 }
 
 BOOL WriteFile(HANDLE handle, LPCVOID data, DWORD size, LPDWORD written, struct OVERLAPPED*) {
