@@ -84,7 +84,7 @@ NVSUPPORT_API uint32_t x2ed7465a(void);
  *
  * Blocks for as long as a dialog is open, without limit; while it is, events of the host run in the middle of the
  * call. Meanwhile the host's Qt 6 windows, or on Windows the window `parent`, take no input; others do, unless the host
- * prevents it. Each exchange with the service blocks as told above, at most 120 s, and no event runs.
+ * prevents it. Each exchange with the service blocks as told above, and no event runs.
  *
  * parent: owner of the dialogs, or null.
  * token:  buffer of 20 bytes, not null; receives the token (at most 19 characters) and its terminator. It receives
@@ -119,14 +119,14 @@ typedef struct MapShopItem {
 typedef struct MapShopResults* NVMapShopHandle;
 
 /*
- * Asks the map shop service which products are on offer for an area. Blocks for the whole exchange, at most 120 s; the
+ * Asks the map shop service which products are on offer for an area. Blocks for the whole exchange, as told above; the
  * host cannot end it, and none of its events run.
  *
  * points: `count` points, read during the call; may be null if count is 0.
  * count:  number of points, 0 to 134,217,727.
  * Returns a handle for NSMapShopGetNext and NSMapShopClose. A search that fails (a point out of range, service out
- * of reach, a broken reply, one of more than 64 MiB or 1,000,000 items) gives a handle with no items or with those that
- * came before the failure. Null only when memory ran out; the other two functions take that null.
+ * of reach, a broken reply, one that is too long or has more than 1,000,000 items) gives a handle with no items or with
+ * those that came before the failure. Null only when memory ran out; the other two functions take that null.
  */
 NVSUPPORT_API NVMapShopHandle NSMapShopSearch(const MapShopPoint* points, int32_t count);
 
@@ -150,11 +150,10 @@ NVSUPPORT_API int32_t NSMapShopClose(NVMapShopHandle handle);
  * host: name or address of the web server; IPv6 in brackets. Nothing else: with a port, a scheme, a user, a blank or a
  *       control character in it the call fails, as with an empty name. The port is 80, and TLS is not used.
  * path: path on the server, as the server expects it, with a query if need be; a / is put in front if there is none.
- *       Blanks, # and bytes above 127 are sent escaped (%20), everything else as it stands; a control character makes
- * the call fail. Redirects are not followed.
+ *       On Linux blanks and # are sent escaped (%20, %23) and everything else as it stands. A control character makes
+ *       the call fail.
  *
- * The wait for the head of the reply ends after 60 s; later each wait for bytes does. The host ends a transfer by its
- * callback, which is asked only when bytes have come.
+ * Redirects are not followed. The host ends a transfer by its callback, which is asked only when bytes have come.
  */
 
 /* Progress of a download, 16 bytes. Owned by the host, written on the calling thread between two callbacks. */
@@ -170,8 +169,8 @@ typedef struct WebProgressCounters {
 typedef bool (*WebProgressCallback)(void* callbackData);
 
 /*
- * Downloads a file by HTTP GET into a local file. The body goes to `file` with ".TMP" appended, which no other process
- * can download to at the same time, and is renamed at the end.
+ * Downloads a file by HTTP GET into a local file. The body goes to `file` with ".TMP" appended, which no other download
+ * can write at the same time, and is renamed at the end.
  *
  * file:         local file name, not null. An earlier file of that name is deleted when the head of a reply with a
  *               status below 300 has come. A folder, pipe or device in its place makes the call fail.
