@@ -1,4 +1,4 @@
-// The map shop search: one exchange collects the whole answer, the host then pulls it record by record. The messages
+// The map shop search: one exchange collects the whole answer, the host then pulls it record by record. The items
 // are told in docs/wire_format.md.
 #include <nvsupport/nvsupport.h>
 
