@@ -14,7 +14,12 @@ namespace {
 std::atomic<DWORD> displayThread = 0;
 std::atomic<Display*> openedDisplay = nullptr;
 NvOpenDisplay openDisplay = nullptr;  // of the display that is open
-constinit std::string language;
+
+// Chosen while the module loads, when this file's own variables need not be there yet.
+std::string& Language() {
+  static std::string language;
+  return language;
+}
 
 void SetDisplay(Display* display) {
   displayThread = GetCurrentThreadId();
@@ -40,7 +45,7 @@ Display* OpenDisplay(std::string& whyNot) {
     openedDisplay = openDisplay(&CoreEvents(), whyNot);
   }
   Display* display = OpenedDisplay();
-  if (display != nullptr) display->SetLanguage(language);
+  if (display != nullptr) display->SetLanguage(Language());
   return display;
 }
 
@@ -63,5 +68,5 @@ void CloseDisplay() {
 }  // namespace windowing
 
 void platform::SetDisplayLanguage(const std::string& name) {
-  windowing::language = name;
+  windowing::Language() = name;
 }
