@@ -52,7 +52,8 @@ std::size_t TakeMark(std::string_view text, std::string& plain) {
 
 std::optional<std::string> ReadCatalogueBytes(std::FILE* file) {
   std::optional<std::string> bytes = base::ReadStream(file, maxCatalogueBytes);
-  return std::ferror(file) == 0 ? bytes : std::nullopt;
+  if (std::ferror(file) != 0) return std::nullopt;
+  return bytes;
 }
 
 CatalogueReader::CatalogueReader(std::string_view bytes)
