@@ -48,7 +48,7 @@ if(TARGET nvhost AND TARGET nvcatalogue)
 endif()
 if(TARGET svcapp)
   nv_package(service nvsupport-service "account and map shop service"
-             "This package holds the CGI programs of the service, and a script that runs them\nbehind a web server of their own."
-             PACKAGE_DEPENDS "lighttpd, lighttpd-mod-openssl, openssl" PACKAGE_SECTION web)
+             "This package holds the CGI programs of the service, its pages, and what runs\nthem behind lighttpd or nginx."
+             PACKAGE_RECOMMENDS "fcgiwrap, lighttpd-mod-openssl | nginx" PACKAGE_SECTION web)
 endif()
 include(CPack)

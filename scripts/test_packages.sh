@@ -17,16 +17,16 @@ make_root "$root" ca-certificates,cmake,gcc,libc6-dev,make,pkg-config
 mkdir "$root/trial"
 cp build/packages/*.deb examples/minimal/* scripts/try_host.sh "$root/trial"
 
-state() { (cd "$root" && find . -path ./trial -prune -o -path './var/*' -prune -o -print | sort); }
+state() { (cd "$root" && find . -path ./trial -prune -o -path './var/*' -prune -o -path './run/*' -prune -o -print | sort); }
 install() {
   within "$root" /trial sh -c "apt-get install -q -y --no-install-recommends $1 >log 2>&1 || { cat log; exit 1; }"
 }
 before=$(state)
 install './libnvsupport1_*.deb ./libnvsupport-dev_*.deb'
-within "$root" /trial ./try_host.sh .
+within "$root" /trial env HOME=/trial ./try_host.sh . # hosts make the folder for documents
 ! within "$root" / dpkg-query -W '*qt6*' >/dev/null 2>&1 || { echo "the module wants Qt" >&2; exit 1; }
 install './*.deb'
-within "$root" / nvhost --version
+within "$root" / env HOME=/trial nvhost --version
 within "$root" / nvcatalogue --version
 within "$root" / sh -c 'apt-get purge -q -y --autoremove "*nvsupport*" >/dev/null 2>&1'
 diff <(echo "$before") <(state) || { echo "the packages leave this behind" >&2; exit 1; }

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the DLL and tries it in Wine, on a virtual screen: a host in C that searches, downloads, reads and
-# gets tokens from the local service over TLS, the dialogs by keyboard, and 200 loads and unloads.
+# Builds the DLL, for 32 bits too, and tries the one of 64 bits in Wine, on a virtual screen: a host in C that searches,
+# downloads, reads and gets tokens from the local service over TLS, the dialogs by keyboard, 200 loads and unloads.
 #
 # The DLL asks the real names of the service at their real ports, so all of this happens in a network of its own, with a
 # host table and a trust store of its own. Where the machine allows no such network, what needs the service is left out.
@@ -18,6 +18,9 @@ if [[ ${1:-} != in-own-network ]]; then
   cmake --preset windows >/dev/null
   cmake --build --preset windows --target nvsupport nvsupport_catalogues nv_module_host
   scripts/check-exports.sh "$dll"
+  cmake --preset windows32 >/dev/null
+  cmake --build --preset windows32 --target nvsupport
+  scripts/check-exports.sh build/windows32/nvsupport.dll
   cmake --preset release >/dev/null
   cmake --build --preset release --target svcapp svcuser mapstore2
   own_network=(unshare --map-current-user --keep-caps --net --mount)

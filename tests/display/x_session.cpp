@@ -166,8 +166,9 @@ xcb_window_t XSession::MakeWindow(const Area& area, xcb_window_t parent) const {
                     static_cast<std::int16_t>(area.x), static_cast<std::int16_t>(area.y),
                     static_cast<std::uint16_t>(area.width), static_cast<std::uint16_t>(area.height), 0,
                     XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
-  xcb_map_window(connection, window);
+  // Asked again: a window manager that is starting up may miss it.
   EXPECT_TRUE(WaitUntil([&] {
+    xcb_map_window(connection, window);
     const auto ask = xcb_get_window_attributes(connection, window);
     return Own(xcb_get_window_attributes_reply(connection, ask, nullptr))->map_state == XCB_MAP_STATE_VIEWABLE;
   }));
