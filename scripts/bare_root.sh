@@ -13,7 +13,7 @@ apart() {
 # Makes `work`, a folder that goes with the script, whatever ends it.
 make_work() {
   work=$(mktemp -d)
-  trap 'kill -KILL $apart_pid 2>/dev/null; rm -rf --one-file-system "$work"' EXIT
+  trap 'kill -KILL $apart_pid 2>/dev/null || true; rm -rf --one-file-system "$work"' EXIT
   trap 'exit 130' INT
   trap 'exit 143' TERM
 }
