@@ -9,7 +9,8 @@ namespace {
 
 constexpr char temporaryExtension[] = ".TMP";
 
-// Null if the file cannot be written. A leftover of the same name is emptied.
+// Null if the file cannot be written, or another download has it: it is not shared. A leftover of the same name is
+// emptied.
 platform::ObjectHandle CreateTemporaryFile(const std::string& name) {
   const HANDLE file =
       CreateFileA(name.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
