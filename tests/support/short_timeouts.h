@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "web_curl.h"
+#include "web_limits.h"
 
 namespace nvsupport::testing {
 

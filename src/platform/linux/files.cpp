@@ -17,7 +17,7 @@
 #include <utility>
 
 #include "blocked_signals.h"
-#include "handle.h"
+#include "handle_object.h"
 #include "native_path.h"
 #include "platform/platform.h"
 #include "trace.h"

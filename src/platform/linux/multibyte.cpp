@@ -12,7 +12,7 @@
 
 #include "base/ascii.h"
 #include "base/scoped_handle.h"
-#include "wipe.h"
+#include "secure_zero_memory.h"
 
 namespace {
 

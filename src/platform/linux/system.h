@@ -7,11 +7,11 @@
 #include "module.h"
 #include "multibyte.h"
 #include "registry.h"
+#include "secure_zero_memory.h"
 #include "shell.h"
 #include "threads.h"
 #include "types.h"
 #include "web_client.h"
 #include "windowing/windowing.h"
-#include "wipe.h"
 
 #endif

@@ -12,7 +12,7 @@
 #include <thread>
 
 #include "blocked_signals.h"
-#include "handle.h"
+#include "handle_object.h"
 #include "module.h"
 
 namespace {

@@ -18,7 +18,8 @@
 #include <vector>
 
 #include "base/scoped_handle.h"
-#include "web_curl.h"
+#include "web_limits.h"
+#include "web_options.h"
 
 namespace platform {
 namespace {

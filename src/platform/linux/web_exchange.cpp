@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "trace.h"
+#include "web_limits.h"
 
 namespace platform {
 namespace {

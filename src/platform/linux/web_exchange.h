@@ -14,8 +14,8 @@
 #include <vector>
 
 #include "platform/secret.h"
-#include "web_curl.h"
 #include "web_engine.h"
+#include "web_options.h"
 #include "web_request.h"
 
 namespace platform {

@@ -1,4 +1,5 @@
-// The text of an HTTP request: its URL and its header lines, checked. Used by the web client; touches no network.
+// The text of an HTTP request: its URL and its header lines, checked, and which redirect it may follow (one over TLS
+// stays on TLS and on its host). Touches no network.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WEB_REQUEST_H
 #define NVSUPPORT_PLATFORM_LINUX_WEB_REQUEST_H
 

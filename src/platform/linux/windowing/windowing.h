@@ -92,7 +92,7 @@ UINT GetDlgItemTextA(HWND dialog, int id, LPSTR buffer, int size);
 // dialog_creation.cpp
 BOOL DestroyWindow(HWND window);
 
-// geometry.cpp
+// window_position.cpp
 BOOL GetWindowRect(HWND window, RECT* rectangle);
 int MapWindowPoints(HWND from, HWND to, POINT* points, UINT count);
 BOOL SetWindowPos(HWND window, HWND insertAfter, int x, int y, int width, int height, UINT flags);

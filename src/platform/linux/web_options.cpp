@@ -1,19 +1,18 @@
 // The options of a transfer.
-#include "web_curl.h"
+#include "web_options.h"
 
 #include <sys/auxv.h>
 #include <sys/socket.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <new>
 #include <sstream>
 
 #include "trace.h"
+#include "web_limits.h"
 
 namespace platform {
-
-WebLimits webLimits;
-
 namespace {
 
 // Sets options one after the other and remembers a failure.

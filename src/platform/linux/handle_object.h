@@ -1,7 +1,7 @@
 // What the handles of files, events and threads point to: CloseHandle destroys any of them. Handles of the web client
 // and of windows are numbers in tables of their own (web_client.cpp, windowing/window_tree.cpp).
-#ifndef NVSUPPORT_PLATFORM_LINUX_HANDLE_H
-#define NVSUPPORT_PLATFORM_LINUX_HANDLE_H
+#ifndef NVSUPPORT_PLATFORM_LINUX_HANDLE_OBJECT_H
+#define NVSUPPORT_PLATFORM_LINUX_HANDLE_OBJECT_H
 
 namespace platform {
 

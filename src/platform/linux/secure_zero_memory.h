@@ -1,6 +1,6 @@
 // Overwrites memory that held a secret.
-#ifndef NVSUPPORT_PLATFORM_LINUX_WIPE_H
-#define NVSUPPORT_PLATFORM_LINUX_WIPE_H
+#ifndef NVSUPPORT_PLATFORM_LINUX_SECURE_ZERO_MEMORY_H
+#define NVSUPPORT_PLATFORM_LINUX_SECURE_ZERO_MEMORY_H
 
 #include <string.h>
 
