@@ -7,6 +7,8 @@
 #include <array>
 #include <stdexcept>
 
+#include "src/base/ascii.h"
+
 namespace nvsupport::service {
 namespace {
 
@@ -15,19 +17,6 @@ constexpr unsigned long long hashPasses = 2;
 constexpr std::size_t hashMemory = 19UL * 1024 * 1024;
 constexpr std::size_t tokenHashBytes = 32;
 constexpr std::string_view tokenAlphabet = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
-
-// Of ASCII alone, whatever the locale.
-char Lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool IsLetterOrDigit(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z');
-}
-
-bool IsBlankOrControl(char c) {
-  return static_cast<unsigned char>(c) <= ' ' || c == '\x7F';
-}
 
 }  // namespace
 
@@ -39,24 +28,21 @@ std::string CredentialKey(std::string_view text) {
   std::string key;
   for (const char c : text) {
     if (key.size() == credentialLength) break;
-    if (IsLetterOrDigit(Lower(c))) key.push_back(Lower(c));
+    if (base::IsLetterOrDigit(c)) key.push_back(base::ToLower(c));
   }
   return key;
 }
 
 std::string EmailKey(std::string_view text) {
-  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
-  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  text = base::Trim(text, " ");
   const std::size_t at = text.find('@');
-  if (at == 0 || at == std::string_view::npos || std::ranges::any_of(text, IsBlankOrControl)) return {};
+  if (at == 0 || at == std::string_view::npos) return {};
+  if (text.find(' ') != std::string_view::npos || base::HasControlCharacters(text)) return {};
   const std::string_view domain = text.substr(at + 1);
   const std::size_t dot = domain.find('.');
   const bool valid = dot != 0 && dot != std::string_view::npos && domain.back() != '.' &&
                      domain.find('@') == std::string_view::npos && domain.find("..") == std::string_view::npos;
-  if (!valid) return {};
-  std::string key(text);
-  std::ranges::transform(key, key.begin(), Lower);
-  return key;
+  return valid ? base::ToLower(text) : std::string();
 }
 
 std::string NetworkKey(const std::string& address) {
@@ -99,9 +85,8 @@ std::string HashToken(std::string_view token) {
   std::array<unsigned char, tokenHashBytes> hash;
   crypto_generichash(hash.data(), hash.size(), reinterpret_cast<const unsigned char*>(token.data()), token.size(),
                      nullptr, 0);
-  std::string text(2 * tokenHashBytes + 1, '\0');
-  sodium_bin2hex(text.data(), text.size(), hash.data(), hash.size());
-  text.pop_back();
+  std::string text;
+  for (const unsigned char byte : hash) base::AppendHexByte(text, byte);
   return text;
 }
 

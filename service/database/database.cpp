@@ -3,14 +3,12 @@
 #include <charconv>
 #include <stdexcept>
 
-#include "service/database/postgres_database.h"
-#include "service/database/sqlite_database.h"
+#include "service/database/backends.h"
 
 namespace nvsupport::service {
 
 std::unique_ptr<Database> OpenDatabase(const std::string& address) {
-  if (address.starts_with("postgresql://")) return std::make_unique<PostgresDatabase>(address);
-  return std::make_unique<SqliteDatabase>(address);
+  return address.starts_with("postgresql://") ? OpenPostgresDatabase(address) : OpenSqliteDatabase(address);
 }
 
 std::int64_t ToNumber(const std::string& text) {

@@ -1,84 +1,130 @@
-#include "service/database/postgres_database.h"
-
+#include <dlfcn.h>
 #include <libpq-fe.h>
 
 #include <stdexcept>
 
+#include "service/database/backends.h"
+
 namespace nvsupport::service {
 namespace {
 
+// A function of libpq. That library and those that it brings along take longer to load than most requests take in all,
+// so it is loaded when an address asks for it, by the name that its header's promises hold for.
+template <typename Type>
+class Function {
+ public:
+  explicit Function(const char* name) {
+    static void* const library = dlopen("libpq.so.5", RTLD_NOW);
+    void* const found = library != nullptr ? dlsym(library, name) : nullptr;
+    if (found == nullptr) throw std::runtime_error("PostgreSQL: libpq.so.5 cannot be loaded");
+    address = reinterpret_cast<Type*>(found);
+  }
+  template <typename... Arguments>
+  auto operator()(Arguments... arguments) const {
+    return address(arguments...);
+  }
+
+ private:
+  Type* address;
+};
+
+struct Libpq {
+  static const Libpq& Get() {
+    static const Libpq library;
+    return library;
+  }
+
+  const Function<decltype(PQconnectdbParams)> connect{"PQconnectdbParams"};
+  const Function<decltype(PQfinish)> finish{"PQfinish"};
+  const Function<decltype(PQstatus)> status{"PQstatus"};
+  const Function<decltype(PQerrorMessage)> errorMessage{"PQerrorMessage"};
+  const Function<decltype(PQsetNoticeProcessor)> setNoticeProcessor{"PQsetNoticeProcessor"};
+  const Function<decltype(PQexec)> exec{"PQexec"};
+  const Function<decltype(PQexecParams)> execParams{"PQexecParams"};
+  const Function<decltype(PQclear)> clear{"PQclear"};
+  const Function<decltype(PQresultStatus)> resultStatus{"PQresultStatus"};
+  const Function<decltype(PQresultErrorField)> resultErrorField{"PQresultErrorField"};
+  const Function<decltype(PQntuples)> rowCount{"PQntuples"};
+  const Function<decltype(PQnfields)> columnCount{"PQnfields"};
+  const Function<decltype(PQgetvalue)> value{"PQgetvalue"};
+};
+
 struct ResultCloser {
-  void operator()(PGresult* result) const { PQclear(result); }
+  void operator()(PGresult* result) const { Libpq::Get().clear(result); }
 };
 using Result = std::unique_ptr<PGresult, ResultCloser>;
 
-// The server's own detail of an error quotes values, so only its first line and its code are told.
-void ThrowUnlessDone(PGconn* connection, const Result& result) {
-  const ExecStatusType status = PQresultStatus(result.get());
-  if (status == PGRES_COMMAND_OK || status == PGRES_TUPLES_OK) return;
-  const char* const code = PQresultErrorField(result.get(), PG_DIAG_SQLSTATE);
-  const char* const line = PQresultErrorField(result.get(), PG_DIAG_MESSAGE_PRIMARY);
-  if (code == nullptr || line == nullptr) {
-    throw std::runtime_error(std::string("PostgreSQL: ") + PQerrorMessage(connection));
+class PostgresDatabase final : public Database {
+ public:
+  explicit PostgresDatabase(const std::string& address) {
+    // What stands before the address can be set otherwise by it.
+    const char* const names[] = {"connect_timeout", "dbname", "client_encoding", nullptr};
+    const char* const values[] = {"10", address.c_str(), "UTF8", nullptr};
+    constexpr int dbnameIsAnAddress = 1;
+    connection.reset(pq.connect(names, values, dbnameIsAnAddress));
+    if (pq.status(connection.get()) != CONNECTION_OK) {
+      throw std::runtime_error(std::string("PostgreSQL: ") + pq.errorMessage(connection.get()));
+    }
+    pq.setNoticeProcessor(
+        connection.get(), [](void*, const char*) {}, nullptr);
   }
-  throw std::runtime_error(std::string("PostgreSQL: ") + code + ' ' + line);
-}
+
+  void RunScript(const char* sql) override { ThrowUnlessDone(Result(pq.exec(connection.get(), sql))); }
+
+  bool HasTable(const std::string& name) override {
+    return !Run("SELECT 1 FROM pg_tables WHERE schemaname = current_schema() AND tablename = $1", name).empty();
+  }
+
+ private:
+  std::vector<Row> Execute(const char* sql, const Values& values) override {
+    std::vector<const char*> texts;
+    for (const std::string& value : values) texts.push_back(value.c_str());
+    constexpr int asText = 0;
+    const Result result(pq.execParams(connection.get(), sql, static_cast<int>(texts.size()), nullptr, texts.data(),
+                                      nullptr, nullptr, asText));
+    ThrowUnlessDone(result);
+    std::vector<Row> rows(static_cast<std::size_t>(pq.rowCount(result.get())));
+    for (int row = 0; row < pq.rowCount(result.get()); ++row) {
+      for (int column = 0; column < pq.columnCount(result.get()); ++column) {
+        rows[static_cast<std::size_t>(row)].emplace_back(pq.value(result.get(), row, column));
+      }
+    }
+    return rows;
+  }
+
+  void Begin(const std::string& subject) override {
+    RunScript("BEGIN");
+    // A lock on the subject, which goes with the transaction; the server keeps a queue for each.
+    Run("SELECT pg_advisory_xact_lock(hashtextextended($1, 0))", subject);
+  }
+
+  void Commit() override { RunScript("COMMIT"); }
+
+  void RollBack() noexcept override { const Result ignored(pq.exec(connection.get(), "ROLLBACK")); }
+
+  // The server's own detail of an error quotes values, so only its first line and its code are told.
+  void ThrowUnlessDone(const Result& result) const {
+    const ExecStatusType status = pq.resultStatus(result.get());
+    if (status == PGRES_COMMAND_OK || status == PGRES_TUPLES_OK) return;
+    const char* const code = pq.resultErrorField(result.get(), PG_DIAG_SQLSTATE);
+    const char* const line = pq.resultErrorField(result.get(), PG_DIAG_MESSAGE_PRIMARY);
+    if (code == nullptr || line == nullptr) {
+      throw std::runtime_error(std::string("PostgreSQL: ") + pq.errorMessage(connection.get()));
+    }
+    throw std::runtime_error(std::string("PostgreSQL: ") + code + ' ' + line);
+  }
+
+  struct Closer {
+    void operator()(PGconn* opened) const { Libpq::Get().finish(opened); }
+  };
+  const Libpq& pq = Libpq::Get();
+  std::unique_ptr<PGconn, Closer> connection;
+};
 
 }  // namespace
 
-void PostgresDatabase::Closer::operator()(pg_conn* opened) const {
-  PQfinish(opened);
-}
-
-PostgresDatabase::PostgresDatabase(const std::string& address) {
-  // What stands before the address can be set otherwise by it.
-  const char* const names[] = {"connect_timeout", "dbname", "client_encoding", nullptr};
-  const char* const values[] = {"10", address.c_str(), "UTF8", nullptr};
-  constexpr int dbnameIsAnAddress = 1;
-  connection.reset(PQconnectdbParams(names, values, dbnameIsAnAddress));
-  if (PQstatus(connection.get()) != CONNECTION_OK) {
-    throw std::runtime_error(std::string("PostgreSQL: ") + PQerrorMessage(connection.get()));
-  }
-  PQsetNoticeProcessor(
-      connection.get(), [](void*, const char*) {}, nullptr);
-}
-
-void PostgresDatabase::RunScript(const char* sql) {
-  ThrowUnlessDone(connection.get(), Result(PQexec(connection.get(), sql)));
-}
-
-bool PostgresDatabase::HasTable(const std::string& name) {
-  return !Run("SELECT 1 FROM pg_tables WHERE schemaname = current_schema() AND tablename = $1", name).empty();
-}
-
-std::vector<Database::Row> PostgresDatabase::Execute(const char* sql, const Values& values) {
-  std::vector<const char*> texts;
-  for (const std::string& value : values) texts.push_back(value.c_str());
-  constexpr int asText = 0;
-  const Result result(PQexecParams(connection.get(), sql, static_cast<int>(texts.size()), nullptr, texts.data(),
-                                   nullptr, nullptr, asText));
-  ThrowUnlessDone(connection.get(), result);
-  std::vector<Row> rows(static_cast<std::size_t>(PQntuples(result.get())));
-  for (int row = 0; row < PQntuples(result.get()); ++row) {
-    for (int column = 0; column < PQnfields(result.get()); ++column) {
-      rows[static_cast<std::size_t>(row)].emplace_back(PQgetvalue(result.get(), row, column));
-    }
-  }
-  return rows;
-}
-
-void PostgresDatabase::Begin(const std::string& subject) {
-  RunScript("BEGIN");
-  // A lock on the subject, which goes with the transaction; the server keeps a queue for each.
-  Run("SELECT pg_advisory_xact_lock(hashtextextended($1, 0))", subject);
-}
-
-void PostgresDatabase::Commit() {
-  RunScript("COMMIT");
-}
-
-void PostgresDatabase::RollBack() noexcept {
-  const Result ignored(PQexec(connection.get(), "ROLLBACK"));
+std::unique_ptr<Database> OpenPostgresDatabase(const std::string& address) {
+  return std::make_unique<PostgresDatabase>(address);
 }
 
 }  // namespace nvsupport::service

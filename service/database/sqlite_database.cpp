@@ -1,56 +1,74 @@
-#include "service/database/sqlite_database.h"
-
 #include <sqlite3.h>
 
+#include "service/database/backends.h"
+#include "service/database/file_queue.h"
+#include "service/database/sqlite_file.h"
+
 namespace nvsupport::service {
-SqliteDatabase::SqliteDatabase(const std::string& path) : queue(path + "-queue"), file(path, SqliteFile::Mode::shared) {
-  file.Execute("PRAGMA foreign_keys = ON");
-}
+namespace {
 
-void SqliteDatabase::RunScript(const char* sql) {
-  file.Execute(sql);
-}
+// Its users stand in a queue: SQLite itself would have each try again and again, and under load some never come to
+// their turn. The queue is the kernel's own, a lock on the file PATH-queue: it wakes those who wait in their order, and
+// a process that is killed gives its place up.
+class SqliteDatabase final : public Database {
+ public:
+  explicit SqliteDatabase(const std::string& path) : queue(path + "-queue"), file(path, SqliteFile::Mode::shared) {
+    file.Execute("PRAGMA foreign_keys = ON");
+  }
 
-bool SqliteDatabase::HasTable(const std::string& name) {
-  return !Run("SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = $1", name).empty();
-}
+  void RunScript(const char* sql) override { file.Execute(sql); }
 
-std::vector<Database::Row> SqliteDatabase::Execute(const char* sql, const Values& values) {
-  if (!file.InTransaction()) {
-    Transaction alone(*this, {});
-    auto rows = Execute(sql, values);
-    alone.Commit();
+  bool HasTable(const std::string& name) override {
+    return !Run("SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = $1", name).empty();
+  }
+
+ private:
+  std::vector<Row> Execute(const char* sql, const Values& values) override {
+    if (!file.InTransaction()) {
+      Transaction alone(*this, {});
+      auto rows = Execute(sql, values);
+      alone.Commit();
+      return rows;
+    }
+    SqliteStatement statement(file, sql);
+    for (std::size_t i = 0; i < values.size(); ++i) statement.BindOne(static_cast<int>(i + 1), values[i]);
+    std::vector<Row> rows;
+    while (statement.Step()) {
+      Row& row = rows.emplace_back();
+      for (int column = 0; column < statement.Columns(); ++column) row.push_back(statement.Text(column));
+    }
     return rows;
   }
-  SqliteStatement statement(file, sql);
-  for (std::size_t i = 0; i < values.size(); ++i) statement.BindOne(static_cast<int>(i + 1), values[i]);
-  std::vector<Row> rows;
-  while (statement.Step()) {
-    Row& row = rows.emplace_back();
-    for (int column = 0; column < statement.Columns(); ++column) row.push_back(statement.Text(column));
-  }
-  return rows;
-}
 
-// The file is locked as a whole, whatever the subject.
-void SqliteDatabase::Begin(const std::string& /*subject*/) {
-  queue.Enter();
-  try {
-    file.Execute("BEGIN IMMEDIATE");
-  } catch (...) {
+  // The file is locked as a whole, whatever the subject.
+  void Begin(const std::string& /*subject*/) override {
+    queue.Enter();
+    try {
+      file.Execute("BEGIN IMMEDIATE");
+    } catch (...) {
+      queue.Leave();
+      throw;
+    }
+  }
+
+  void Commit() override {
+    file.Execute("COMMIT");
     queue.Leave();
-    throw;
   }
-}
 
-void SqliteDatabase::Commit() {
-  file.Execute("COMMIT");
-  queue.Leave();
-}
+  void RollBack() noexcept override {
+    sqlite3_exec(file.Handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+    queue.Leave();
+  }
 
-void SqliteDatabase::RollBack() noexcept {
-  sqlite3_exec(file.Handle(), "ROLLBACK", nullptr, nullptr, nullptr);
-  queue.Leave();
+  FileQueue queue;
+  SqliteFile file;
+};
+
+}  // namespace
+
+std::unique_ptr<Database> OpenSqliteDatabase(const std::string& path) {
+  return std::make_unique<SqliteDatabase>(path);
 }
 
 }  // namespace nvsupport::service

@@ -4,6 +4,8 @@
 
 #include <stdexcept>
 
+#include "src/base/ascii.h"
+
 namespace nvsupport::service {
 namespace {
 
@@ -19,8 +21,8 @@ std::string UnchangingAddress(const std::string& path) {
   std::string address = "file:";
   for (const char c : path) {
     if (c == '%' || c == '?' || c == '#') {
-      constexpr std::string_view digits = "0123456789ABCDEF";
-      address += {'%', digits[static_cast<unsigned char>(c) >> 4], digits[c & 0xF]};
+      address += '%';
+      base::AppendHexByte(address, static_cast<std::uint8_t>(c));
     } else {
       address += c;
     }

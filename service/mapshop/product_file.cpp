@@ -2,7 +2,6 @@
 
 #include <charconv>
 #include <fstream>
-#include <stdexcept>
 #include <string_view>
 #include <vector>
 
@@ -55,7 +54,7 @@ void ReadProducts(const std::string& path, const std::function<void(const Produc
   for (int number = 1; std::getline(file, line); ++number) {
     if (line.empty() || line.front() == '#') continue;
     Product product;
-    if (!ParseProduct(line, product)) throw std::runtime_error(path + ": line " + std::to_string(number));
+    if (!ParseProduct(line, product)) throw ProductError(path + ": line " + std::to_string(number));
     take(product);
   }
 }

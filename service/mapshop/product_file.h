@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <stdexcept>
 #include <string>
 
 #include "service/mapshop/area.h"
@@ -21,8 +22,13 @@ struct Product {
   Area area;
 };
 
-// Gives the products to `take`, in the order of the file. Throws std::runtime_error if the file cannot be read or a
-// line is not as told, naming the line.
+// The file has a line that is not as told; names it.
+struct ProductError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+// Gives the products to `take`, in the order of the file. Throws ProductError, or another std::runtime_error if the
+// file cannot be read.
 void ReadProducts(const std::string& path, const std::function<void(const Product&)>& take);
 
 }  // namespace nvsupport::service

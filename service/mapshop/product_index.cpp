@@ -83,13 +83,22 @@ void Fill(SqliteFile& index, const std::string& productPath, const std::string& 
   index.Execute("COMMIT");
 }
 
-// In the place of the file at `path`, which keeps its content for those who have it open.
-void Make(const std::string& path, const std::string& productPath, const std::string& stamp) {
+// In the place of the file at `path`, which keeps its content for those who have it open. If the product file has an
+// error, a former index is taken over under the new stamp: the file is not read again until it changes.
+void Make(const std::string& path, const std::string& productPath, const std::string& stamp, bool former) {
   const std::string unfinished = path + "-new";
   std::filesystem::remove(unfinished);  // of a process that was killed
-  {
+  try {
     SqliteFile index(unfinished, SqliteFile::Mode::shared);
     Fill(index, productPath, stamp);
+  } catch (const ProductError& error) {
+    if (!former) throw;
+    std::fprintf(stderr, "the products stay as they were: %s\n", error.what());
+    std::filesystem::copy_file(path, unfinished, std::filesystem::copy_options::overwrite_existing);
+    const SqliteFile index(unfinished, SqliteFile::Mode::shared);
+    SqliteStatement source(index, "UPDATE source SET stamp = ?");
+    source.Bind(std::string_view(stamp));
+    source.Step();
   }
   std::filesystem::rename(unfinished, path);
 }
@@ -113,7 +122,7 @@ ProductIndex::ProductIndex(const std::string& productPath, const std::string& in
   }
   if (Open(indexPath, stamp)) return;  // another process was quicker
   try {
-    Make(indexPath, productPath, stamp);
+    Make(indexPath, productPath, stamp, file.has_value());
     Open(indexPath, stamp);
   } catch (const std::exception& error) {
     if (!file) throw;
