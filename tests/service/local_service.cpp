@@ -2,26 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
+#include <regex>
 
 #include "support/run_program.h"
 
 using nvsupport::testing::RunProgram;
 
 LocalService::LocalService() {
-  constexpr std::string_view prefix = "export ";
   const auto started = RunProgram({NV_SERVICE_SCRIPT, "start", folder.path.string()});
   EXPECT_EQ(started.exitCode, 0);
-  // Lines such as "export NAME='value'".
-  std::istringstream lines(started.output);
-  for (std::string line; std::getline(lines, line);) {
-    const std::size_t equals = line.find("='");
-    if (!line.starts_with(prefix) || equals == std::string::npos || !line.ends_with('\'')) {
-      ADD_FAILURE() << "unexpected line: " << line;
-      continue;
-    }
-    environment.push_back(std::make_unique<nvsupport::testing::ScopedVariable>(
-        line.substr(prefix.size(), equals - prefix.size()), line.substr(equals + 2, line.size() - equals - 3)));
+  const std::regex setting("export ([A-Z_]+)='([^']*)'\n");
+  for (std::sregex_iterator found(started.output.begin(), started.output.end(), setting), end; found != end; ++found) {
+    environment.push_back(std::make_unique<nvsupport::testing::ScopedVariable>(found->str(1), found->str(2)));
   }
 }
 

@@ -1,23 +1,18 @@
-// The map shop service: the example of the protocol page against the real program, which products an area finds, and
-// when their index is made anew.
+// The map shop service: which products an area finds, and when their index is made anew.
 #include "service/mapshop/map_shop_service.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <filesystem>
-#include <limits>
-#include <sstream>
 #include <vector>
 
-#include "cgi_program.h"
 #include "request.h"
 #include "support/temporary_home.h"
 
 namespace {
 
 using nvsupport::service::AnswerSearch;
-using nvsupport::service::Area;
 using nvsupport::service::ProductIndex;
 using nvsupport::testing::TemporaryFolder;
 using nvsupport::testing::WriteWholeFile;
@@ -33,13 +28,9 @@ std::string Search(const std::vector<Point>& points) {
   return Int(101) + Int(4) + Int(points.size()) + block + Int(0);
 }
 
-// A line of the product file.
-std::string Line(std::uint32_t number, const Area& area, const std::string& title = "") {
-  std::ostringstream line;
-  line.precision(17);
-  line << number << '\t' << title << "\t\t\t0\t" << area.south << '\t' << area.west << '\t' << area.north << '\t'
-       << area.east << '\n';
-  return line.str();
+// A line of the product file. area: south, west, north and east.
+std::string Line(int number, const std::string& area = "0\t0\t0\t0", const std::string& title = "") {
+  return std::to_string(number) + '\t' + title + "\t\t\t0\t" + area + '\n';
 }
 
 // A product file and its index in a folder of their own.
@@ -65,27 +56,19 @@ struct Shop {
   const std::string index = folder / "products.index";
 };
 
-TEST(MapShopProgram, AnswersTheExampleOfTheProtocolPage) {
-  EXPECT_EQ(Post("mapstore2.cgi", "", Example("search request")).body, Example("search reply"));
-}
-
 TEST(MapShopSearch, FindsWhatMeetsTheBoxAroundThePoints) {
-  const Shop shop(Line(1, {45, 6, 46, 7}) +         // west of the middle
-                  Line(2, {-19, 177, -16, -178}) +  // across the 180th meridian
-                  Line(3, {-90, -180, 90, 180}) +   // the whole world
-                  Line(4, {30.1, -10.1, 31.3, -9.7}));
+  const Shop shop("# the Alps, across the 180th meridian, the whole world, Marrakech\n\n" + Line(1, "45\t6\t46\t7") +
+                  Line(2, "-19\t177\t-16\t-178") + Line(3, "-90\t-180\t90\t180") + Line(4, "30.1\t-10.1\t31.3\t-9.7"));
   const struct {
     const char* what;
     std::vector<Point> points;
     Numbers found;
   } cases[] = {
-      {"a point inside", {{45.5, 6.5}}, {1, 3}},
       {"a point on the corner", {{46, 7}}, {1, 3}},
       {"a corner that single precision does not hold", {{31.3, -9.7}}, {3, 4}},
       {"a point beside", {{46.001, 7}}, {3}},
       {"a point so near that single precision tells no difference", {{31.3000001, -9.7}}, {3}},
       {"points around, none inside", {{40, 0}, {50, 10}}, {1, 3}},
-      {"points on a diagonal count as a box", {{44, 20}, {50, 7}}, {1, 3}},
       {"east of the meridian", {{-17, -179}}, {2, 3}},
       {"beyond it, counted on", {{-17, 181}}, {2, 3}},
       {"west of it, counted on downwards", {{-17, -182}}, {2, 3}},
@@ -100,7 +83,7 @@ TEST(MapShopSearch, FindsWhatMeetsTheBoxAroundThePoints) {
 }
 
 TEST(MapShopSearch, FollowsTheProductFile) {
-  const Shop shop(Line(1, {}));
+  const Shop shop(Line(1));
   EXPECT_EQ(shop.Found({}), Numbers{1});
   const auto made = std::filesystem::last_write_time(shop.index);
   EXPECT_EQ(shop.Found({}), Numbers{1});
@@ -108,12 +91,12 @@ TEST(MapShopSearch, FollowsTheProductFile) {
   const ProductIndex former(shop.products, shop.index);
 
   WriteWholeFile(shop.index + "-new", "what a killed process left");
-  shop.Offer(Line(2, {}) + Line(3, {}));
+  shop.Offer(Line(2) + Line(3));
   EXPECT_EQ(shop.Found({}), (Numbers{2, 3}));
   EXPECT_EQ(former.ProductCount(), 1U);
   EXPECT_EQ(WordAt(AnswerSearch(Search({}), former), 4), 1U) << "who has the former index open keeps it";
 
-  shop.Offer(Line(4, {}) + "5\tno area\n");
+  shop.Offer(Line(4) + "5\tno area\n");
   for (const char* told : {"products.tsv: line 2", ""}) {  // read once
     testing::internal::CaptureStderr();
     EXPECT_EQ(shop.Found({}), (Numbers{2, 3}));
@@ -121,7 +104,7 @@ TEST(MapShopSearch, FollowsTheProductFile) {
     EXPECT_TRUE(log.empty() == (*told == '\0') && log.find(told) != std::string::npos) << log;
   }
 
-  shop.Offer(Line(6, {}));
+  shop.Offer(Line(6));
   WriteWholeFile(shop.index, "no index");
   EXPECT_EQ(shop.Found({}), Numbers{6});
   EXPECT_EQ(AnswerSearch(Search({}), ProductIndex(shop.products, "")), shop.Answer(Search({}))) << "without an index";
@@ -129,7 +112,7 @@ TEST(MapShopSearch, FollowsTheProductFile) {
 }
 
 TEST(MapShopSearch, GivesNoMoreThanFitsIntoAReply) {
-  const Shop shop(Line(1, {}, std::string(900, 't')) + Line(2, {}) + Line(3, {}));
+  const Shop shop(Line(1, "0\t0\t0\t0", std::string(900, 't')) + Line(2) + Line(3));
   const std::string reply = AnswerSearch(Search({}), ProductIndex(shop.products, shop.index), 1000);
   EXPECT_EQ(WordAt(reply, 2), 1U);
   EXPECT_EQ(reply.substr(reply.size() - 4), Int(3)) << "whole to its end";
@@ -137,18 +120,14 @@ TEST(MapShopSearch, GivesNoMoreThanFitsIntoAReply) {
 
 TEST(MapShopSearch, IsNotUnderstoodWhenItIsCutOrNoArea) {
   const Shop shop;
-  const double infinity = std::numeric_limits<double>::infinity();
-  for (const Point bad : {Point{90.5, 0}, Point{-91, 0}, Point{0, 400.5}, Point{0, -401}, Point{std::nan(""), 0},
-                          Point{0, std::nan("")}, Point{infinity, 0}, Point{0, -infinity}}) {
+  for (const Point bad : {Point{90.5, 0}, Point{-91, 0}, Point{0, 400.5}, Point{0, -401}, Point{0, std::nan("")}}) {
     EXPECT_EQ(shop.Answer(Search({{1, 1}, bad})), Int(1)) << bad.latitude << ' ' << bad.longitude;
   }
   const std::string request = Search({{45, 6}, {46, 7}});
   for (std::size_t length = 0; length < request.size(); ++length) {
     EXPECT_EQ(shop.Answer(request.substr(0, length)), Int(1)) << length;
   }
-  for (const std::uint32_t count : {3U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
-    EXPECT_EQ(shop.Answer(request.substr(0, 8) + Int(count) + request.substr(12)), Int(1)) << count;
-  }
+  EXPECT_EQ(shop.Answer(request.substr(0, 8) + Int(0xFFFFFFFF) + request.substr(12)), Int(1)) << "points without end";
 }
 
 }  // namespace
