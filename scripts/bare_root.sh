@@ -1,5 +1,5 @@
 # A root of Debian's base alone, for scripts that source this file and try something on a machine with nothing else.
-# Needs root and the package debootstrap.
+# Needs root and the package mmdebstrap.
 readonly release=bookworm
 
 # Runs a command that sees its own mounts and processes; they end with it, and nothing but files is left to remove.
@@ -22,11 +22,12 @@ make_work() {
 make_root() {
   local mirror
   ((EUID == 0)) || { echo "only root makes such a root" >&2; exit 1; }
-  command -v debootstrap >/dev/null || { echo "debootstrap is missing" >&2; exit 1; }
+  command -v mmdebstrap >/dev/null || { echo "mmdebstrap is missing" >&2; exit 1; }
   mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' "Codename: $release" | head -1)
   [[ -n $mirror ]] || { echo "the package sources of this machine name no $release" >&2; exit 1; }
   printf '== A bare root from %s\n' "$mirror"
-  apart debootstrap --variant=minbase --include="$2" "$release" "$1" "$mirror" >"$1.log" 2>&1 ||
+  apart mmdebstrap --mode=root --variant=minbase --skip=cleanup/apt/lists --include="$2" "$release" "$1" "$mirror" \
+    >"$1.log" 2>&1 ||
     { tail -20 "$1.log" >&2; exit 1; }
   # A package that is installed there starts no service here.
   printf '#!/bin/sh\nexit 101\n' >"$1/usr/sbin/policy-rc.d"

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Tries the commands of the README on a bare machine: makes a root with Debian's base and git, and nothing else, in a
 # temporary folder, clones what is committed here into it, runs them there and removes it. Needs root and the packages
-# debootstrap and git.
+# mmdebstrap and git.
 #
-# try_bare.sh                the commands of the README (an hour or more on two cores)
+# try_bare.sh                the commands of the README (half an hour on two cores)
 # try_bare.sh COMMAND...     this command instead, in the clone, for example `scripts/install-packages.sh test`
 set -euo pipefail
 cd "$(dirname "$0")/.."
