@@ -7,9 +7,8 @@
 namespace nvsupport::service {
 namespace {
 
-// Its users stand in a queue: SQLite itself would have each try again and again, and under load some never come to
-// their turn. The queue is the kernel's own, a lock on the file PATH-queue: it wakes those who wait in their order, and
-// a process that is killed gives its place up.
+// Its users stand in a queue, by the file PATH-queue: SQLite itself would have each try again and again, and under load
+// some never come to their turn.
 class SqliteDatabase final : public Database {
  public:
   explicit SqliteDatabase(const std::string& path) : queue(path + "-queue"), file(path, SqliteFile::Mode::shared) {
