@@ -47,14 +47,12 @@ TEST_F(AccountChain, IsDoneOnlyWhenItsEndIsReached) {
   } cases[] = {
       {"sign-in", signIn, {{8, signedIn}, {11, token}}, ann, true, 0},
       {"cancelled", leave, {}, {"", ""}, false, 0},
-      {"refused, cancelled", signIn + leave, {{8, Int(5)}}, failed, false, 1},
       {"refused, then right", signIn + Steps{ok}, {{8, Int(5)}, {8, signedIn}, {11, token}}, ann, true, 1},
       {"new name", signIn + named, {{8, unnamed}, {9, done}, {11, token}}, ann, true, 0},
       {"name cancelled", signIn + notNamed + leave, {{8, unnamed}}, failed, false, 0},
       {"name refused", signIn + named + notNamed + leave, {{8, unnamed}, {9, Int(5)}}, failed, false, 1},
       {"account", account + named, {{10, done}, {9, done}, {11, token}}, ann, true, 0},
       {"account cancelled", create + Steps{cancel} + leaveUnchanged, {}, {"bob", "first1"}, false, 0},
-      {"account refused", account + Steps{cancel} + leaveUnchanged, {{10, Int(3)}}, ann, false, 1},
       {"known address", account + leaveUnchanged, {{10, Int(13)}}, ann, false, 1},
       {"account, name cancelled", account + notNamed + leaveUnchanged, {{10, done}}, ann, true, 0},
       {"token refused", signIn, {{8, signedIn}, {11, Int(5)}}, ann, true, 0},
@@ -63,7 +61,11 @@ TEST_F(AccountChain, IsDoneOnlyWhenItsEndIsReached) {
   for (const auto& row : cases) {
     SCOPED_TRACE(row.what);
     std::vector<std::string> replies;
-    for (const auto& exchange : row.exchanges) replies.push_back(exchange.second);
+    std::string expected;
+    for (const auto& [operation, reply] : row.exchanges) {
+      expected += Int(operation);
+      replies.push_back(reply);
+    }
     replies.push_back(Int(99));
     Serve(replies);
     OpenSession();
@@ -74,11 +76,9 @@ TEST_F(AccountChain, IsDoneOnlyWhenItsEndIsReached) {
     EXPECT_EQ(xff99a5e4(nullptr, text), hasToken);
     EXPECT_STREQ(text, hasToken ? "a-token" : "");
     EXPECT_TRUE(person.steps.empty());
-    const std::vector<std::string> requests = Requests();
-    ASSERT_EQ(requests.size(), row.exchanges.size());
-    for (std::size_t i = 0; i < requests.size(); ++i) {
-      EXPECT_TRUE(requests[i].starts_with(Int(row.exchanges[i].first)));
-    }
+    std::string operations;
+    for (const std::string& request : Requests()) operations += request.substr(0, 4);
+    EXPECT_EQ(operations, expected);
     EXPECT_EQ(person.boxes.size(), row.boxes);
     EXPECT_EQ(Profile(), row.saved ? "UserID=Ann\n" : "");
     EXPECT_EQ(InForce(), row.left);
@@ -95,24 +95,16 @@ TEST_F(AccountChain, GivesATokenThatFitsAndShowsNothingElse) {
   } cases[] = {
       {"19 characters", Int(0) + Text(whole), whole},
       {"20 characters", Int(0) + Text(whole + 't'), ""},
-      {"100,000 characters", Int(0) + Text(std::string(100000, 't')), ""},
-      {"100,001 characters", Int(0) + Text(std::string(100001, 't')), ""},
-      {"none", Int(0) + Text(""), ""},
       {"ends inside the token", Int(0) + Int(10) + std::string("a\0b\0c\0", 6), "abc"},
-      {"ends before the token", Int(0), ""},
       {"a zero byte for a token", Int(0) + Text(std::string(3, '\0')), ""},
       {"refused", Int(3) + Text(whole), ""},
-      {"no status", "", ""},
   };
-  struct {
-    char token[20];
-    char guard[16];
-  } buffer;
-  const auto expectToken = [&](const std::string& token) {
-    std::memset(&buffer, '#', sizeof buffer);
-    EXPECT_EQ(xff99a5e4(nullptr, buffer.token), !token.empty());
-    EXPECT_STREQ(buffer.token, token.c_str());
-    EXPECT_EQ(std::string(buffer.guard, sizeof buffer.guard), std::string(sizeof buffer.guard, '#'));
+  const auto expectToken = [](const std::string& token) {
+    char buffer[36];
+    std::memset(buffer, '#', sizeof buffer);
+    EXPECT_EQ(xff99a5e4(nullptr, buffer), !token.empty());
+    EXPECT_STREQ(buffer, token.c_str());
+    EXPECT_EQ(std::string(buffer + 20, 16), std::string(16, '#')) << "behind the host's 20 bytes";
   };
   // A password without a user ID needs no sign-in; it stays through all of this, so no dialog opens.
   OpenSession({"", "secret1"});

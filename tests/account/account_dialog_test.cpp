@@ -26,7 +26,6 @@ TEST_F(AccountDialog, OpensWithWhatIsKnown) {
     int focus;
   } cases[] = {
       {signInTitle, signIn, {"", ""}, {{IDC_USER_ID, ""}, {IDC_PASSWORD, ""}}, IDC_USER_ID},
-      {signInTitle, signIn, {"ann", ""}, {{IDC_USER_ID, "ann"}, {IDC_PASSWORD, ""}}, IDC_PASSWORD},
       {signInTitle, signIn, {"ann", "Secret 1"}, {{IDC_USER_ID, "ann"}, {IDC_PASSWORD, "secret1"}}, IDC_PASSWORD},
       {signInTitle, signIn, {"", "secret1"}, {{IDC_USER_ID, ""}, {IDC_PASSWORD, ""}}, IDC_USER_ID},
       {createTitle,
@@ -68,7 +67,6 @@ TEST_F(AccountDialog, OfTheSignInSavesThePasswordThatIsTicked) {
         Run(FillSignIn("Ann 1", "Secret-1") + Steps(ticked ? 1 : 0, Clicks(IDC_SAVE_PASSWORD)) + Steps{Clicks(IDOK)},
             signIn));
     EXPECT_EQ(InForce(), (Credentials{"Ann 1", "Secret-1"}));
-    EXPECT_EQ(CServiceManager("Test Product").GetUserId(), std::string("Ann 1"));
     EXPECT_EQ(Profile().find("Passwd=") != std::string::npos, ticked);
   }
 }
@@ -99,9 +97,7 @@ TEST_F(AccountDialog, OpensItsWebPagesAndStays) {
     };
     EXPECT_FALSE(Run({notify, Clicks(row.button), Sees(row.title), Clicks(IDCANCEL)}, row.operation));
     expected += row.page + '\n';
-    for (int wait = 0; wait < 1000 && ReadWholeFile(opened).size() < expected.size(); ++wait) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
+    while (ReadWholeFile(opened).size() < expected.size()) std::this_thread::sleep_for(std::chrono::milliseconds(5));
     EXPECT_EQ(ReadWholeFile(opened), expected);
   }
 }
