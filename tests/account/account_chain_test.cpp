@@ -17,7 +17,7 @@ TEST_F(AccountChain, IsDoneOnlyWhenItsEndIsReached) {
   const Step cancel = Clicks(IDCANCEL);
   // The computer's name is asked for on top of the sign-in dialog.
   const Step seesDevice = Sees(deviceTitle, [](HWND dialog) {
-    const windowing::DialogView* const owner = headless::ViewOf(GetParent(dialog));
+    const windowing::DialogView* const owner = PlayedUser::ViewOf(GetParent(dialog));
     EXPECT_TRUE(owner != nullptr && owner->title == signInTitle);
   });
   const Step fieldsStay = Sees(signInTitle, [](HWND dialog) {

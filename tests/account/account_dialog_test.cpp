@@ -43,11 +43,11 @@ TEST_F(AccountDialog, OpensWithWhatIsKnown) {
     OpenSession(row.saved);
     const Step look = Sees(row.title, [&](HWND dialog) {
       for (const auto& [id, text] : row.fields) EXPECT_EQ(TextOf(dialog, id), text) << row.title << ' ' << id;
-      EXPECT_EQ(headless::FocusedControl(dialog), GetDlgItem(dialog, row.focus)) << row.title;
-      EXPECT_EQ(headless::Record().selectedWhole, GetDlgItem(dialog, row.focus)) << row.title;
+      EXPECT_EQ(PlayedUser::FocusedControl(dialog), GetDlgItem(dialog, row.focus)) << row.title;
+      EXPECT_EQ(person.selectedWhole, GetDlgItem(dialog, row.focus)) << row.title;
       for (const int box : {IDC_SAVE_PASSWORD, IDC_KEEP_INFORMED}) {
         const HWND control = GetDlgItem(dialog, box);
-        EXPECT_TRUE(control == nullptr || headless::CheckStateShown(control) == 0) << row.title;
+        EXPECT_TRUE(control == nullptr || person.checkStates[control] == 0) << row.title;
       }
       RECT first{};
       RECT second{};

@@ -18,7 +18,7 @@ struct Fields : CVServiceManager {
 
 Step Sees(const std::string& title, std::function<void(HWND)> look) {
   return [title, look = std::move(look)](HWND dialog) {
-    const windowing::DialogView* const view = headless::ViewOf(dialog);
+    const windowing::DialogView* const view = PlayedUser::ViewOf(dialog);
     ASSERT_NE(view, nullptr);
     EXPECT_EQ(view->title, title);
     if (look) look(dialog);

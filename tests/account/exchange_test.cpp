@@ -148,8 +148,8 @@ TEST_F(AccountExchange, ShowsTheWaitCursorWhileTheServiceTakesItsTime) {
   Serve({slow}, identity);
   OpenSession({"ann", "secret1"});
   EXPECT_TRUE(Run({Clicks(IDOK)}, &CVServiceManager::Login));
-  EXPECT_EQ(headless::Record().waitCursorsShown, 1);
-  EXPECT_EQ(headless::Record().cursorsRestored, 1);
+  EXPECT_EQ(person.waitCursorsShown, 1);
+  EXPECT_EQ(person.cursorsRestored, 1);
 }
 
 }  // namespace

@@ -1,127 +1,188 @@
-// The frame's dialogs, played on the headless display.
+// The frame's dialogs, played on the headless display, and the chain of records that ties objects to windows.
+#include "ui/dialog.h"
+
 #include <gtest/gtest.h>
 
-#include "probes.h"
+#include "resources/resource_ids.h"
+#include "support/played_user.h"
+#include "ui/instance_subclasser.h"
 
 namespace nvsupport {
 namespace {
 
-constexpr std::uintptr_t hostId = 0x4400001;
-const HWND hostWindow = reinterpret_cast<HWND>(hostId);
+// Notes the calls of the frame, as "onCommand 13 512".
+class ProbeDialog final : public Dialog {
+ public:
+  ProbeDialog() : Dialog(IDD_COMPUTER_NAME) {}
 
-// The calls that sending a message to the running dialog leads to.
-Noted CallsFor(UINT message, WPARAM wParam, LPARAM lParam) {
-  ProbeDialog dialog;
-  Noted calls;
-  Within(dialog, [&](HWND window) {
-    dialog.calls.clear();
-    SendMessageA(window, message, wParam, lParam);
-    calls = dialog.calls;
-  });
-  return calls;
-}
-
-TEST(Dialog, EndsWithTheValueOfWhatTheUserDid) {
-  const struct {
-    const char* what;
-    PlayedUser::Step act;
-    INT_PTR result;
-  } cases[] = {
-      {"OK", PlayedUser::Clicks(IDOK), 1},
-      {"Cancel", PlayedUser::Clicks(IDCANCEL), 2},
-      {"close box", [](HWND window) { headless::CloseBox(window); }, 2},
-      // Dialog itself does not look at the notification code.
-      {"notification", [](HWND window) { SendMessageA(window, WM_COMMAND, 0x0300'0001, 0); }, 1},
-  };
-  for (const auto& row : cases) {
-    SCOPED_TRACE(row.what);
-    PlayedUser person;
-    ProbeDialog dialog;
-    person.steps = {row.act};
-    EXPECT_EQ(dialog.run(nullptr), row.result);
-    EXPECT_EQ(dialog.Handle(), nullptr);
-    EXPECT_EQ(dialog.calls.front(), "onInitDialog");
-    EXPECT_EQ(dialog.calls.back(), "onDestroy");
+  void onCommand(int id, HWND, int code) override { Note("onCommand", id, code); }
+  LRESULT onNotify(WPARAM wParam, LPARAM lParam) override {
+    Note("onNotify", wParam);
+    return Dialog::onNotify(wParam, lParam);
   }
+  void onLeftButton(bool twice, int x, int y, WPARAM keys) override { Note("onLeftButton", twice, x, y, keys); }
+  void onPaint() override { Note("onPaint"); }
+  void onTimer(WPARAM id) override { Note("onTimer", id); }
+  void onSize(int width, int height) override { Note("onSize", width, height); }
+  INT_PTR onDialogMessage(UINT message, WPARAM, LPARAM) override {
+    if (message == WM_MOUSEWHEEL) Note("onDialogMessage", message);
+    return 0;
+  }
+  void onDialogCommand(int id, HWND, int code) override { Note("onDialogCommand", id, code); }
+  void onDialogNotify(WPARAM wParam, LPARAM) override { Note("onDialogNotify", wParam); }
+
+  // Does something in the open dialog and gives the calls that it led to.
+  std::string During(const PlayedUser::Step& act) {
+    PlayedUser person;
+    std::string during;
+    person.steps = {[&](HWND window) {
+      calls.clear();
+      act(window);
+      during = calls;
+      EndDialog(window, 1);
+    }};
+    run(nullptr);
+    return during;
+  }
+
+  using Dialog::wheelTarget;
+
+ private:
+  template <typename... Values>
+  void Note(const std::string& call, Values... values) {
+    calls += call;
+    ((calls += ' ' + std::to_string(values)), ...);
+    calls += '\n';
+  }
+
+  std::string calls;
+};
+
+std::string CallsFor(UINT message, WPARAM wParam, LPARAM lParam) {
+  return ProbeDialog().During([=](HWND window) { SendMessageA(window, message, wParam, lParam); });
 }
 
 TEST(Dialog, RoutesAMessageThroughBothStages) {
-  EXPECT_EQ(CallsFor(WM_COMMAND, 0x0200'000D, 0), (Noted{"onCommand 13 512", "onDialogCommand 13 512"}));
-  EXPECT_EQ(CallsFor(WM_NOTIFY, 5, 0), (Noted{"onNotify 5", "onDialogNotify 5"}));
-  EXPECT_EQ(CallsFor(WM_TIMER, 77, 0), (Noted{"onTimer 77"}));
-  EXPECT_EQ(CallsFor(WM_SIZE, 0, static_cast<LPARAM>(0xFFFF'8001u)), (Noted{"onSize 32769 65535"}));
-  EXPECT_EQ(CallsFor(WM_LBUTTONDOWN, 3, 0x0007'FFFE), (Noted{"onLeftButton 0 -2 7 3"}));
-  EXPECT_EQ(CallsFor(WM_LBUTTONDBLCLK, 0, static_cast<LPARAM>(0xFFF9'0002u)), (Noted{"onLeftButton 1 2 -7 0"}));
+  EXPECT_EQ(CallsFor(WM_COMMAND, 0x0200'000D, 0), "onCommand 13 512\nonDialogCommand 13 512\n");
+  EXPECT_EQ(CallsFor(WM_NOTIFY, 5, 0), "onNotify 5\nonDialogNotify 5\n");
+  EXPECT_EQ(CallsFor(WM_PAINT, 0, 0), "onPaint\n");
+  EXPECT_EQ(CallsFor(WM_TIMER, 77, 0), "onTimer 77\n");
+  EXPECT_EQ(CallsFor(WM_SIZE, 0, static_cast<LPARAM>(0xFFFF'8001u)), "onSize 32769 65535\n");
+  EXPECT_EQ(CallsFor(WM_LBUTTONDOWN, 3, 0x0007'FFFE), "onLeftButton 0 -2 7 3\n");
+  EXPECT_EQ(CallsFor(WM_LBUTTONDBLCLK, 0, static_cast<LPARAM>(0xFFF9'0002u)), "onLeftButton 1 2 -7 0\n");
 }
 
 TEST(Dialog, WheelGoesToItsTargetAsLongAsThatLives) {
-  struct Target final : Window {
-    using Window::Window;
-    LRESULT handleMessage(UINT message, WPARAM wParam, LPARAM lParam) override {
-      if (message == WM_MOUSEWHEEL) seen.push_back(wParam);
-      return Window::handleMessage(message, wParam, lParam);
-    }
-    std::vector<WPARAM> seen;
-  };
   ProbeDialog dialog;
-  const Noted itsOwn{"onDialogMessage 522"};
-  const auto callsForWheel = [&] {
-    dialog.calls.clear();
-    SendMessageA(dialog.Handle(), WM_MOUSEWHEEL, 0x0078'0000, 0);
-    return dialog.calls;
-  };
-  Within(dialog, [&](HWND window) {
-    EXPECT_EQ(callsForWheel(), itsOwn);
-    dialog.wheelTarget = GetDlgItem(window, IDC_EDIT);
+  const std::string calls = dialog.During([&](HWND window) {
+    const auto turn = [window] { SendMessageA(window, WM_MOUSEWHEEL, 0x0078'0000, 0); };
+    turn();
+    dialog.wheelTarget = GetDlgItem(window, IDC_COMPUTER_NAME);
     {
-      const Target target(dialog.wheelTarget);
-      EXPECT_EQ(callsForWheel(), Noted{});
-      EXPECT_EQ(target.seen, (std::vector<WPARAM>{0x0078'0000}));
+      const Window target(dialog.wheelTarget);
+      turn();
     }
     EXPECT_FALSE(IsWindow(dialog.wheelTarget)) << "a Window object takes its window with it";
-    EXPECT_EQ(callsForWheel(), itsOwn);
+    turn();
   });
-}
-
-TEST(Dialog, ReadsAndWritesItsControls) {
-  ProbeDialog dialog;
-  const std::string longText(70000, 'x');
-  Within(dialog, [&](HWND window) {
-    EXPECT_EQ(dialog.getItemText(IDC_EDIT), "");
-    dialog.setItemText(IDC_EDIT, longText);
-    EXPECT_EQ(dialog.getItemText(IDC_EDIT), longText);
-    for (const WPARAM state : {0u, 1u, 2u}) {
-      SendDlgItemMessageA(window, IDC_THREE_STATES, BM_SETCHECK, state, 0);
-      EXPECT_EQ(dialog.isChecked(IDC_THREE_STATES), state != 0);
-    }
-  });
+  EXPECT_EQ(calls, "onDialogMessage 522\nonDialogMessage 522\n");
 }
 
 TEST(Dialog, ThatCannotBeShownSaysSo) {
-  const struct {
-    std::uint32_t id;
-    INT_PTR result;
-    Noted told;
-  } cases[] = {
-      {0, 2, {}},
-      {IDD_NO_TEMPLATE, -1, {"Internal error: Dialog 299 failed: err=0x716"}},
-      {IDD_IN_RESOURCE_LIBRARY,
-       -1,
-       {"Error: Failed to load Res.dll\nPlease re-install the software",
-        "Internal error: Dialog 5001 failed: err=0x716"}},
-  };
-  for (const auto& row : cases) {
-    PlayedUser person;
-    headless::Screen().foreignWindows[hostId] = {0, 0, 100, 100};
-    EXPECT_EQ(Dialog(row.id).run(hostWindow), row.result);
-    Noted told;
-    for (const auto& box : person.boxes) {
-      told.push_back(box.caption + ": " + box.text);
-      EXPECT_EQ(box.type, MB_ICONERROR);
-      EXPECT_EQ(box.foreignOwner, box.caption == "Internal error" ? hostId : 0);
-    }
-    EXPECT_EQ(told, row.told);
+  constexpr std::uintptr_t hostId = 0x4400001;
+  PlayedUser person;
+  person.foreignWindows[hostId] = {0, 0, 100, 100};
+  const auto run = [](std::uint32_t id) { return Dialog(id).run(reinterpret_cast<HWND>(hostId)); };
+  EXPECT_EQ(run(0), 2);
+  EXPECT_EQ(run(299), -1);
+  EXPECT_EQ(run(5001), -1) << "in the resource library, which there is not";
+  std::string told;
+  for (const auto& box : person.boxes) {
+    told += box.caption + ": " + box.text + '\n';
+    EXPECT_EQ(box.type, MB_ICONERROR);
+    EXPECT_EQ(box.foreignOwner, box.caption == "Internal error" ? hostId : 0);
   }
+  EXPECT_EQ(told,
+            "Internal error: Dialog 299 failed: err=0x716\n"
+            "Error: Failed to load Res.dll\nPlease re-install the software\n"
+            "Internal error: Dialog 5001 failed: err=0x716\n");
+}
+
+WNDPROC ProcOf(HWND window) {
+  return reinterpret_cast<WNDPROC>(GetWindowLongPtrA(window, GWLP_WNDPROC));
+}
+void SetProc(HWND window, WNDPROC procedure) {
+  SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure));
+}
+
+// Shared procedures that hand every message on to the one before, and their subclassers.
+template <int number>
+LRESULT CALLBACK PassOn(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+template <int number>
+InstanceSubclasser subclasser{&PassOn<number>};
+template <int number>
+LRESULT CALLBACK PassOn(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  return subclasser<number>.callPrevious(window, message, wParam, lParam);
+}
+InstanceSubclasser& first = subclasser<1>;
+InstanceSubclasser& second = subclasser<2>;
+
+LRESULT CALLBACK ForeignProc(HWND, UINT, WPARAM, LPARAM) {
+  return 0;
+}
+
+void OnAnEdit(const PlayedUser::Step& test) {
+  ProbeDialog().During([&](HWND window) { test(GetDlgItem(window, IDC_COMPUTER_NAME)); });
+}
+
+TEST(InstanceSubclasser, MakesOneRecordForAWindow) {
+  OnAnEdit([](HWND edit) {
+    const WNDPROC original = ProcOf(edit);
+    Window one;
+    Window other;
+    EXPECT_FALSE(first.unsubclass(edit));
+    EXPECT_TRUE(first.subclass(edit, &one));
+    EXPECT_FALSE(first.subclass(edit, &other)) << "the record that is there gets the new object";
+    EXPECT_EQ(first.find(edit)->object, &other);
+    EXPECT_TRUE(first.unsubclass(edit));
+    EXPECT_EQ(ProcOf(edit), original);
+    SetProc(edit, &PassOn<1>);
+    EXPECT_FALSE(first.subclass(edit, &one)) << "the procedure without a record";
+    SetProc(edit, original);
+  });
+}
+
+TEST(InstanceSubclasser, LetsTheFirstOfTwoLeaveUnlessAForeignProcedureStandsBetween) {
+  for (const bool foreign : {false, true}) {
+    OnAnEdit([foreign](HWND edit) {
+      const WNDPROC original = ProcOf(edit);
+      first.subclass(edit, nullptr);
+      if (foreign) SetProc(edit, &ForeignProc);
+      second.subclass(edit, nullptr);
+      EXPECT_EQ(first.unsubclass(edit), !foreign);
+      EXPECT_EQ(first.find(edit) != nullptr, foreign);
+      EXPECT_EQ(ProcOf(edit), &PassOn<2>) << "the window's procedure stays that of the record in front";
+      SetWindowTextA(edit, "through both");
+      EXPECT_EQ(SendMessageA(edit, WM_GETTEXTLENGTH, 0, 0), foreign ? 0 : 12);
+      EXPECT_TRUE(second.unsubclass(edit));
+      EXPECT_EQ(ProcOf(edit), foreign ? &ForeignProc : original);
+      first.unsubclass(edit);
+    });
+  }
+}
+
+TEST(InstanceSubclasser, EndsItsSearchInAChainThatIsARing) {
+  OnAnEdit([](HWND edit) {
+    SubclassRecord ring{&ForeignProc, nullptr, nullptr, &ring};
+    SetWindowLongPtrA(edit, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&ring));
+    EXPECT_EQ(first.find(edit), nullptr);
+    SetWindowLongPtrA(edit, GWLP_USERDATA, 0);
+  });
+}
+
+TEST(InstanceSubclasserDeathTest, EndsTheProcessOverAWindowWithoutObject) {
+  EXPECT_EXIT(OnAnEdit([](HWND edit) { Window::wndProc(edit, WM_PAINT, 0, 0); }), ::testing::ExitedWithCode(1),
+              "Window not found in Window::wndProc\n");
 }
 
 }  // namespace

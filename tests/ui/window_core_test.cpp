@@ -1,277 +1,257 @@
-// The window core on the headless display: message orders, keys, focus, controls, handles.
+// The window core on the headless display: message orders, keys, focus, controls, handles, damaged templates.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <new>
 #include <thread>
 
-#include "probes.h"
+#include "platform/linux/windowing/dialog_manager.h"
+#include "platform/linux/windowing/dialog_template.h"
+#include "platform/linux/windowing/window_tree.h"
+#include "resources/resource_ids.h"
+#include "support/played_user.h"
 
 namespace nvsupport {
 namespace {
 
-using headless::Key;
+using windowing::CoreEvents;
 
 HWND Item(HWND dialog, int id) {
   return GetDlgItem(dialog, id);
 }
 
-void FocusItem(HWND dialog, int id) {
-  SendMessageA(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(dialog, id)), 1);
+constexpr WPARAM Note(int id, WPARAM code) {
+  return code << 16 | static_cast<WPARAM>(id);
 }
 
 // No exception of a handler reaches the display.
-const PlayedUser::Step closeBox = [](HWND dialog) { EXPECT_NO_THROW(headless::CloseBox(dialog)); };
+const PlayedUser::Step closeBox = [](HWND dialog) { EXPECT_NO_THROW(CoreEvents().OnCloseBox(dialog)); };
 const PlayedUser::Step end = [](HWND dialog) { EndDialog(dialog, 1); };
 
-TEST(WindowCore, SendsADialogItsMessagesInTheirOrder) {
+// Dialogs whose one procedure notes what it gets and then does what a test wants.
+class WindowCore : public ::testing::Test {
+ protected:
+  using Messages = std::vector<std::pair<UINT, WPARAM>>;  // with the parameter of commands
+  using Reaction = std::function<void(HWND, UINT, WPARAM, LPARAM)>;
+
+  WindowCore() {
+    seen.clear();
+    react = EndOnButton;
+  }
+
+  static INT_PTR Run(HWND owner = nullptr, WORD id = IDD_CREATE_ACCOUNT) {
+    return DialogBoxParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(id), owner, Procedure, 0);
+  }
+  void Within(const PlayedUser::Step& act) {
+    person.steps = {act, end};
+    EXPECT_EQ(Run(), 1);
+  }
+
+  static void EndOnButton(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
+    if (message == WM_COMMAND && HIWORD(wParam) == 0) EndDialog(dialog, LOWORD(wParam));
+  }
+
+  static INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    seen.emplace_back(message, message == WM_COMMAND ? wParam : 0);
+    react(dialog, message, wParam, lParam);
+    return message == WM_INITDIALOG;
+  }
+
+  static inline Messages seen;
+  static inline Reaction react;
   PlayedUser person;
-  CoreProbe probe([](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) -> INT_PTR {
-    EXPECT_TRUE(IsWindow(dialog));
+};
+
+TEST_F(WindowCore, SendsADialogItsMessagesInTheirOrder) {
+  HWND closed = nullptr;
+  react = [&](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_INITDIALOG) {
-      EXPECT_EQ(GetWindowLongPtrA(dialog, GWLP_USERDATA), 0);
-      EXPECT_EQ(reinterpret_cast<HWND>(wParam), Item(dialog, IDC_EDIT));
-      SetWindowTextA(Item(dialog, IDC_EDIT), "x");
-      return TRUE;
+      EXPECT_EQ(reinterpret_cast<HWND>(wParam), Item(dialog, IDC_USER_ID));
+      SetWindowTextA(Item(dialog, IDC_USER_ID), "x");
     }
-    if (message == WM_COMMAND && wParam == IDCANCEL) {
-      EXPECT_EQ(reinterpret_cast<HWND>(lParam), Item(dialog, IDCANCEL));
-      EndDialog(dialog, 5);
-      EndDialog(dialog, 6);
-    }
-    return FALSE;
-  });
-  person.steps = {PlayedUser::Clicks(IDC_BUTTON), PlayedUser::Types(IDC_EDIT, "typed"),
-                  [](HWND dialog) {
-                    headless::Drag(dialog, {1, 1});
-                    headless::Wheel(Item(dialog, IDC_EDIT), -120);
+    if (message != WM_COMMAND || wParam != IDCANCEL) return;
+    EXPECT_EQ(reinterpret_cast<HWND>(lParam), Item(dialog, IDCANCEL));
+    EndDialog(closed = dialog, 5);
+    EndDialog(dialog, 6);
+  };
+  person.steps = {PlayedUser::Clicks(IDC_HELP_PAGE), PlayedUser::Types(IDC_USER_ID, "typed"),
+                  [&](HWND dialog) {
+                    person.Drag(dialog, {1, 1});
+                    CoreEvents().OnWheel(Item(dialog, IDC_USER_ID), -120, {});
                     MessageBoxA(dialog, "takes the focus meanwhile", nullptr, MB_OK);
                   },
                   closeBox};
-  EXPECT_EQ(probe.Run(IDD_PROBE), 5);
-  const Noted opening = {"SETFONT", "INITDIALOG", "COMMAND 10 400", "COMMAND 10 300", "COMMAND 10 100"};
-  const Noted clickAndTyping = {"COMMAND 10 200", "COMMAND 16 0", "COMMAND 10 100", "COMMAND 10 400", "COMMAND 10 300"};
-  const Noted dragAndWheel = {"MOVING", "MOVE", "MOUSEWHEEL"};
-  const Noted messageBox = {"COMMAND 10 200", "COMMAND 10 100"};
-  const Noted ending = {"CLOSE", "COMMAND 2 0", "COMMAND 10 200", "DESTROY", "NCDESTROY"};
-  Noted expected;
-  for (const Noted& part : {opening, clickAndTyping, dragAndWheel, messageBox, ending}) {
-    expected.insert(expected.end(), part.begin(), part.end());
-  }
-  EXPECT_EQ(probe.seen, expected);
-  EXPECT_FALSE(IsWindow(probe.dialog));
+  EXPECT_EQ(Run(), 5);
+  EXPECT_FALSE(IsWindow(closed));
+  const Messages parts[] = {
+      // Opening, with the first text and the focus.
+      {{WM_SETFONT, 0},
+       {WM_INITDIALOG, 0},
+       {WM_COMMAND, Note(IDC_USER_ID, 0x400)},
+       {WM_COMMAND, Note(IDC_USER_ID, 0x300)}},
+      {{WM_COMMAND, Note(IDC_USER_ID, 0x100)}},
+      // Click and typing.
+      {{WM_COMMAND, Note(IDC_USER_ID, 0x200)}, {WM_COMMAND, IDC_HELP_PAGE}, {WM_COMMAND, Note(IDC_USER_ID, 0x100)}},
+      {{WM_COMMAND, Note(IDC_USER_ID, 0x400)}, {WM_COMMAND, Note(IDC_USER_ID, 0x300)}},
+      {{WM_MOVING, 0}, {WM_MOVE, 0}, {WM_MOUSEWHEEL, 0}},
+      // The message box.
+      {{WM_COMMAND, Note(IDC_USER_ID, 0x200)}, {WM_COMMAND, Note(IDC_USER_ID, 0x100)}},
+      {{WM_CLOSE, 0},
+       {WM_COMMAND, IDCANCEL},
+       {WM_COMMAND, Note(IDC_USER_ID, 0x200)},
+       {WM_DESTROY, 0},
+       {WM_NCDESTROY, 0}},
+  };
+  Messages expected;
+  for (const Messages& part : parts) expected.insert(expected.end(), part.begin(), part.end());
+  EXPECT_EQ(seen, expected);
 }
 
-TEST(WindowCore, MeasuresInPixelsOfTheDialogFont) {
-  CoreProbe probe;
-  Within(probe, [](HWND dialog) {
-    SetWindowPos(dialog, nullptr, 30, 40, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
-    RECT edit{};
-    GetWindowRect(Item(dialog, IDC_EDIT), &edit);
-    EXPECT_EQ(edit.left, 30 + 4 + 35);
-    EXPECT_EQ(edit.bottom, 40 + 22 + 23);
-    POINT inDialog{edit.left, edit.bottom};
-    MapWindowPoints(nullptr, dialog, &inDialog, 1);
-    EXPECT_EQ(inDialog.x, 35);
-    EXPECT_EQ(inDialog.y, 23);
-  });
-}
-
-TEST(WindowCore, ChoosesTheButtonForAKeyByTheFocus) {
+TEST_F(WindowCore, ChangesACheckBoxBeforeItTellsTheDialog) {
   const struct {
-    int focus;
-    Key key;
-    int command;
-  } cases[] = {{IDC_EDIT, Key::enter, IDOK},
-               {IDC_TWO_STATES, Key::enter, IDOK},
-               {IDC_BUTTON, Key::enter, IDC_BUTTON},
-               {IDC_BUTTON, Key::space, IDC_BUTTON},
-               {IDC_BUTTON, Key::escape, IDCANCEL}};
+    const char* what;
+    LONG_PTR style;
+    std::vector<LRESULT> clicked;  // states after each click
+    int largest;
+  } cases[] = {{"two states", windowing::styleAutoCheckBox, {1, 0, 1}, 1},
+               {"three states", windowing::styleAutoThreeState, {1, 2, 0}, 2},
+               {"by hand", windowing::styleCheckBox, {0, 0, 0}, 1},
+               {"push button", windowing::stylePushButton, {0, 0, 0}, 0}};
   for (const auto& row : cases) {
-    PlayedUser person;
-    person.steps = {[&](HWND dialog) {
-      FocusItem(dialog, row.focus);
-      headless::Press(dialog, row.key);
-    }};
-    CoreProbe probe([](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-      if (message == WM_COMMAND) {
-        EXPECT_EQ(reinterpret_cast<HWND>(lParam), Item(dialog, LOWORD(wParam)));
-      }
-      return EndOnButton(dialog, message, wParam, lParam);
+    std::vector<LRESULT> states;
+    react = [&](HWND, UINT message, WPARAM wParam, LPARAM lParam) {
+      if (message != WM_COMMAND || wParam != IDC_KEEP_INFORMED) return;
+      states.push_back(SendMessageA(reinterpret_cast<HWND>(lParam), BM_GETCHECK, 0, 0));
+    };
+    Within([&](HWND dialog) {
+      const HWND box = Item(dialog, IDC_KEEP_INFORMED);
+      SetWindowLongPtrA(box, GWL_STYLE, row.style);
+      for (int i = 0; i < 3; ++i) PlayedUser::Clicks(IDC_KEEP_INFORMED)(dialog);
+      EXPECT_EQ(states, row.clicked) << row.what;
+      SendMessageA(box, BM_SETCHECK, 7, 0);
+      EXPECT_EQ(SendMessageA(box, BM_GETCHECK, 0, 0), row.largest) << row.what;
+      EXPECT_EQ(person.checkStates[box], row.largest) << row.what;
     });
-    EXPECT_EQ(probe.Run(IDD_PROBE), row.command);
   }
 }
 
-TEST(WindowCore, MovesTheFocusInTemplateOrderPastWhatCannotTakeIt) {
-  CoreProbe probe(EndOnButton);
-  std::vector<int> visited;
-  Within(probe, [&](HWND dialog) {
-    for (int presses = 0; presses < 9; ++presses) {
-      for (const int id : {10, 11, 12, 13, 14, 15, 1, 2, 16, 17}) {
-        if (Item(dialog, id) == headless::FocusedControl(dialog)) visited.push_back(id);
-      }
-      headless::Press(dialog, Key::tab);
-    }
-    SendMessageA(dialog, WM_NEXTDLGCTL, 1, 0);
-    EXPECT_EQ(headless::FocusedControl(dialog), Item(dialog, IDC_EDIT));
-    EXPECT_EQ(headless::Record().selectedWhole, Item(dialog, IDC_EDIT));
-  });
-  EXPECT_EQ(visited, (std::vector<int>{10, 11, 12, 13, 14, 1, 2, 16, 10}));
-}
-
-TEST(WindowCore, ChangesACheckBoxBeforeItTellsTheDialog) {
-  std::vector<LRESULT> states;
-  CoreProbe probe([&](HWND, UINT message, WPARAM, LPARAM lParam) -> INT_PTR {
-    if (message == WM_COMMAND) states.push_back(SendMessageA(reinterpret_cast<HWND>(lParam), BM_GETCHECK, 0, 0));
-    return FALSE;
-  });
-  Within(probe, [&](HWND dialog) {
-    for (const int id : {IDC_TWO_STATES, IDC_THREE_STATES, IDC_MANUAL_BOX}) {
-      headless::Click(Item(dialog, id));
-      headless::Press(dialog, Key::space);
-      SendDlgItemMessageA(dialog, id, BM_CLICK, 0, 0);
-    }
-    headless::Click(Item(dialog, IDC_DISABLED));
-    EXPECT_EQ(states, (std::vector<LRESULT>{1, 0, 1, 1, 2, 0, 0, 0, 0}));
-    for (const auto& [id, largest] : {std::pair{IDC_TWO_STATES, 1}, {IDC_THREE_STATES, 2}, {IDOK, 0}}) {
-      SendDlgItemMessageA(dialog, id, BM_SETCHECK, 7, 0);
-      EXPECT_EQ(SendDlgItemMessageA(dialog, id, BM_GETCHECK, 0, 0), largest);
-      EXPECT_EQ(headless::CheckStateShown(Item(dialog, id)), largest);
-    }
-  });
-}
-
-TEST(WindowCore, KeepsTextsInStepWithTheDisplay) {
-  CoreProbe probe;
-  Within(probe, [](HWND dialog) {
+TEST_F(WindowCore, KeepsTextsInStepWithTheDisplay) {
+  Within([&](HWND dialog) {
     const std::string typed = "Gr\xC3\xBC\xC3\x9F";
-    headless::Type(Item(dialog, IDC_SECRET), typed);
+    PlayedUser::Types(IDC_USER_ID, typed)(dialog);
     char text[7] = "######";
-    EXPECT_EQ(SendDlgItemMessageA(dialog, IDC_SECRET, WM_GETTEXTLENGTH, 0, 0), 6);
-    EXPECT_EQ(GetDlgItemTextA(dialog, IDC_SECRET, text, 7), 6u);
+    EXPECT_EQ(GetDlgItemTextA(dialog, IDC_USER_ID, text, 7), 6u);
     EXPECT_EQ(text, typed);
     EXPECT_EQ(GetDlgItemTextA(dialog, IDOK, text, 2), 1u);
     EXPECT_STREQ(text, "O");
     EXPECT_EQ(GetDlgItemTextA(dialog, 999, text, 7), 0u);
     EXPECT_STREQ(text, "");
     SetWindowTextA(dialog, "caf\xE9");  // not valid in the code page
-    EXPECT_EQ(headless::ViewOf(dialog)->title, "caf\xC3\xA9");
-    EXPECT_EQ(headless::ViewOf(dialog)->controls[3].text, "&Two \xE2\x82\xAC");
+    EXPECT_EQ(PlayedUser::ViewOf(dialog)->title, "caf\xC3\xA9");
   });
 }
 
-TEST(WindowCore, OpensADialogInsideADialog) {
-  PlayedUser person;
-  CoreProbe outer(EndOnButton);
-  CoreProbe inner([&](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_INITDIALOG) {
-      EXPECT_EQ(GetParent(dialog), outer.dialog);
-      EXPECT_EQ(GetWindow(dialog, GW_OWNER), outer.dialog);
-      EXPECT_EQ(headless::ViewOf(dialog)->owner, outer.dialog);
-      EXPECT_FALSE(headless::IsEnabledOnDisplay(outer.dialog));
+TEST_F(WindowCore, OpensADialogInsideADialogWhichGoesWithIt) {
+  HWND outer = nullptr;
+  react = [&](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (dialog != outer && message == WM_INITDIALOG) {
+      EXPECT_EQ(GetParent(dialog), outer);
+      EXPECT_EQ(PlayedUser::ViewOf(dialog)->owner, outer);
+      EXPECT_FALSE(person.enabled[outer]);
     }
-    if (message == WM_DESTROY) {
-      EXPECT_TRUE(headless::IsEnabledOnDisplay(outer.dialog));
-    }
-    return EndOnButton(dialog, message, wParam, lParam);
-  });
+    if (dialog != outer && message == WM_DESTROY) EXPECT_TRUE(person.enabled[outer]);
+    EndOnButton(dialog, message, wParam, lParam);
+  };
   person.steps = {[&](HWND dialog) {
-                    EXPECT_EQ(inner.Run(IDD_PROBE, Item(dialog, IDC_EDIT)), IDOK);
-                    EndDialog(dialog, 7);
+                    outer = dialog;
+                    EXPECT_EQ(Run(Item(dialog, IDC_USER_ID)), IDOK);
+                    const Messages::value_type focused(WM_COMMAND, Note(IDC_USER_ID, 0x100));
+                    EXPECT_EQ(std::count(seen.begin(), seen.end(), focused), 3) << "opened, opened, and came back";
+                    react = EndOnButton;
+                    EXPECT_EQ(Run(dialog), 0);
                   },
                   [&](HWND dialog) {
-                    headless::Click(Item(outer.dialog, IDOK));  // does not reach a disabled dialog
-                    headless::CloseBox(outer.dialog);
-                    headless::Press(dialog, Key::enter);
-                  }};
-  EXPECT_EQ(outer.Run(IDD_PROBE), 7);
-  EXPECT_EQ(outer.seen, (Noted{"SETFONT", "INITDIALOG", "COMMAND 10 100", "COMMAND 10 200", "COMMAND 10 100",
-                               "COMMAND 10 200", "DESTROY", "NCDESTROY"}));
+                    PlayedUser::Clicks(IDOK)(outer);  // does not reach a disabled dialog
+                    closeBox(outer);
+                    CoreEvents().OnEnter(dialog);
+                  },
+                  [&](HWND) { DestroyWindow(outer); }};
+  EXPECT_EQ(Run(), 0);
 }
 
-TEST(WindowCore, LeavesNothingOfADialogWhoseHandlerDestroysItOrThrows) {
+TEST_F(WindowCore, LeavesNothingOfADialogWhoseHandlerDestroysItOrThrows) {
   const struct {
+    const char* what;
     UINT trigger;
-    PlayedUser::Step act;
     INT_PTR result;  // when the handler destroys the dialog
   } cases[] = {
-      {WM_SETFONT, {}, 0},     {WM_INITDIALOG, {}, 0}, {WM_COMMAND, {}, 0},
-      {WM_CLOSE, closeBox, 0}, {WM_DESTROY, end, 1},   {WM_NCDESTROY, end, 1},
+      {"SETFONT", WM_SETFONT, 0}, {"INITDIALOG", WM_INITDIALOG, 0}, {"COMMAND", WM_COMMAND, 0},
+      {"CLOSE", WM_CLOSE, 0},     {"DESTROY", WM_DESTROY, 2},       {"NCDESTROY", WM_NCDESTROY, 2},
   };
   for (const auto& row : cases) {
     for (const bool throws : {false, true}) {
-      SCOPED_TRACE(row.trigger);
-      PlayedUser person;
-      CoreProbe outer(EndOnButton);
-      CoreProbe inner([&](HWND dialog, UINT message, WPARAM, LPARAM) -> INT_PTR {
+      SCOPED_TRACE(row.what);
+      HWND window = nullptr;
+      react = [&](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+        window = dialog;
         if (message == row.trigger && throws) throw std::bad_alloc();
         if (message == row.trigger) DestroyWindow(dialog);
-        return TRUE;
-      });
-      person.steps.push_back([&](HWND dialog) {
-        const auto run = [&] { EXPECT_EQ(inner.Run(IDD_PROBE, dialog), row.result); };
-        if (throws) {
-          EXPECT_THROW(run(), std::bad_alloc);
-        } else {
-          run();
-        }
-      });
-      if (row.act) person.steps.push_back(row.act);
-      person.steps.push_back(closeBox);
-      EXPECT_EQ(outer.Run(IDD_PROBE), IDCANCEL);
-      EXPECT_FALSE(IsWindow(inner.dialog));
-      EXPECT_EQ(headless::ViewOf(inner.dialog), nullptr);
+        EndOnButton(dialog, message, wParam, lParam);
+      };
+      person.steps = {closeBox};
+      if (throws) {
+        EXPECT_THROW(Run(), std::bad_alloc);
+      } else {
+        EXPECT_EQ(Run(), row.result);
+      }
+      person.steps.clear();  // for it may not have come to that
+      EXPECT_FALSE(IsWindow(window));
+      EXPECT_EQ(PlayedUser::ViewOf(window), nullptr);
     }
   }
 }
 
-TEST(WindowCore, TakesAnInnerDialogDownWithItsOwner) {
-  PlayedUser person;
-  CoreProbe inner;
-  CoreProbe outer;
-  person.steps = {[&](HWND dialog) { EXPECT_EQ(inner.Run(IDD_PLAIN, dialog), 0); },
-                  [&](HWND) { DestroyWindow(outer.dialog); }};
-  EXPECT_EQ(outer.Run(IDD_PROBE), 0);
-  EXPECT_EQ(inner.seen, (Noted{"INITDIALOG", "DESTROY", "NCDESTROY"}));
-}
-
-TEST(WindowCore, AnswersStaleAndUnknownHandlesWithNothing) {
+TEST_F(WindowCore, AnswersStaleAndUnknownHandlesWithNothing) {
   std::vector<HWND> handles = {nullptr, reinterpret_cast<HWND>(0x1234), reinterpret_cast<HWND>(~std::uintptr_t{0})};
-  CoreProbe probe;
-  Within(probe, [&](HWND dialog) {
-    handles.insert(handles.end(), {dialog, Item(dialog, IDC_EDIT), Item(dialog, IDOK)});
-  });
-  const PlayedUser person;
+  Within([&](HWND dialog) { handles.insert(handles.end(), {dialog, Item(dialog, IDC_USER_ID), Item(dialog, IDOK)}); });
   for (const HWND handle : handles) {
     RECT rectangle{};
-    char text[10];
-    EXPECT_FALSE(IsWindow(handle) || DestroyWindow(handle) || EndDialog(handle, 1));
-    EXPECT_FALSE(GetWindowRect(handle, &rectangle) || SetWindowPos(handle, nullptr, 1, 1, 0, 0, SWP_NOSIZE));
-    EXPECT_FALSE(SetWindowTextA(handle, "x") || GetWindowTextA(handle, text, sizeof text));
-    EXPECT_FALSE(GetParent(handle) || Item(handle, IDOK) || SendMessageA(handle, WM_CLOSE, 0, 0));
-    EXPECT_FALSE(SetWindowLongPtrA(handle, GWLP_USERDATA, 1) || GetWindowLongPtrA(handle, GWLP_USERDATA));
-    headless::Click(handle);
-    headless::Type(handle, "x");
-    headless::Drag(handle, {1, 1});
-    headless::Wheel(handle, 120);
+    EXPECT_FALSE(IsWindow(handle));
+    EXPECT_FALSE(GetWindowRect(handle, &rectangle));
+    EXPECT_FALSE(SetWindowTextA(handle, "x"));
+    EXPECT_FALSE(GetParent(handle));
+    CoreEvents().OnTextEdited(handle, "x");
+    CoreEvents().OnWheel(handle, 120, {});
   }
 }
 
-TEST(WindowCore, FailsWhereThereIsNothingToShow) {
+TEST(WindowCoreWithoutAUser, FailsWhereThereIsNothingToShow) {
+  const auto run = [](HINSTANCE module, LPCSTR name) { return DialogBoxParamA(module, name, nullptr, nullptr, 0); };
   testing::internal::CaptureStderr();
   {
     PlayedUser person;
-    EXPECT_EQ(DialogBoxParamA(nullptr, MAKEINTRESOURCEA(IDD_PROBE), nullptr, EndOnButton, 0), -1);
-    EXPECT_EQ(DialogBoxParamA(GetModuleHandleA(nullptr), "by name", nullptr, EndOnButton, 0), -1);
-    EXPECT_EQ(CoreProbe().Run(IDD_UNKNOWN_CONTROL), -1);
+    EXPECT_EQ(run(nullptr, MAKEINTRESOURCEA(IDD_CREATE_ACCOUNT)), -1);
+    EXPECT_EQ(run(GetModuleHandleA(nullptr), "by name"), -1);
     // A display serves the thread that opened it.
     std::thread([] { EXPECT_EQ(MessageBoxA(nullptr, "from a worker", "thread", MB_OK), 0); }).join();
     EXPECT_TRUE(person.boxes.empty());
   }
-  EXPECT_EQ(CoreProbe().Run(IDD_PROBE), -1);
+  EXPECT_EQ(run(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDD_CREATE_ACCOUNT)), -1);
   EXPECT_NE(GetLastError(), 0u);
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "thread: from a worker\nNo display for the dialog \"Probe\": nobody plays the user\n");
+            "thread: from a worker\nNo display for the dialog \"Create an Online Account\": nobody plays the user\n");
+}
+
+TEST(DialogTemplates, AreRefusedWhenTruncatedAnywhere) {
+  const windowing::Bytes whole =
+      windowing::FindDialogTemplate(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(IDD_CREATE_ACCOUNT));
+  ASSERT_TRUE(windowing::ParseDialogTemplate(whole));
+  for (std::size_t size = 0; size < whole.size(); ++size) {
+    // A copy of exactly that size, so that a read behind its end is seen.
+    const std::vector<unsigned char> front(&whole[0], &whole[size]);
+    EXPECT_FALSE(windowing::ParseDialogTemplate(front)) << size;
+    EXPECT_TRUE(windowing::FindDialogTemplateIn(front, IDD_CREATE_ACCOUNT).empty()) << "what is no script, of " << size;
+  }
 }
 
 }  // namespace

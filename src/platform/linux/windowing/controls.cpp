@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <vector>
 
 #include "../multibyte.h"
 #include "display_selection.h"
@@ -160,14 +159,10 @@ void ForgetFocus(HWND window) {
   if (dialog != nullptr && dialog->dialog->focus == window) dialog->dialog->focus = nullptr;
 }
 
-HWND NextTabStop(HWND dialog, HWND from, bool backwards) {
+HWND FirstTabStop(HWND dialog) {
   const Window* window = FindDialog(dialog);
   if (window == nullptr) return nullptr;
-  std::vector<HWND> order = window->dialog->controls;
-  if (backwards) std::reverse(order.begin(), order.end());
-  const auto at = std::find(order.begin(), order.end(), from);
-  if (at != order.end()) std::rotate(order.begin(), at + 1, order.end());
-  for (const HWND control : order) {
+  for (const HWND control : window->dialog->controls) {
     const Window* candidate = Find(control);
     if (candidate != nullptr && candidate->enabled && (candidate->style & styleTabStop) != 0) return control;
   }

@@ -30,9 +30,8 @@ void FocusControl(HWND control, bool selectAll);
 // A window goes: nothing is told to it any more.
 void ForgetFocus(HWND window);
 
-// The enabled control with a tab stop that follows `from` in tab order, or precedes it; null without one. From null:
-// the first, or the last.
-HWND NextTabStop(HWND dialog, HWND from, bool backwards);
+// The first enabled control with a tab stop, in tab order; null without one.
+HWND FirstTabStop(HWND dialog);
 
 }  // namespace windowing
 

@@ -11,13 +11,8 @@ namespace {
 
 constexpr WPARAM leftButtonDown = 1;
 
-// wParam is a control if lParam says so, else whether to go backwards in the tab order.
-void MoveFocus(HWND dialog, WPARAM wParam, LPARAM lParam) {
-  const Window* window = FindDialog(dialog);
-  if (window == nullptr) return;
-  const bool toControl = LOWORD(static_cast<std::uint64_t>(lParam)) != 0;
-  const HWND control =
-      toControl ? reinterpret_cast<HWND>(wParam) : NextTabStop(dialog, window->dialog->focus, wParam != 0);
+// To a control of the dialog's own. In tab order the display moves it by itself.
+void MoveFocus(HWND dialog, HWND control) {
   if (control != dialog && DialogOf(control) == dialog) FocusControl(control, true);
 }
 
@@ -143,7 +138,7 @@ LRESULT CALLBACK DialogWindowProcedure(HWND dialog, UINT message, WPARAM wParam,
       PressEscape(dialog);
       return 0;
     case WM_NEXTDLGCTL:
-      MoveFocus(dialog, wParam, lParam);
+      MoveFocus(dialog, reinterpret_cast<HWND>(wParam));
       return 0;
     default:
       return DefaultWindowProcedure(dialog, message, wParam, lParam);

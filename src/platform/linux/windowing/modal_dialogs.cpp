@@ -80,7 +80,7 @@ INT_PTR Fail(DWORD error) {
 
 void Initialise(HWND dialog, const DialogTemplate& form, LPARAM initParam) {
   if ((form.style & styleSetFont) != 0) SendMessageA(dialog, WM_SETFONT, dialogFont, FALSE);
-  const HWND first = NextTabStop(dialog, nullptr, false);
+  const HWND first = FirstTabStop(dialog);
   if (SendMessageA(dialog, WM_INITDIALOG, reinterpret_cast<WPARAM>(first), initParam) == 0) return;
   if (IsWindow(first)) FocusControl(first, true);
 }
