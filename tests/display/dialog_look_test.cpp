@@ -3,14 +3,12 @@
 
 #include <QAccessible>
 #include <QApplication>
-#include <QCheckBox>
 #include <QFontDatabase>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
 #include <QStyle>
-#include <QStyleFactory>
 #include <QStyleOptionButton>
 #include <QStyleOptionFrame>
 #include <QTimer>
@@ -21,6 +19,7 @@
 
 #include "core/service_manager.h"
 #include "language/translation_catalogue.h"
+#include "platform/linux/windowing/display_selection.h"
 #include "resources/resource_ids.h"
 #include "ui/dialog.h"
 #include "ui/message.h"
@@ -28,23 +27,17 @@
 namespace nvsupport {
 namespace {
 
-using Look = std::function<void(QWidget&)>;
-
 class DialogLooks : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_LOGGING_RULES", "default.warning=false");  // of the platform, about every window
-    class Opening final : public Dialog {
-     public:
-      Opening() : Dialog(IDD_SIGN_IN) {}
-      INT_PTR onInitDialog(WPARAM, LPARAM) override { return EndDialog(hwnd, IDOK); }
-    };
-    ASSERT_EQ(Opening().run(nullptr), IDOK) << "the library's application is there from here on";
+    std::string whyNot;
+    ASSERT_NE(windowing::OpenDisplay(whyNot), nullptr) << whyNot;
   }
 
   // Hands the window that `open` opens to `look` and closes it.
-  static void Show(const std::function<void()>& open, const Look& look) {
+  static void Show(const std::function<void()>& open, const std::function<void(QWidget&)>& look) {
     QTimer::singleShot(0, [&look] {
       QWidget* window = QApplication::activeModalWidget();
       ASSERT_NE(window, nullptr);
@@ -76,36 +69,42 @@ struct Rooms {
   QSize taken;
 };
 
+template <class Option>
+QSize RoomOf(const QWidget& control, QStyle::SubElement element) {
+  Option option;
+  option.initFrom(&control);
+  return control.style()->subElementRect(element, &option, &control).size();
+}
+
 Rooms Measure(const QWidget& control) {
   const QFontMetrics font(control.font());
   const QString text = QString::fromStdString(PlainText(control));
-  QStyleOptionButton button;
-  button.initFrom(&control);
-  QStyleOptionFrame frame;
-  frame.initFrom(&control);
-  const QStyle& style = *control.style();
-  if (qobject_cast<const QCheckBox*>(&control) != nullptr) {
-    return {style.subElementRect(QStyle::SE_CheckBoxContents, &button, &control).size(), font.size(0, text)};
+  if (control.inherits("QCheckBox")) {
+    return {RoomOf<QStyleOptionButton>(control, QStyle::SE_CheckBoxContents), font.size(0, text)};
   }
-  if (qobject_cast<const QPushButton*>(&control) != nullptr) {
-    return {style.subElementRect(QStyle::SE_PushButtonContents, &button, &control).size(), font.size(0, text)};
+  if (control.inherits("QPushButton")) {
+    return {RoomOf<QStyleOptionButton>(control, QStyle::SE_PushButtonContents), font.size(0, text)};
   }
-  if (qobject_cast<const QLineEdit*>(&control) != nullptr) {
-    return {style.subElementRect(QStyle::SE_LineEditContents, &frame, &control).size(), {0, font.height()}};
+  if (control.inherits("QLineEdit")) {
+    return {RoomOf<QStyleOptionFrame>(control, QStyle::SE_LineEditContents), {0, font.height()}};
   }
   const QSize lines = font.boundingRect(0, 0, control.width(), QWIDGETSIZE_MAX, Qt::TextWordWrap, text).size();
   return {control.size(), {lines.width(), std::max(font.height(), lines.height() - font.leading())}};
 }
 
-bool IsLabel(const QWidget* control) {
-  return qobject_cast<const QLabel*>(control) != nullptr;
+std::string CutText(const QWidget& control) {
+  const auto [room, taken] = Measure(control);
+  if (taken.width() <= room.width() && taken.height() <= room.height()) return "";
+  return "cut: \"" + PlainText(control) + "\", " + std::to_string(taken.width()) + "x" +
+         std::to_string(taken.height()) + " in " + std::to_string(room.width()) + "x" + std::to_string(room.height()) +
+         "\n";
 }
 
 // Where a control shows something: of a label that is its text.
 QRect Shown(const QWidget& control) {
-  if (!IsLabel(&control)) return control.geometry();
-  QRect text(control.pos(), Measure(control).taken);
   const auto* label = qobject_cast<const QLabel*>(&control);
+  if (label == nullptr) return control.geometry();
+  QRect text(control.pos(), Measure(control).taken);
   if ((label->alignment() & Qt::AlignRight) != 0) text.moveRight(control.geometry().right());
   return text;
 }
@@ -115,20 +114,14 @@ std::string Faults(const QWidget& window) {
   std::string faults = window.windowIcon().isNull() ? "no icon\n" : "";
   const auto controls = window.findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
   for (const QWidget* control : controls) {
-    const std::string name = " " + control->objectName().toStdString() + " \"" + PlainText(*control) + "\"";
-    const auto [room, taken] = Measure(*control);
-    const bool fits = taken.width() <= room.width() && taken.height() <= room.height();
-    if (!fits) {
-      faults += "cut:" + name + ", " + std::to_string(taken.width()) + "x" + std::to_string(taken.height()) + " in " +
-                std::to_string(room.width()) + "x" + std::to_string(room.height()) + "\n";
-    }
-    if (!control->toolTip().isEmpty()) faults += "told by a tool tip:" + name + "\n";
-    if (!window.rect().contains(Shown(*control))) faults += "outside:" + name + "\n";
-    if (!IsLabel(control) && window.childAt(control->geometry().center()) != control)
-      faults += "covered:" + name + "\n";
+    const std::string name = control->objectName().toStdString() + " \"" + PlainText(*control) + "\"\n";
+    faults += CutText(*control);
+    if (!control->toolTip().isEmpty()) faults += "told by a tool tip: " + name;
+    if (!window.rect().contains(Shown(*control))) faults += "outside: " + name;
+    const bool isInFront = window.childAt(control->geometry().center()) == control;
+    if (!isInFront && !control->inherits("QLabel")) faults += "covered: " + name;
     for (const QWidget* other : controls) {
-      if (other <= control || !Shown(*control).intersects(Shown(*other))) continue;
-      faults += "over each other:" + name + " and " + other->objectName().toStdString() + "\n";
+      if (other > control && Shown(*control).intersects(Shown(*other))) faults += "not alone: " + name;
     }
   }
   return faults;
@@ -138,30 +131,10 @@ std::string Faults(const QWidget& window) {
 std::string FaultsOfMessage(const QWidget& box) {
   QFont caption = box.font();
   caption.setBold(true);
-  std::string faults;
-  if (box.width() < QFontMetrics(caption).horizontalAdvance(box.windowTitle())) faults += "caption cut\n";
-  for (const QLabel* label : box.findChildren<QLabel*>()) {
-    const auto [room, taken] = Measure(*label);
-    if (taken.width() > room.width() || taken.height() > room.height()) faults += "cut: " + PlainText(*label) + "\n";
-  }
+  const bool isNarrow = box.width() < QFontMetrics(caption).horizontalAdvance(box.windowTitle());
+  std::string faults = isNarrow ? "caption cut\n" : "";
+  for (const QLabel* label : box.findChildren<QLabel*>()) faults += CutText(*label);
   return faults;
-}
-
-const std::vector<std::string> languages = {"English", "Deutsch", "Francais", "Nederlands"};
-
-// English first, while no other is loaded.
-void Speak(const std::string& language) {
-  const std::string catalogues = NV_SOURCE_FOLDER "/src/resources/catalogues/nvsupport.";
-  if (language != "English") {
-    ASSERT_TRUE(translations.LoadCatalogueFile(catalogues + language + ".txt"));
-  }
-  SetMessageCaption(Translate("Account Manager"));
-}
-
-// NV_PICTURES names a folder for a picture of each.
-void TakePicture(QWidget& window, const std::string& name) {
-  const QString folder = qEnvironmentVariable("NV_PICTURES");
-  if (!folder.isEmpty()) window.grab().save(folder + QLatin1Char('/') + QString::fromStdString(name) + ".png");
 }
 
 TEST_F(DialogLooks, AreReadToTheBlindInTheOrderOfTheTemplate) {
@@ -205,21 +178,13 @@ TEST_F(DialogLooks, AreOwnedByTheTopLevelWindowOfTheHostsWidget) {
 }
 
 TEST_F(DialogLooks, StayAsTheyAreUnderAMessage) {
-  class Asking final : public Dialog {
-   public:
-    Asking() : Dialog(IDD_COMPUTER_NAME) {}
-    void onDialogCommand(int id, HWND control, int code) override {
-      if (id != IDOK) return Dialog::onDialogCommand(id, control, code);
-      Show([this] { ShowMessage(hwnd, MB_ICONERROR, "x"); }, [](const QWidget&) {});
+  Show(openings.at("create_account"), [](const QWidget& window) {
+    auto* ok = window.findChild<QPushButton*>(QStringLiteral("1"));
+    Show([ok] { ok->click(); }, [](const QWidget& message) { EXPECT_TRUE(message.inherits("QMessageBox")); });
+    for (const QWidget* control : window.findChildren<QWidget*>()) {
+      EXPECT_FALSE(control->testAttribute(Qt::WA_NativeWindow)) << "a window with a cursor of its own";
     }
-  };
-  Show([] { Asking().run(nullptr); },
-       [](const QWidget& window) {
-         window.findChild<QPushButton*>(QStringLiteral("1"))->click();
-         for (const QWidget* control : window.findChildren<QWidget*>()) {
-           EXPECT_FALSE(control->testAttribute(Qt::WA_NativeWindow)) << "a window with a cursor of its own";
-         }
-       });
+  });
 }
 
 TEST_F(DialogLooks, HaveTheMenuOfTheirEditsInTheLanguageInForce) {
@@ -253,29 +218,36 @@ TEST_F(DialogLooks, TellATextThatDoesNotFitByAToolTip) {
 TEST_F(DialogLooks, AreWholeInEveryFontStyleAndLanguage) {
   const QPalette light;
   const QPalette dark(QColor(0x30, 0x30, 0x30));
+  const QString pictures = qEnvironmentVariable("NV_PICTURES");  // names a folder for a picture of each
   std::map<std::string, std::vector<std::string>> combinationsOfFault;
   int combinations = 0;
-  for (const std::string& language : languages) {
-    Speak(language);
+  const auto lookAt = [&](const std::string& look) {
+    for (const auto& opening : openings) {
+      const std::string name = opening.first + look;
+      ++combinations;
+      Show(opening.second, [&](QWidget& window) {
+        if (!pictures.isEmpty()) window.grab().save(pictures + QString::fromStdString("/" + name + ".png"));
+        const std::string faults = opening.first == "message" ? FaultsOfMessage(window) : Faults(window);
+        if (!faults.empty()) combinationsOfFault[faults].push_back(name);
+      });
+    }
+  };
+  for (const char* language : {"English", "Deutsch", "Francais", "Nederlands"}) {
+    const std::string texts = NV_SOURCE_FOLDER "/src/resources/catalogues/nvsupport." + std::string(language) + ".txt";
+    const bool isSource = language == std::string("English");  // as long as no other is loaded
+    EXPECT_EQ(translations.LoadCatalogueFile(texts), !isSource) << texts;
+    SetMessageCaption(Translate("Account Manager"));
     for (const char* family : {"DejaVu Sans", "Noto Sans", "Cantarell", "Liberation Sans", "Noto Sans CJK JP"}) {
       EXPECT_TRUE(QFontDatabase::hasFamily(QString::fromLatin1(family))) << family << " is not installed";
       for (const int points : {9, 11, 15}) {
+        QApplication::setFont(QFont(QString::fromLatin1(family), points));
+        const std::string font = std::string(".") + language + "." + family + "." + std::to_string(points);
         for (const char* style : {"Fusion", "Windows"}) {
-          for (const bool isDark : {false, true}) {
-            QApplication::setFont(QFont(QString::fromLatin1(family), points));
-            QApplication::setStyle(QString::fromLatin1(style));
-            QApplication::setPalette(isDark ? dark : light);
-            for (const auto& [what, open] : openings) {
-              const std::string name = what + "." + language + "." + family + "." + std::to_string(points) + "." +
-                                       style + (isDark ? ".dark" : ".light");
-              ++combinations;
-              Show(open, [&](QWidget& window) {
-                TakePicture(window, name);
-                const std::string faults = what == "message" ? FaultsOfMessage(window) : Faults(window);
-                if (!faults.empty()) combinationsOfFault[faults].push_back(name);
-              });
-            }
-          }
+          QApplication::setStyle(QString::fromLatin1(style));
+          QApplication::setPalette(light);
+          lookAt(font + "." + style + ".light");
+          QApplication::setPalette(dark);
+          lookAt(font + "." + style + ".dark");
         }
       }
     }

@@ -1,14 +1,12 @@
-// A host without windows of its own that shows dialogs on the real display and tells on its output, line by line, what
-// the library's side of them sees.
-//   dialog OWNER [TIMES]  runs the dialog; between two runs waits for a line on its input
-//   message               shows a message box
+// A host without Qt and without windows of its own that shows dialogs on the real display and tells on its output, line
+// by line, what the library's side of them sees.
+//   dialog OWNER TIMES    runs the dialog; between two runs waits for a line on its input
+//   module MODULE TIMES   loads the module, asks for a token and unloads it
 #include <clocale>
-#include <cstdio>
 #include <cstdlib>
-#include <iostream>
 #include <sstream>
-#include <string>
 
+#include "display/module_cycle.h"
 #include "resources/resource_ids.h"
 #include "ui/busy_cursor.h"
 #include "ui/dialog.h"
@@ -35,7 +33,6 @@ class ProbeDialog final : public Dialog {
     TellPlaces();
     setItemText(IDC_USER_ID, "given");
     setItemText(IDC_SAVE_PASSWORD, "Sa&ve");
-    EnumChildWindows(hwnd, &MarkPassword, 0);  // as a catalogue may
     SendMessageA(hwnd, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(hwnd, IDC_USER_ID)), 1);
     return 0;
   }
@@ -59,8 +56,7 @@ class ProbeDialog final : public Dialog {
     } else if (id == IDC_CREATE_ACCOUNT) {
       Tell("inner", Dialog(IDD_COMPUTER_NAME).run(hwnd));
     } else {
-      Dialog::onDialogCommand(id, control, code);
-      return;
+      return Dialog::onDialogCommand(id, control, code);
     }
     Tell("done", id);
   }
@@ -78,13 +74,6 @@ class ProbeDialog final : public Dialog {
     }
     Tell("places", places.str());
   }
-
-  static BOOL CALLBACK MarkPassword(HWND control, LPARAM) {
-    char text[100];
-    GetWindowTextA(control, text, sizeof text);
-    if (std::string(text) == "Password") SetWindowTextA(control, "&Password");
-    return TRUE;
-  }
 };
 
 }  // namespace
@@ -92,16 +81,15 @@ class ProbeDialog final : public Dialog {
 
 int main(int argc, char** argv) {
   using namespace nvsupport;
-  const std::string job = argc > 1 ? argv[1] : "";
-  if (job == "dialog" && argc > 2) {
-    const auto owner = reinterpret_cast<HWND>(std::strtoull(argv[2], nullptr, 0));
-    for (int left = argc > 3 ? std::atoi(argv[3]) : 1; left > 0; --left) {
-      Tell("result", ProbeDialog().run(owner));
-      if (left > 1) WaitForLine();
+  if (argc < 4) return 2;
+  const bool hasModule = argv[1] == std::string("module");
+  for (int left = std::atoi(argv[3]); left > 0; --left) {
+    if (hasModule) {
+      testing::RunModuleCycle(argv[2]);
+      continue;
     }
-  } else if (job == "message") {
-    SetMessageCaption("Caption");
-    Tell("answer", ShowMessage(nullptr, MB_ICONERROR, "<b>Plain</b> text"));
+    Tell("result", ProbeDialog().run(reinterpret_cast<HWND>(std::strtoull(argv[2], nullptr, 0))));
+    if (left > 1) WaitForLine();
   }
   Tell("locale", std::setlocale(LC_ALL, nullptr));
 }

@@ -18,7 +18,7 @@ class Process {
  public:
   // An empty value takes the variable out of the program's environment. Standard error goes where the output goes if
   // `withErrors`, else where the test's goes.
-  explicit Process(const std::vector<std::string>& command, const std::map<std::string, std::string>& environment = {},
+  explicit Process(std::vector<std::string> command, const std::map<std::string, std::string>& environment = {},
                    bool withErrors = false);
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;
@@ -36,9 +36,7 @@ class Process {
 
  private:
   pid_t process = -1;
-  int input = -1;   // its standard input
-  int output = -1;  // its standard output
-  std::string unread;
+  int channel = -1;  // its standard input and output
 };
 
 }  // namespace nvsupport::testing

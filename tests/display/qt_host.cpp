@@ -27,19 +27,13 @@ void PressEscape() {
   QCoreApplication::sendEvent(dialog, &press);
 }
 
-long long Held() {
-  return static_cast<long long>(mallinfo2().uordblks);
-}
-
 void RunCycles(const char* module) {
-  constexpr int warmUp = 10;
-  constexpr int cycles = 40;
-  for (int i = 0; i < warmUp; ++i) RunModuleCycle(module);
-  const long long before = Held();
-  for (int i = warmUp; i < cycles; ++i) RunModuleCycle(module);
+  for (int i = 0; i < 10; ++i) RunModuleCycle(module);
+  const std::size_t before = mallinfo2().uordblks;
+  for (int i = 0; i < 30; ++i) RunModuleCycle(module);
   std::cout << "widgets " << QApplication::allWidgets().size() << std::endl;
   std::cout << "windows " << QGuiApplication::allWindows().size() << std::endl;
-  std::cout << "grown " << Held() - before << std::endl;
+  std::cout << "grown " << static_cast<long long>(mallinfo2().uordblks - before) << std::endl;
 }
 
 void PostWork() {
@@ -49,15 +43,14 @@ void PostWork() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc < 3) return 2;
-  if (argv[2] == std::string("core")) {
+  const char* module = argv[1];
+  const std::string job = argc == 3 ? argv[2] : "";
+  if (job == "core") {
     const QCoreApplication application(argc, argv);
-    RunModuleCycle(argv[1]);
+    RunModuleCycle(module);
     return 0;
   }
   QApplication application(argc, argv);
-  const char* module = argv[1];
-  const std::string job = argv[2];
   if (job == "thread") {
     std::thread(RunModuleCycle, module).join();
     return 0;

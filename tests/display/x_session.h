@@ -33,35 +33,26 @@ class XSession {
   XSession& operator=(const XSession&) = delete;
   ~XSession() { xcb_disconnect(connection); }
 
-  const std::string& Name() const { return name; }  // for DISPLAY
+  // The environment of a program on this screen.
+  const std::map<std::string, std::string>& Environment() const { return environment; }
   // Ends the X server under its programs; nothing can be asked of the screen any more.
   void End() { server.reset(); }
 
-  // What the user does, in xdotool's words, such as "key alt+p". Gives what xdotool prints.
-  std::string Do(const std::string& actions) const;
+  // Runs a command of the shell on the screen; gives what it prints.
+  std::string Run(const std::string& command) const;
+  // What the user does, in xdotool's words, such as "key alt+p".
+  std::string Do(const std::string& actions) const { return Run("xdotool " + actions); }
   void Type(const std::string& text) const;  // letters, digits and "\t\n\033 !@./-": Tab, Enter, Esc ...
-  void Hover(xcb_window_t window, Place inside) const;
-  void Click(xcb_window_t window, Place inside) const;
   void CloseBox(xcb_window_t window) const;
   void Drag(xcb_window_t window, Place from, Place by) const;
 
-  // Makes two monitors of the screen, side by side.
-  void SplitScreen() const;
-
   // The visible window with this title, once it has the input.
   xcb_window_t Await(const std::string& title) const;
-  bool HasFocus(xcb_window_t window) const;
-  bool IsGone(const std::string& title) const;
-  bool IsGone(xcb_window_t window) const;  // whatever others have its title
+  bool IsGone(xcb_window_t window) const;
   // Its client area on the screen.
   Area AreaOf(xcb_window_t window) const;
-  xcb_window_t OwnerOf(xcb_window_t window) const;
-  // What the window manager puts above and below it.
-  struct Frame {
-    int top;
-    int bottom;
-  };
-  Frame FrameOf(xcb_window_t window) const;
+  // The 32-bit numbers of a property, such as the owner's id in WM_TRANSIENT_FOR.
+  std::vector<std::uint32_t> Property(xcb_window_t window, const std::string& name) const;
   // A window of the test's own, as a host without Qt has one; 0: at the top level.
   xcb_window_t MakeWindow(const Area& area, xcb_window_t parent = 0) const;
 
@@ -72,11 +63,10 @@ class XSession {
 
  private:
   xcb_atom_t Atom(const std::string& text) const;
-  std::vector<std::uint32_t> Property(xcb_window_t window, xcb_atom_t property) const;
 
   std::unique_ptr<Process> server;
   std::unique_ptr<Process> windowManager;
-  std::string name;
+  std::map<std::string, std::string> environment;
   xcb_connection_t* connection = nullptr;
   xcb_window_t root = 0;
 };
