@@ -64,7 +64,8 @@ TEST(MapShopSearch, FindsWhatMeetsTheBoxAroundThePoints) {
     std::vector<Point> points;
     Numbers found;
   } cases[] = {
-      {"a point on the corner", {{46, 7}}, {1, 3}},
+      {"a point on the northeastern corner", {{46, 7}}, {1, 3}},
+      {"a point on the southwestern corner", {{45, 6}}, {1, 3}},
       {"a corner that single precision does not hold", {{31.3, -9.7}}, {3, 4}},
       {"a point beside", {{46.001, 7}}, {3}},
       {"a point so near that single precision tells no difference", {{31.3000001, -9.7}}, {3}},

@@ -40,7 +40,8 @@ TEST_F(AccountServiceTest, TellsTheStatusesThatTheDialogsKnow) {
       {"same email address", CreateAccount("another", "secret", " Reader@Norvane.EXAMPLE "), 13},
       {"no domain", CreateAccount("another", "secret", "me@home"), 14},
       {"two at signs", CreateAccount("another", "secret", "me@you@norvane.example"), 14},
-      {"line feed in the address", CreateAccount("another", "secret", "me@norvane.example\nBcc: you@a.b"), 14},
+      {"line feed in the address", CreateAccount("another", "secret", "me@norvane.example\nx"), 14},
+      {"blank in the address", CreateAccount("another", "secret", "me @norvane.example"), 14},
       {"sign in under the rule", SignIn("MAPREADER", "SIX6six"), 0},
       {"another password", SignIn("Map Reader", "six6si"), 5},
       {"unknown user", SignIn("Map Readers", "six6six"), 4},
@@ -128,6 +129,21 @@ TEST_F(AccountServiceTest, UnderstandsWholeRequestsOfItsOwnOperationsAlone) {
   }
   EXPECT_EQ(StatusOf(Int(12) + user), 1U);
   EXPECT_EQ(StatusOf(Int(11) + Int(0x80000000) + user), 1U);
+}
+
+TEST(AccountSettings, AreReadFromTheirVariables) {
+  std::vector<std::unique_ptr<nvsupport::testing::ScopedVariable>> variables;
+  for (const std::string name : {"SESSION_SECONDS", "SESSIONS_PER_ACCOUNT", "FAILURES_PER_ACCOUNT",
+                                 "FAILURES_PER_ADDRESS", "FAILURE_SECONDS", "SLOW_SECONDS", "SLOW_AT_A_TIME"}) {
+    variables.push_back(std::make_unique<nvsupport::testing::ScopedVariable>("NV_SERVICE_" + name,
+                                                                             std::to_string(variables.size() + 1)));
+  }
+  const AccountSettings read = ReadAccountSettings();
+  EXPECT_EQ((std::vector{read.sessionSeconds, read.sessionsPerAccount, read.failuresPerAccount, read.failuresPerAddress,
+                         read.failureSeconds, read.slowSeconds, read.slowAtATime}),
+            (std::vector<std::int64_t>{1, 2, 3, 4, 5, 6, 7}));
+  const nvsupport::testing::ScopedVariable none("NV_SERVICE_SLOW_SECONDS", "0");
+  EXPECT_THROW(ReadAccountSettings(), std::runtime_error);
 }
 
 TEST(ToUtf8, TakesWhatIsNoneForWindows1252) {

@@ -77,6 +77,15 @@ TEST_F(AccountStoreTest, UndoesWhatAKilledProcessLeftHalfDone) {
   EXPECT_TRUE(database->Run("SELECT user_key FROM attempt").empty());
 }
 
+TEST_F(AccountStoreTest, TellsNoValueInAnError) {
+  try {
+    database->Run("INSERT INTO session (token_hash, account, ends) VALUES ($1, $2, $3)", "token", 123456, 1);
+    ADD_FAILURE() << "a session of no account";
+  } catch (const std::runtime_error& error) {
+    EXPECT_EQ(std::string(error.what()).find("123456"), std::string::npos) << error.what();
+  }
+}
+
 TEST_F(AccountStoreTest, EndsTheOldestOfTooManySessions) {
   const std::int64_t account = Make("reader");
   const std::int64_t other = Make("other");
