@@ -26,25 +26,9 @@ trap finish EXIT
 
 open_screen "$work"
 
-sees() {
-  echo "  the user sees \"$1\""
-  look_for "$1"
-}
-
 token >"$work/token" &
 host_pid=$!
-sees "Sign in to Your Account"
-xdotool key shift+Tab space # from the user ID back to "Create Account"
-sees "Create an Online Account"
-types "Demo User"
-types "secret 7"
-types "secret 7"
-types "A Demo User"
-types ""
-types "demo@norvane.example"
-xdotool key Return
-sees "Give your Computer a Name"
-xdotool key Return # the name that is proposed
+makes_account
 wait $host_pid || { host_pid=; exit 1; }
 host_pid=
 cat "$work/token"

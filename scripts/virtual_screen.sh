@@ -37,3 +37,25 @@ types() {
   xdotool type --delay 20 "$1"
   xdotool key Tab
 }
+
+# Waits for a dialog and says so.
+sees() {
+  echo "   the user sees \"$1\""
+  look_for "$1"
+}
+
+# Makes an account and names the computer by keyboard alone, from the sign-in dialog on.
+makes_account() {
+  sees "Sign in to Your Account"
+  xdotool key shift+Tab space # from the user ID back to "Create Account"
+  sees "Create an Online Account"
+  types "Demo User"
+  types "secret 7"
+  types "secret 7"
+  types "A Demo User"
+  types ""
+  types "demo@norvane.example"
+  xdotool key Return
+  sees "Give your Computer a Name"
+  xdotool key Return # the name that is proposed
+}

@@ -1,21 +1,10 @@
 #include "background_download.h"
 
-#include <filesystem>
+#include <cstdio>
+
+#include "system.h"
 
 namespace nvhost {
-namespace {
-
-namespace fs = std::filesystem;
-
-bool IsOpenHere(const fs::path& file) {
-  std::error_code ignored;
-  for (const auto& descriptor : fs::directory_iterator("/proc/self/fd", ignored)) {
-    if (fs::equivalent(descriptor.path(), file, ignored)) return true;
-  }
-  return false;
-}
-
-}  // namespace
 
 BackgroundDownload::BackgroundDownload(const NVSupportModule& support, const std::string& host, const std::string& path,
                                        const std::string& localFile)
@@ -39,8 +28,7 @@ BackgroundDownload::Outcome BackgroundDownload::Run(const NVSupportModule& suppo
   if (!arrived) return begun ? Outcome::brokenOff : Outcome::refused;
   // A server that closes early looks to the library like the end of the body.
   if (counters.total < 0 || counters.done == static_cast<std::uint64_t>(counters.total)) return Outcome::complete;
-  std::error_code ignored;
-  fs::remove(file, ignored);
+  std::remove(file.c_str());
   return Outcome::incomplete;
 }
 
@@ -57,9 +45,8 @@ void BackgroundDownload::ShowCounters() {
 
 void BackgroundDownload::Abandon() const {
   // Another process may be at work on a file of that name.
-  const fs::path temporary = file + ".TMP";
-  std::error_code ignored;
-  if (IsOpenHere(temporary)) fs::remove(temporary, ignored);
+  const std::string temporary = file + ".TMP";
+  if (IsOpenHere(temporary)) std::remove(temporary.c_str());
 }
 
 }  // namespace nvhost

@@ -3,9 +3,9 @@
 
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 
 #include "commands.h"
+#include "system.h"
 
 namespace nvhost {
 
@@ -14,11 +14,11 @@ void AddGui(CLI::App& app, Work& chosen) {
   CLI::App* const command = app.add_subcommand("gui", "Open a window with the account, the map shop and downloads");
   command->add_option("--product", *product, "Product whose settings to use")->type_name("NAME")->capture_default_str();
   command->callback([product, &app, &chosen] {
-    const auto library = std::filesystem::absolute(app.get_option("--library")->as<std::string>());
+    const auto library = AbsolutePath(app.get_option("--library")->as<std::string>());
     chosen = [product, library](const NVSupportModule&) {
-      const auto program = std::filesystem::read_symlink("/proc/self/exe").parent_path() / "nvhost-gui";
+      const std::string program = BesideProgram("nvhost-gui");
       execl(program.c_str(), "nvhost-gui", "--library", library.c_str(), "--product", product->c_str(), nullptr);
-      throw Failure(noModule, "cannot start " + program.string() + ": " + std::strerror(errno));
+      throw Failure(noModule, "cannot start " + program + ": " + std::strerror(errno));
     };
   });
 }

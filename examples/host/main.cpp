@@ -37,6 +37,7 @@ nvhost::Library Load(const std::string& path) try {
 
 int Run(int argc, char** argv) {
   CLI::App app("Searches the map shop, moves files and signs in, through the nvsupport library.", "nvhost");
+  app.allow_windows_style_options(false);  // a path on a server begins with a slash
   std::string library = nvhost::FindLibrary();
   app.add_option("--library", library, "The support library to load")->type_name("PATH")->capture_default_str();
   app.set_version_flag("--version", "nvhost " NVSUPPORT_VERSION);
@@ -60,7 +61,8 @@ int Run(int argc, char** argv) {
     if (!command.empty()) std::fprintf(stderr, "There is no command %s.\n", command.c_str());
     return nvhost::wrongArguments;
   }
-  if (trace) setenv("NV_TRACE", "all", 1);
+  static char traceAll[] = "NV_TRACE=all";
+  if (trace) putenv(traceAll);
   chosen(Load(library).Functions());
   if (std::fflush(stdout) != 0) throw nvhost::Failure(nvhost::cannotWrite, "standard output cannot be written");
   return nvhost::done;

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "commands.h"
+#include "system.h"
 
 namespace nvhost {
 namespace {
@@ -20,6 +21,7 @@ void Run(const NVSupportModule& support, const Arguments& arguments) {
   const std::int32_t got = support.readRange(arguments.host.c_str(), arguments.path.c_str(), arguments.offset,
                                              arguments.length, buffer.data(), nullptr, nullptr);
   if (got == arguments.length) {
+    UseBinaryOutput();
     if (std::fwrite(buffer.data(), 1, buffer.size(), stdout) != buffer.size()) {
       throw Failure(cannotWrite, "standard output cannot be written");
     }

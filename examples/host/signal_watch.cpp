@@ -1,7 +1,8 @@
 #include "signal_watch.h"
 
 #include <csignal>
-#include <initializer_list>
+
+#include "system.h"
 
 namespace nvhost {
 namespace {
@@ -9,14 +10,12 @@ namespace {
 volatile std::sig_atomic_t seen = 0;
 
 void OnSignal(int number) {
+  std::signal(number, SIG_DFL);
   seen = number;
 }
 
 void SetHandlers(void (*handler)(int)) {
-  struct sigaction action = {};
-  action.sa_handler = handler;
-  action.sa_flags = static_cast<int>(SA_RESETHAND);
-  for (const int number : {SIGINT, SIGTERM, SIGHUP}) sigaction(number, &action, nullptr);
+  for (const int number : EndingSignals()) std::signal(number, handler);
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <cstdio>
 
 #include "commands.h"
-#include "terminal/text_table.h"
+#include "terminal/printable.h"
 
 namespace nvhost {
 

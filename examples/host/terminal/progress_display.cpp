@@ -1,11 +1,11 @@
 #include "progress_display.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
+
+#include "system.h"
 
 namespace nvhost {
 namespace {
@@ -51,7 +51,7 @@ std::string FormatCount(std::uint64_t count) {
 }
 
 ProgressDisplay::ProgressDisplay()
-    : terminal(isatty(STDOUT_FILENO) != 0),
+    : terminal(UseTerminal()),
       pause(terminal ? Clock::duration(terminalPause) : Clock::duration(plainPause)),
       next(begin + pause) {}
 

@@ -2,21 +2,12 @@
 #ifndef NVHOST_TERMINAL_TEXT_TABLE_H
 #define NVHOST_TERMINAL_TEXT_TABLE_H
 
-#include <cstddef>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "printable.h"
+
 namespace nvhost {
-
-// A text that a terminal can show, and how many columns it takes. Texts come from a service: what is no UTF-8 or no
-// printable character becomes "?", so that no text can play tricks on the terminal.
-struct Printable {
-  explicit Printable(std::string_view text);
-
-  std::string text;
-  std::size_t columns = 0;
-};
 
 class TextTable {
  public:
