@@ -82,18 +82,19 @@ TEST_F(AccountDialog, OpensItsWebPagesAndStays) {
     Operation operation;
     int button;
     std::string page;
+    int notifies;  // without being clicked
   } cases[] = {
-      {signInTitle, signIn, IDC_FORGOT, "https://" NV_SERVICE_HOST "/forgot.htm"},
-      {signInTitle, signIn, IDC_HELP_PAGE, help},
-      {createTitle, create, IDC_VIEW_POLICY, "http://" NV_WEB_HOST "/privacy.htm"},
-      {createTitle, create, IDC_HELP_PAGE, help},
-      {deviceTitle, nameComputer, IDC_HELP_PAGE, help},
+      {signInTitle, signIn, IDC_FORGOT, "https://" NV_SERVICE_HOST "/forgot.htm", IDC_HELP_PAGE},
+      {signInTitle, signIn, IDC_HELP_PAGE, help, IDC_FORGOT},
+      {createTitle, create, IDC_VIEW_POLICY, "http://" NV_WEB_HOST "/privacy.htm", IDC_HELP_PAGE},
+      {createTitle, create, IDC_HELP_PAGE, help, IDC_VIEW_POLICY},
+      {deviceTitle, nameComputer, IDC_HELP_PAGE, help, IDC_COMPUTER_NAME},
   };
   OpenSession();
   std::string expected;
   for (const auto& row : cases) {
-    const Step notify = [&](HWND dialog) {  // any notification but a click
-      SendMessageA(dialog, WM_COMMAND, 0x0001'0000u | static_cast<WPARAM>(row.button), 0);
+    const Step notify = [&](HWND dialog) {
+      SendMessageA(dialog, WM_COMMAND, 0x0001'0000u | static_cast<WPARAM>(row.notifies), 0);
     };
     EXPECT_FALSE(Run({notify, Clicks(row.button), Sees(row.title), Clicks(IDCANCEL)}, row.operation));
     expected += row.page + '\n';

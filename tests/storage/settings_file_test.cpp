@@ -111,9 +111,11 @@ TEST(SettingsFile, NumbersAreTakenInEveryForm) {
   for (const auto& [text, number] : cases) {
     settings.SetText("n", text);
     EXPECT_EQ(settings.GetInt("n"), number) << text;
-    settings.SetInt("n", number);
-    EXPECT_EQ(settings.GetInt("n"), number);
+    settings.SetInt("m", number);
+    EXPECT_EQ(settings.GetInt("m"), number);
   }
+  settings.SetInt("m", 255);
+  EXPECT_EQ(settings.GetText("m"), "0xff");
 }
 
 TEST(SettingsFile, HexadecimalBytesStopAtSixteen) {
