@@ -60,6 +60,36 @@ TEST_F(Catalogue, ChangesOverOnlyToALanguageThatHasEntries) {
   EXPECT_EQ(catalogue->Translate("Yes"), "Yes") << "English needs no file and keeps nothing of another";
 }
 
+TEST_F(Catalogue, TakesTheLanguageOfTheUserBeforeTheInstallers) {
+  for (const char* name : {"Deutsch", "Francais", "Nederlands"}) WriteLanguage(name, "Yes\tX\n");
+  const struct {
+    std::string user, installer, inForce;
+  } cases[] = {
+      {"", "", ""},
+      {"Deutsch", "", "Deutsch"},
+      {"English", "", "English"},
+      {"", "1031", "Deutsch"},
+      {"", "1033", "English"},
+      {"", "1036", "Francais"},
+      {"", "1043", "Nederlands"},
+      {"", "2057", "English"},
+      {"", " +1031 (German)", "Deutsch"},
+      {"Deutsch", "1036", "Deutsch"},
+      {"", "1034", ""},
+      {"", "German", ""},
+      {"", "0x407", ""},
+      {"", "4294968327", ""},
+      {"Suomi", "1031", ""},
+      {"deutsch", "", ""},
+  };
+  for (const auto& [user, installer, inForce] : cases) {
+    home.WriteUserRegistry("[HKEY_CURRENT_USER\\Software\\Norvane]\n\"Language\"=\"" + user + "\"\n");
+    home.WriteMachineRegistry("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Norvane]\n\"inst_language\"=\"" + installer + "\"\n");
+    catalogue.emplace().Init(static_cast<HINSTANCE>(dlsym(loaded, "nvsupportTestModule")));
+    EXPECT_EQ(catalogue->Language(), inForce) << user << " | " << installer;
+  }
+}
+
 TEST_F(Catalogue, RefusesAFileBeyondItsLimit) {
   WriteLanguage("Endless", "Yes\tJa\n");
   std::filesystem::resize_file(home.folder / "lib/nvsupport.Endless.txt", maxCatalogueBytes + 1);
