@@ -8,17 +8,19 @@
 namespace nvsupport::service {
 namespace {
 
-// A function of libpq. That library and those that it brings along take longer to load than most requests take in all,
-// so it is loaded when an address asks for it, by the name that its header's promises hold for.
+// libpq and the libraries that it brings along take longer to load than most requests take in all. So it is loaded when
+// an address asks for it, by the name that its header's promises hold for.
+void* FindInLibpq(const char* name) {
+  static void* const library = dlopen("libpq.so.5", RTLD_NOW);
+  void* const found = library != nullptr ? dlsym(library, name) : nullptr;
+  if (found == nullptr) throw std::runtime_error("PostgreSQL: libpq.so.5 cannot be loaded");
+  return found;
+}
+
 template <typename Type>
 class Function {
  public:
-  explicit Function(const char* name) {
-    static void* const library = dlopen("libpq.so.5", RTLD_NOW);
-    void* const found = library != nullptr ? dlsym(library, name) : nullptr;
-    if (found == nullptr) throw std::runtime_error("PostgreSQL: libpq.so.5 cannot be loaded");
-    address = reinterpret_cast<Type*>(found);
-  }
+  explicit Function(const char* name) : address(reinterpret_cast<Type*>(FindInLibpq(name))) {}
   template <typename... Arguments>
   auto operator()(Arguments... arguments) const {
     return address(arguments...);

@@ -9,7 +9,7 @@
 namespace nvsupport::service {
 namespace {
 
-// For those who do not stand in the queue of sqlite_database.h, such as a backup.
+// For those who do not stand in the queue of sqlite_database.cpp, such as a backup.
 constexpr int busyMilliseconds = 10'000;
 
 [[noreturn]] void Throw(sqlite3* file) {

@@ -19,10 +19,6 @@ std::string Copy(const std::string& text, std::size_t count) {
   return field;
 }
 
-int CompareFolded(const char* left, const char* right) {
-  return _mbsicmp(reinterpret_cast<const unsigned char*>(left), reinterpret_cast<const unsigned char*>(right));
-}
-
 TEST(MultiByteText, CopyPadsAndNeverSplitsACharacter) {
   using namespace std::string_literals;
   EXPECT_EQ(Copy("ab", 4), "ab\0\0#"s);
@@ -35,13 +31,6 @@ TEST(MultiByteText, BytesThatAreNoUtf8AreShownAsWindows1252) {
   EXPECT_EQ(platform::ToUtf8("Gru\xdf \x80, cut \xe2\x82"), "Gru\u00df \u20ac, cut \u00e2\u201a");
   EXPECT_EQ(platform::ToUtf8("\xed\xa0\x80"), "\u00ed\u00a0\u20ac") << "a half of a surrogate pair is no character";
   EXPECT_EQ(platform::ToUtf8(std::string(2000, '\xe9')).size(), 4000u);
-}
-
-TEST(MultiByteText, CompareFoldsTheLettersAToZAlone) {
-  EXPECT_EQ(CompareFolded("nvPKG", "NVpkg"), 0);
-  EXPECT_LT(CompareFolded("a", "B"), 0);
-  EXPECT_GT(CompareFolded("ab", "A"), 0);
-  EXPECT_NE(CompareFolded("\u00c9", "\u00e9"), 0);
 }
 
 // The code page is found once in a process: the checks run in a fresh one, which ends with 0 when they hold. `locales`
