@@ -36,6 +36,9 @@ TEST(CatalogueCheck, FindsWhatTheReaderWouldLose) {
       {"A\tC:\\maps", "translation: a backslash stays"},
       {"A\tB\\\r", "translation: a backslash stays"},
       {"A\rB\tC", "source text: a carriage return is lost"},
+      {"A\xC3\xA9\tB\xE2\x82\xAC", nullptr},
+      {"A\xE9\tB", "source text: bytes that are no UTF-8"},
+      {"A\tB\xC3", "translation: bytes that are no UTF-8"},
       {"A\tXXXX\r", "placeholder"},
       {"%d\t%s", "conversions"},
       {"%s\t100%", "conversions"},
@@ -55,8 +58,8 @@ TEST(CatalogueCheck, FindsWhatTheReaderWouldLose) {
 TEST(CatalogueCheck, FindsMarksAndCharactersThatAreNotRead) {
   EXPECT_EQ(CheckCatalogue("\xEF\xBB\xBFZ\tB\n").size(), 1u);
   EXPECT_FALSE(CheckCatalogue("\xFE\xFF\0Z\0\t\0B"s).empty());
-  EXPECT_EQ(CheckCatalogue("\xFF\xFEZ\0\t\0\xAC\x20"s).size(), 1u) << "a Euro sign in a wide file";
-  EXPECT_TRUE(CheckCatalogue("\xFF\xFEZ\0\t\0\xE9\0"s).empty());
+  EXPECT_FALSE(CheckCatalogue("\xFF\xFEZ\0\t\0b\x20"s).empty()) << "a character above U+00FF in a wide file";
+  EXPECT_TRUE(CheckCatalogue("\xFF\xFEZ\0\t\0\xC3\0\xA9\0"s).empty()) << "a miss file's bytes";
 }
 
 TEST(CatalogueTool, AnswersByItsExitCode) {

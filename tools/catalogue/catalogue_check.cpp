@@ -1,6 +1,9 @@
 #include "catalogue_check.h"
 
+#include <iconv.h>
+
 #include <map>
+#include <memory>
 #include <set>
 
 #include "language/catalogue_reader.h"
@@ -57,6 +60,17 @@ bool LosesReturn(std::string_view column) {
   return column.find('\r') != std::string_view::npos;
 }
 
+// Whether Linux cannot show the bytes: its code page is UTF-8.
+bool IsNoUtf8(std::string_view column) {
+  const std::unique_ptr<void, int (*)(iconv_t)> converter(iconv_open("UTF-16LE", "UTF-8"), &iconv_close);
+  std::string units(2 * column.size(), '\0');
+  char* in = const_cast<char*>(column.data());
+  char* out = units.data();
+  std::size_t inSize = column.size();
+  std::size_t outSize = units.size();
+  return iconv(converter.get(), &in, &inSize, &out, &outSize) == static_cast<std::size_t>(-1);
+}
+
 struct ColumnFault {
   bool (*applies)(std::string_view column);
   const char* message;
@@ -66,6 +80,7 @@ constexpr ColumnFault columnFaults[] = {
     {LosesQuote, "a double quote is lost; write it as \\\" or, in a quoted cell, as two"},
     {KeepsBackslash, "a backslash stays with the character behind it; write a backslash as \\\\"},
     {LosesReturn, "a carriage return is lost"},
+    {IsNoUtf8, "bytes that are no UTF-8, which Linux does not show as they were meant"},
 };
 
 // Collects the findings on one file, record by record.
