@@ -54,7 +54,7 @@ void SettingsSave(benchmark::State& state, std::int64_t size) {
   }
 }
 
-// A message in memory.
+// A body in memory.
 class Memory final : public CTypeSerializer {
  public:
   void Write(const void* data, std::int32_t size) override {
@@ -73,29 +73,29 @@ class Memory final : public CTypeSerializer {
   std::vector<std::uint8_t> bytes;
 };
 
-void WriteMessage(Memory& message, const std::vector<std::string>& lines) {
-  message.Clear();
-  for (const std::string& line : lines) message.WriteString(line);
+void WriteBody(Memory& body, const std::vector<std::string>& lines) {
+  body.Clear();
+  for (const std::string& line : lines) body.WriteString(line);
 }
 
 void WriteStrings(benchmark::State& state) {
   const std::vector<std::string> lines = LinesOf(DataFile("strings.txt"));
-  Memory message;
+  Memory body;
   for (auto _ : state) {
-    for (int i = 0; i < 1000; ++i) WriteMessage(message, lines);
+    for (int i = 0; i < 1000; ++i) WriteBody(body, lines);
   }
 }
 
 void ReadStrings(benchmark::State& state) {
   const std::vector<std::string> lines = LinesOf(DataFile("strings.txt"));
-  Memory message;
-  WriteMessage(message, lines);
+  Memory body;
+  WriteBody(body, lines);
   std::string text;
   for (auto _ : state) {
     for (int i = 0; i < 1000; ++i) {
-      message.Rewind();
+      body.Rewind();
       for (std::size_t line = 0; line < lines.size(); ++line) {
-        if (!message.ReadString(text)) state.SkipWithError("a text is missing");
+        if (!body.ReadString(text)) state.SkipWithError("a text is missing");
       }
     }
   }
