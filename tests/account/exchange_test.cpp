@@ -131,8 +131,8 @@ TEST_F(AccountExchange, NeverReachesAServerWhoseCertificateDoesNotHold) {
       {"wrong host", authority.Issue("other.example")},
       {"unknown authority", TestAuthority().Issue(NV_SERVICE_HOST)},
   };
-  for (const auto& [what, identity] : cases) {
-    Serve({HttpReply(200, Int(0) + Int(0))}, identity);
+  for (const auto& [what, shown] : cases) {
+    Serve({HttpReply(200, Int(0) + Int(0))}, shown);
     OpenSession({"ann", "secret1"});
     EXPECT_FALSE(Run({Clicks(IDOK), Clicks(IDCANCEL)}, &CVServiceManager::Login)) << what;
     EXPECT_EQ(server->Connections(), 1) << what;
