@@ -41,7 +41,7 @@ class Module : public ::testing::Test {
 // With a map shop that offers one product.
 class ModuleOnline : public Module {
  protected:
-  const RoutedServer server{HttpReply(200, ReplyWith({{"Norrland", 1, "N", "n.nvpkg", -2}}, 7).bytes), NV_SERVICE_HOST};
+  const RoutedServer server{HttpReply(200, ReplyWith({{"Norrland", 1, "N", "n.nvpkg", -2}}, 7)), NV_SERVICE_HOST};
 };
 
 TEST_F(Module, ShowsTheTenExportsAndNothingElse) {

@@ -81,7 +81,7 @@ TEST_F(OnScreen, TheHostDownloadsWhatTheSearchFoundAndOwnsTheDialogsOfTheLibrary
 TEST_F(OnScreen, TheHostStaysAwakeWhileAServerIsSilent) {
   const RoutedServer server(
       [](const std::string& request) {
-        if (request.starts_with("POST")) return HttpReply(200, ReplyWith({{"Map", 1, "", "f", 2}}, 7).bytes);
+        if (request.starts_with("POST")) return HttpReply(200, ReplyWith({{"Map", 1, "", "f", 2}}, 7));
         return Reply{.bytes = "HTTP/1.1 200 OK\r\nContent-Length: 1000000\r\n\r\n12345", .end = Reply::End::hold};
       },
       nullptr, "service.norvane.example");

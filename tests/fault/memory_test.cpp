@@ -18,7 +18,7 @@ class ShortOfMemory : public AccountTest {};
 
 TEST_F(ShortOfMemory, ASearchGivesWhatCame) {
   const ScriptedServer shop(
-      std::vector{HttpReply(200, ReplyWith({{"A", 1, "N", "a.map", 2}, {"B", 1, "N", "b.nvpkg", 2}}, 7).bytes)});
+      std::vector{HttpReply(200, ReplyWith({{"A", 1, "N", "a.map", 2}, {"B", 1, "N", "b.nvpkg", 2}}, 7))});
   const ScopedVariable route("NV_CONNECT_TO", shop.ConnectTo(NV_SERVICE_HOST, 80));
   int items = 0;
   GoShortOfMemory(

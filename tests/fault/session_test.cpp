@@ -68,7 +68,7 @@ struct Host {
 TEST_F(CallsWithinCalls, AProgressCallbackMayCallEveryExport) {
   const ScriptedServer outer(std::vector{HttpReply(200, std::string(100'000, 'o'))});
   const ScriptedServer inner(std::vector{HttpReply(200, "in!")});
-  const ScriptedServer shop(std::vector{HttpReply(200, ReplyWith({{"Norrland", 1, "N", "n.map", -2}}, 7).bytes)});
+  const ScriptedServer shop(std::vector{HttpReply(200, ReplyWith({{"Norrland", 1, "N", "n.map", -2}}, 7))});
   const ScopedVariable route("NV_CONNECT_TO", outer.ConnectTo("outer.example", 80) + "," +
                                                   inner.ConnectTo("inner.example", 80) + "," +
                                                   shop.ConnectTo(NV_SERVICE_HOST, 80));

@@ -53,7 +53,7 @@ struct Worker {
 TEST(WebFileThreads, WorkSideBySide) {
   constexpr std::size_t count = 6;
   const TemporaryFolder folder;
-  const ScriptedServer shop(std::vector{HttpReply(200, ReplyWith({{"T", 3, "S", "F", 4}}, 7).bytes)});
+  const ScriptedServer shop(std::vector{HttpReply(200, ReplyWith({{"T", 3, "S", "F", 4}}, 7))});
   std::string routes = shop.ConnectTo(NV_SERVICE_HOST, 80);
   std::vector<std::unique_ptr<Worker>> workers;
   for (std::size_t i = 0; i < count; ++i) {
