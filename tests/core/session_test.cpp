@@ -42,13 +42,6 @@ std::string SettingsOf(const TemporaryHome& home, const std::string& product) {
   return home.folder / ("data/" + product + "-Service/settings.ini");
 }
 
-// What the account holder of a password gets back from the file.
-std::string ThroughTheFile(const std::string& password) {
-  const TemporaryHome home;
-  SaveAs("P", "u", password, true);
-  return std::string(ProbeSession("P").m_password.view());
-}
-
 TEST(Credentials, KeepTheFirstSixteenLettersAndDigits) {
   const Credential abc = {11, 12, 13};
   for (const char* text : {"abc", "ABC", " a-b\u00e9.c!"}) EXPECT_EQ(EncodeCredential(text), abc) << text;
@@ -59,7 +52,11 @@ TEST(Credentials, KeepTheFirstSixteenLettersAndDigits) {
       {"a b c d e f g h 0.1.2.3.4.5.6.7.8.9", "abcdefgh01234567"},
       {"?! \u00e9", ""},
   };
-  for (const auto& [typed, kept] : cases) EXPECT_EQ(ThroughTheFile(typed), kept) << typed;
+  for (const auto& [typed, kept] : cases) {
+    const TemporaryHome home;
+    SaveAs("P", "u", typed, true);
+    EXPECT_EQ(ProbeSession("P").m_password, kept) << typed;
+  }
 }
 
 TEST(Session, ReadsWhatTheOneBeforeSaved) {
@@ -108,7 +105,6 @@ TEST(Session, ReadsAnOddPasswordAsFarAsItGoes) {
   for (const auto& [value, password] : cases) {
     WriteWholeFile(SettingsOf(home, "P"), "UserID=u\nPasswd=" + value + "\n");
     const ProbeSession session("P");
-    EXPECT_EQ(session.m_userId, "u");
     EXPECT_EQ(session.m_password, password) << value;
   }
 }
