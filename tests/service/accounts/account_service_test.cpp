@@ -149,6 +149,7 @@ TEST(AccountSettings, AreReadFromTheirVariables) {
 TEST(ToUtf8, TakesWhatIsNoneForWindows1252) {
   const std::pair<std::string, const char*> cases[] = {
       {"J\u00FCrgen \u5BCC \U0001F5FA", "J\u00FCrgen \u5BCC \U0001F5FA"},
+      {"\u0080 \u0800 \U00010000", "\u0080 \u0800 \U00010000"},
       {"J\xFCrgen \x80\x92\x81", "J\u00FCrgen \u20AC\u2019\u0081"},
       {"Zo\xC3", "Zo\u00C3"},
       {"\xC0\xAFx", "\u00C0\u00AFx"},                    // in more bytes than it needs
