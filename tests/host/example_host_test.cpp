@@ -75,7 +75,7 @@ TEST(ExampleHost, ShowsWhatTheServiceOffersAndTellsFailuresApartByItsExitCode) {
 
 TEST(ExampleHost, LeavesNothingOfAFileThatIsNotWhole) {
   const Reply silent{.bytes = "", .end = Reply::End::hold};
-  Reply part{.bytes = "HTTP/1.1 200 OK\r\nContent-Length: 1000000\r\n\r\n12345", .end = Reply::End::hold};
+  Reply part{.bytes = "HTTP/1.1 200 OK\r\nContent-Length: 100000\r\n\r\n12345", .end = Reply::End::hold};
   Reply closed = part;
   closed.end = Reply::End::close;
   const struct {
@@ -88,7 +88,7 @@ TEST(ExampleHost, LeavesNothingOfAFileThatIsNotWhole) {
       {"no head, Ctrl-C", silent, SIGINT, 130, "stopped; nothing was kept"},
       {"a part of the body, Ctrl-C", part, SIGINT, 130, "stopped; nothing was kept"},
       {"a part of the body, SIGTERM", part, SIGTERM, 143, "stopped; nothing was kept"},
-      {"a part of the body, the end", closed, 0, 11, "incomplete: 5 of 1,000,000 bytes; nothing was kept"},
+      {"a part of the body, the end", closed, 0, 11, "incomplete: 5 of 100,000 bytes; nothing was kept"},
   };
   for (const auto& row : cases) {
     SCOPED_TRACE(row.name);
