@@ -8,9 +8,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
-#include <QStyle>
-#include <QStyleOptionButton>
-#include <QStyleOptionFrame>
+#include <QStyleOption>
 #include <QTimer>
 #include <QWindow>
 #include <functional>

@@ -4,7 +4,6 @@
 //   module MODULE TIMES   loads the module, asks for a token and unloads it
 #include <clocale>
 #include <cstdlib>
-#include <sstream>
 
 #include "display/module_cycle.h"
 #include "resources/resource_ids.h"
@@ -30,10 +29,10 @@ class ProbeDialog final : public Dialog {
   ProbeDialog() : Dialog(IDD_SIGN_IN) {}
 
   INT_PTR onInitDialog(WPARAM, LPARAM) override {
-    TellPlaces();
     setItemText(IDC_USER_ID, "given");
     setItemText(IDC_SAVE_PASSWORD, "Sa&ve");
     SendMessageA(hwnd, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(hwnd, IDC_USER_ID)), 1);
+    Tell("open");
     return 0;
   }
 
@@ -59,20 +58,6 @@ class ProbeDialog final : public Dialog {
       return Dialog::onDialogCommand(id, control, code);
     }
     Tell("done", id);
-  }
-
- private:
-  // The middle of each control, relative to the dialog's client area.
-  void TellPlaces() const {
-    std::ostringstream places;
-    for (const int id : {IDC_USER_ID, IDC_SAVE_PASSWORD, IDC_CREATE_ACCOUNT, IDC_FORGOT, IDC_HELP_PAGE, IDOK}) {
-      RECT place{};
-      GetWindowRect(GetDlgItem(hwnd, id), &place);
-      POINT middle{(place.left + place.right) / 2, (place.top + place.bottom) / 2};
-      MapWindowPoints(nullptr, hwnd, &middle, 1);
-      places << id << ' ' << middle.x << ' ' << middle.y << ' ';
-    }
-    Tell("places", places.str());
   }
 };
 

@@ -7,16 +7,14 @@
 
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <string>
 
 namespace nvsupport::testing {
 
 inline bool IsMapped(const std::string& library) {
   std::ifstream maps("/proc/self/maps");
-  for (std::string line; std::getline(maps, line);) {
-    if (line.find(library) != std::string::npos) return true;
-  }
-  return false;
+  return std::string(std::istreambuf_iterator<char>(maps), {}).find(library) != std::string::npos;
 }
 
 inline void RunModuleCycle(const char* modulePath) {

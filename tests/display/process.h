@@ -2,37 +2,106 @@
 #ifndef NVSUPPORT_TESTS_DISPLAY_PROCESS_H
 #define NVSUPPORT_TESTS_DISPLAY_PROCESS_H
 
-#include <sys/types.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <chrono>
+#include <cstdlib>
 #include <functional>
 #include <map>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 namespace nvsupport::testing {
 
-// Asks until it holds, for 20 seconds at most.
-bool WaitUntil(const std::function<bool()>& condition);
+inline constexpr std::chrono::seconds longestWait(20);
+
+// Asks until it holds, or for the longest wait.
+inline bool WaitUntil(const std::function<bool()>& condition) {
+  using std::chrono::steady_clock;
+  for (const auto end = steady_clock::now() + longestWait; steady_clock::now() < end;) {
+    if (condition()) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  return false;
+}
 
 class Process {
  public:
   // An empty value takes the variable out of the program's environment. Standard error goes where the output goes if
   // `withErrors`, else where the test's goes.
   explicit Process(std::vector<std::string> command, const std::map<std::string, std::string>& environment = {},
-                   bool withErrors = false);
+                   bool withErrors = false) {
+    int ends[2];
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) return;
+    process = fork();
+    if (process == 0) {
+      // Ends even if the test itself is killed.
+      prctl(PR_SET_PDEATHSIG, SIGKILL);
+      dup2(ends[1], STDIN_FILENO);
+      dup2(ends[1], STDOUT_FILENO);
+      if (withErrors) dup2(ends[1], STDERR_FILENO);
+      for (const auto& [name, value] : environment) {
+        value.empty() ? unsetenv(name.c_str()) : setenv(name.c_str(), value.c_str(), 1);
+      }
+      std::vector<char*> arguments;
+      for (std::string& argument : command) arguments.push_back(argument.data());
+      arguments.push_back(nullptr);
+      execvp(arguments[0], arguments.data());
+      _exit(127);
+    }
+    close(ends[1]);
+    channel = ends[0];
+    const timeval limit{longestWait.count(), 0};
+    setsockopt(channel, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+  }
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;
-  ~Process();
+  ~Process() {
+    close(channel);
+    if (process <= 0) return;
+    kill(process, SIGTERM);
+    waitpid(process, nullptr, 0);
+  }
 
-  void Signal(int number) const;
-  void WriteLine(const std::string& line) const;
-  // The next line of its output, empty at its end and after 20 seconds without one.
-  std::string ReadLine();
+  void Signal(int number) const { EXPECT_EQ(kill(process, number), 0); }
+  void WriteLine(const std::string& line) const {
+    const std::string bytes = line + "\n";
+    EXPECT_EQ(write(channel, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+  }
+
+  // The next line of its output, empty at its end and after the longest wait.
+  std::string ReadLine() const {
+    std::string line;
+    for (char character; read(channel, &character, 1) == 1 && character != '\n';) line += character;
+    return line;
+  }
+
   // The rest of the first line that starts with `key` and a blank; earlier ones are passed over. Fails the test and
   // is empty if there is none.
-  std::string Find(const std::string& key);
+  std::string Find(const std::string& key) const {
+    std::string seen;
+    for (std::string line = ReadLine(); !line.empty(); line = ReadLine()) {
+      if (line.starts_with(key + " ")) return line.substr(key.size() + 1);
+      seen += line + "\n";
+    }
+    ADD_FAILURE() << "no line " << key << " behind\n" << seen;
+    return {};
+  }
+
   // Waits for its end: the exit code, -1 if a signal ended it.
-  int Join();
+  int Join() {
+    int status = 0;
+    shutdown(channel, SHUT_WR);
+    waitpid(std::exchange(process, -1), &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
 
  private:
   pid_t process = -1;

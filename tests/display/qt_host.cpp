@@ -7,11 +7,7 @@
 //   qt_host MODULE thread   asks on another thread than that of its application
 #include <malloc.h>
 
-#include <QApplication>
-#include <QKeyEvent>
-#include <QTimer>
-#include <QWidget>
-#include <QWindow>
+#include <QtWidgets>
 #include <thread>
 
 #include "display/module_cycle.h"

@@ -21,7 +21,7 @@ class KeptConnection : public ::testing::TestWithParam<DWORD> {
   Exchange Open(const char* verb = "GET") const { return Exchange({.flags = GetParam(), .verb = verb}); }
   const TlsIdentity* Identity() const { return GetParam() != 0 ? &identity : nullptr; }
 
-  const TrustedAuthority authority;
+  const TrustedAuthority authority{};
   const TlsIdentity identity = authority.Issue(serverName);
 };
 
@@ -100,7 +100,7 @@ TEST_P(KeptConnection, IsNotInheritedByProgramsOfTheHost) {
 }
 
 TEST(KeptConnectionOverTls, CountsNoMoreThanANewOneWhenTheTrustIsGone) {
-  const TrustedAuthority authority;
+  const TrustedAuthority authority{};
   const TlsIdentity identity = authority.Issue(serverName);
   RoutedServer server(std::vector{HttpReply(200, "body")}, &identity);
   EXPECT_EQ(Exchange({.flags = INTERNET_FLAG_SECURE}).Fetch(), "body");
