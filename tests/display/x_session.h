@@ -53,6 +53,11 @@ class XSession {
     const std::vector<std::string> openbox = {"openbox", "--sm-disable", "--config-file", NV_OPENBOX_CONFIGURATION};
     windowManager = std::make_unique<Process>(openbox, environment, true);
     EXPECT_TRUE(WaitUntil([this] { return !Do("get_desktop").empty(); })) << "the window manager keeps desktops";
+    // It has started once it takes a window and lets it go again.
+    const xcb_window_t window = MakeWindow({{0, 0}, 50, 50});
+    EXPECT_TRUE(WaitUntil([this] { return Property(root, "_NET_CLIENT_LIST").size() == 1; }));
+    xcb_destroy_window(connection, window);
+    EXPECT_TRUE(WaitUntil([this] { return Property(root, "_NET_CLIENT_LIST").empty(); }));
   }
 
   XSession(const XSession&) = delete;
@@ -115,7 +120,11 @@ class XSession {
     EXPECT_TRUE(WaitUntil([&] {
       found = static_cast<xcb_window_t>(std::atoll(Do("search --onlyvisible --name '^" + title + "$'").c_str()));
       const auto focus = Own(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
-      return found != 0 && focus != nullptr && focus->focus == found;
+      if (found == 0 || focus == nullptr) return false;
+      if (focus->focus == found) return true;
+      // A window manager need not give a new window the input; the user clicks on it then.
+      if (windowManager != nullptr) Do("windowactivate " + std::to_string(found));
+      return false;
     })) << title;
     return found;
   }
