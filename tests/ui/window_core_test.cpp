@@ -159,7 +159,9 @@ TEST_F(WindowCore, OpensADialogInsideADialogWhichGoesWithIt) {
       EXPECT_EQ(PlayedUser::ViewOf(dialog)->owner, outer);
       EXPECT_FALSE(person.enabled[outer]);
     }
-    if (dialog != outer && message == WM_DESTROY) EXPECT_TRUE(person.enabled[outer]);
+    if (dialog != outer && message == WM_DESTROY) {
+      EXPECT_TRUE(person.enabled[outer]);
+    }
     EndOnButton(dialog, message, wParam, lParam);
   };
   person.steps = {[&](HWND dialog) {
