@@ -147,14 +147,6 @@ void PlaceControl(QWidget& widget, const RECT& rectangle) {
   widget.setGeometry(place);
 }
 
-void PutFirstInFront(const std::vector<QWidget*>& widgets) {
-  for (std::size_t i = 1; i < widgets.size(); ++i) {
-    for (std::size_t j = 0; j < i; ++j) {
-      if (widgets[i]->geometry().intersects(widgets[j]->geometry())) widgets[i]->stackUnder(widgets[j]);
-    }
-  }
-}
-
 void ShowControlText(QWidget& widget, const std::string& text) {
   const QString marked = QString::fromStdString(text);
   const QString plain = WithoutMarks(marked);

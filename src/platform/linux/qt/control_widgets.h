@@ -19,9 +19,6 @@ inline QRect ToQRect(const RECT& r) {
 std::vector<QWidget*> MakeControlWidgets(const std::vector<ControlView>& controls, QDialog& dialog);
 
 void PlaceControl(QWidget& widget, const RECT& rectangle);
-// Where controls overlap, the first of them is in front and takes the clicks. The others keep the order in which
-// assistive tools find them.
-void PutFirstInFront(const std::vector<QWidget*>& widgets);
 
 // Text with '&' marks. One that does not fit is also the tool tip, since nothing is resized.
 void ShowControlText(QWidget& widget, const std::string& text);

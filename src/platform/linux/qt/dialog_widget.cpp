@@ -39,7 +39,7 @@ DialogWidget::DialogWidget(const DialogView& view, DisplayEvents& coreEvents)
     : QDialog(nullptr, dialogFlags), handle(view.handle), events(&coreEvents) {
   setWindowTitle(QString::fromStdString(view.title));
   setFixedSize(view.width, view.height);
-  widgets = MakeControlWidgets(view.controls, *this);
+  const std::vector<QWidget*> widgets = MakeControlWidgets(view.controls, *this);
   for (std::size_t i = 0; i < widgets.size(); ++i) Connect(view.controls[i], *widgets[i]);
 }
 
@@ -72,7 +72,6 @@ void DialogWidget::SetOwner(OwnerWindow ownerWindow) {
 }
 
 void DialogWidget::ShowActive() {
-  PutFirstInFront(widgets);
   show();
   activateWindow();
 }

@@ -5,7 +5,6 @@
 #include <QDialog>
 #include <QMargins>
 #include <map>
-#include <vector>
 
 #include "owner_window.h"
 #include "windowing/display.h"
@@ -62,7 +61,6 @@ class DialogWidget final : public QDialog {
   DisplayEvents* events;          // null once abandoned or retired
   const bool* isEnded = nullptr;  // null until the dialog runs
   OwnerWindow owner;
-  std::vector<QWidget*> widgets;  // of the controls, in template order
   std::map<HWND, QWidget*> controls;
   HWND focused = nullptr;  // the control that the core knows to have the focus
   bool placing = false;    // within a change of place or focus by the program
