@@ -1,7 +1,5 @@
 #include "account_fixture.h"
 
-#include <cstdlib>
-
 #include "nvsupport/nvsupport.h"
 
 namespace nvsupport::testing {
@@ -48,11 +46,6 @@ std::string TextOf(HWND dialog, int id) {
   return {text, GetDlgItemTextA(dialog, id, text, sizeof text)};
 }
 
-AccountTest::AccountTest() {
-  WriteWholeFile(home.folder / "authority.pem", authority.Certificate());
-  ServeNobody();
-}
-
 void AccountTest::Serve(const std::vector<std::string>& bodies) {
   std::vector<Reply> replies;
   for (const std::string& body : bodies) replies.push_back(HttpReply(200, body));
@@ -60,13 +53,7 @@ void AccountTest::Serve(const std::vector<std::string>& bodies) {
 }
 
 void AccountTest::Serve(std::vector<Reply> replies, const TlsIdentity& shown) {
-  server = std::make_unique<ScriptedServer>(std::move(replies), &shown);
-  setenv("NV_CONNECT_TO", server->ConnectTo(NV_SERVICE_HOST, 443).c_str(), 1);
-}
-
-void AccountTest::ServeNobody() {
-  server.reset();
-  setenv("NV_CONNECT_TO", NV_SERVICE_HOST ":443:127.0.0.1:1", 1);
+  server = std::make_unique<ScriptedServer>(std::move(replies), NV_SERVICE_HOST, shown);
 }
 
 std::vector<std::string> AccountTest::Requests() const {

@@ -43,14 +43,13 @@ std::string TextOf(HWND dialog, int id);
 
 class AccountTest : public ::testing::Test {
  protected:
-  AccountTest();
   ~AccountTest() override { CloseSession(); }
 
   // From now on requests are answered by these bodies, one each and the last one again and again.
   void Serve(const std::vector<std::string>& bodies);
   void Serve(std::vector<Reply> replies, const TlsIdentity& shown);
   // From now on nobody answers.
-  void ServeNobody();
+  void ServeNobody() { server.reset(); }
   // The bodies of the requests that the server has got.
   std::vector<std::string> Requests() const;
 
@@ -64,6 +63,7 @@ class AccountTest : public ::testing::Test {
   bool Run(const Steps& steps, Operation operation);
 
   TemporaryHome home;
+  const ScopedVariable nowhere{"NV_CONNECT_TO", NV_SERVICE_HOST ":443:127.0.0.1:1"};
   TestAuthority authority;
   const TlsIdentity identity = authority.Issue(NV_SERVICE_HOST);
   std::unique_ptr<ScriptedServer> server;
@@ -71,8 +71,6 @@ class AccountTest : public ::testing::Test {
 
  private:
   const std::string profile = home.folder / "data/Test Product-Service/settings.ini";
-  ScopedVariable trust{"SSL_CERT_FILE", home.folder / "authority.pem"};
-  ScopedVariable connectTo{"NV_CONNECT_TO", ""};
 };
 
 }  // namespace nvsupport::testing

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "mapshop/map_shop_reply.h"
-#include "support/routed_server.h"
 #include "support/run_program.h"
+#include "support/scripted_server.h"
 #include "support/temporary_home.h"
 
 namespace nvsupport::testing {
@@ -27,7 +27,7 @@ class Module : public ::testing::Test {
 // With a map shop that offers one product.
 class ModuleOnline : public Module {
  protected:
-  const RoutedServer server{HttpReply(200, ReplyWith({{"Norrland", 1, "N", "n.nvpkg", -2}}, 7)), NV_SERVICE_HOST};
+  const ScriptedServer server{HttpReply(200, ReplyWith({{"Norrland", 1, "N", "n.nvpkg", -2}}, 7)), NV_SERVICE_HOST};
 };
 
 TEST_F(Module, ShowsTheTenExportsAndNothingElse) {

@@ -8,7 +8,7 @@
 #include "display/x_session.h"
 #include "mapshop/map_shop_reply.h"
 #include "service/local_service.h"
-#include "support/routed_server.h"
+#include "support/scripted_server.h"
 
 namespace nvsupport::testing {
 namespace {
@@ -79,12 +79,12 @@ TEST_F(OnScreen, TheHostDownloadsWhatTheSearchFoundAndOwnsTheDialogsOfTheLibrary
 }
 
 TEST_F(OnScreen, TheHostStaysAwakeWhileAServerIsSilent) {
-  const RoutedServer server(
+  const ScriptedServer server(
       [](const std::string& request) {
         if (request.starts_with("POST")) return HttpReply(200, ReplyWith({{"Map", 1, "", "f", 2}}, 7));
         return Reply{.bytes = "HTTP/1.1 200 OK\r\nContent-Length: 1000000\r\n\r\n12345", .end = Reply::End::hold};
       },
-      nullptr, "service.norvane.example");
+      "service.norvane.example");
   Process host({NV_HOST_WINDOW}, screen.Environment());
   const xcb_window_t window = StartDownload();
   EXPECT_TRUE(WaitUntil([&] { return std::filesystem::exists(file + ".TMP"); }));

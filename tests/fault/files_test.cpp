@@ -9,7 +9,8 @@
 #include "language/translation_catalogue.h"
 #include "nvsupport/nvsupport.h"
 #include "storage/settings_file.h"
-#include "support/routed_server.h"
+#include "support/scripted_server.h"
+#include "support/temporary_home.h"
 
 namespace nvsupport {
 namespace {
@@ -57,10 +58,8 @@ TEST(OddFiles, AFileIsNobodyElsesWhileItIsWritten) {
 
 TEST(OddFiles, OfTwoDownloadsToOneFileTheFirstCounts) {
   const TemporaryFolder folder;
-  const ScriptedServer first(std::vector{HttpReply(200, std::string(100'000, 'a'))});
-  const ScriptedServer second(std::vector{HttpReply(200, std::string(200'000, 'b'))});
-  const ScopedVariable route("NV_CONNECT_TO",
-                             first.ConnectTo("a.example", 80) + "," + second.ConnectTo("b.example", 80));
+  const ScriptedServer first(HttpReply(200, std::string(100'000, 'a')), "a.example");
+  const ScriptedServer second(HttpReply(200, std::string(200'000, 'b')), "b.example");
   const std::string file = folder / "map";
   const auto another = [](void* name) {
     return !x77fc64c7("b.example", "/", static_cast<const std::string*>(name)->c_str(), nullptr, nullptr);
@@ -71,7 +70,7 @@ TEST(OddFiles, OfTwoDownloadsToOneFileTheFirstCounts) {
 
 TEST(OddFiles, WhatIsNoFileIsNeitherWrittenNorMovedNorDeleted) {
   const TemporaryFolder folder;
-  const RoutedServer server(HttpReply(200, "body"));
+  const ScriptedServer server(HttpReply(200, "body"));
   const std::string file = folder / "map";
   const std::string temporary = file + ".TMP";
   const auto download = [&] { return x77fc64c7(serverName, "/", file.c_str(), nullptr, nullptr); };
@@ -99,7 +98,7 @@ TEST(OddFiles, WhatIsNoFileIsNeitherWrittenNorMovedNorDeleted) {
 
 TEST(OddFiles, AFileSizeLimitIsAFailureAndNoSignal) {
   const TemporaryHome home;
-  const RoutedServer server(HttpReply(200, std::string(5000, 'x')));
+  const ScriptedServer server(HttpReply(200, std::string(5000, 'x')));
   const std::string file = home.folder / "map";
   fs::create_directories(home.folder / "documents/NVTranslation");
   CSettingsFile settings;

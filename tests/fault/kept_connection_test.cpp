@@ -19,17 +19,17 @@ namespace {
 class KeptConnection : public ::testing::TestWithParam<DWORD> {
  protected:
   Exchange Open(const char* verb = "GET") const { return Exchange({.flags = GetParam(), .verb = verb}); }
-  const TlsIdentity* Identity() const { return GetParam() != 0 ? &identity : nullptr; }
 
-  const TrustedAuthority authority{};
-  const TlsIdentity identity = authority.Issue(serverName);
+  const TestAuthority authority;
+  const TlsIdentity shown = GetParam() != 0 ? authority.Issue(serverName) : TlsIdentity{};
 };
 
 INSTANTIATE_TEST_SUITE_P(Over, KeptConnection, ::testing::Values(DWORD{0}, INTERNET_FLAG_SECURE),
                          [](const auto& over) { return over.param != 0 ? "Tls" : "Plain"; });
 
 TEST_P(KeptConnection, ServesTheNextExchange) {
-  RoutedServer server(std::vector{HttpReply(200, "one"), HttpReply(404, "two"), HttpReply(200, "three")}, Identity());
+  const ScriptedServer server(std::vector{HttpReply(200, "one"), HttpReply(404, "two"), HttpReply(200, "three")},
+                              serverName, shown);
   EXPECT_EQ(Open().Fetch(), "one");
   EXPECT_TRUE(Open().Send()) << "a short reply that nobody reads is at its end all the same";
   EXPECT_EQ(Open("POST").Fetch("body"), "three");
@@ -38,7 +38,7 @@ TEST_P(KeptConnection, ServesTheNextExchange) {
 
 TEST_P(KeptConnection, IsNotKeptInTheMiddleOfAReply) {
   const std::string large(3'000'000, 'l');  // more than is read ahead
-  RoutedServer server(std::vector{HttpReply(200, large), HttpReply(200, "next")}, Identity());
+  const ScriptedServer server(std::vector{HttpReply(200, large), HttpReply(200, "next")}, serverName, shown);
   EXPECT_TRUE(Open().Send());
   EXPECT_EQ(Open().Fetch(), "next");
   EXPECT_EQ(server.Connections(), 2);
@@ -48,7 +48,8 @@ TEST_P(KeptConnection, IsNotKeptInTheMiddleOfAReply) {
 TEST_P(KeptConnection, RepeatsNoRequestWithABody) {
   for (const char* verb : {"GET", "POST"}) {
     SCOPED_TRACE(verb);
-    RoutedServer server(std::vector{HttpReply(200, "one"), Reply{}, HttpReply(200, "again")}, Identity());
+    const ScriptedServer server(std::vector{HttpReply(200, "one"), Reply{}, HttpReply(200, "again")}, serverName,
+                                shown);
     EXPECT_EQ(Open().Fetch(), "one");
     const bool post = verb == std::string("POST");
     EXPECT_EQ(Open(verb).Fetch(post ? "body" : ""), post ? "!" : "again");
@@ -59,17 +60,14 @@ TEST_P(KeptConnection, RepeatsNoRequestWithABody) {
 
 TEST_P(KeptConnection, IsReplacedWhenTheServerHasClosedIt) {
   const std::string once = HttpReply(200, "once").bytes;
-  RoutedServer server(std::vector{Reply{.bytes = once}}, Identity());
+  const ScriptedServer server(std::vector{Reply{.bytes = once}}, serverName, shown);
   for (int i = 0; i < 20; ++i) EXPECT_EQ(Open().Fetch(), "once");
 }
 
 // A child that used or closed the connection would disturb its parent's.
 TEST_P(KeptConnection, IsLeftAloneByAForkedChild) {
-  ScriptedServer server({HttpReply(200, "body")}, Identity());
-  ScriptedServer another({HttpReply(200, "other")});
-  const ScopedVariable route("NV_CONNECT_TO", server.ConnectTo(serverName, 80) + "," +
-                                                  server.ConnectTo(serverName, 443) + "," +
-                                                  another.ConnectTo("other.example", 80));
+  const ScriptedServer server(HttpReply(200, "body"), serverName, shown);
+  const ScriptedServer another(HttpReply(200, "other"), "other.example");
   const auto fetchInChild = [](const Target& target) {
     const pid_t child = fork();
     if (child == 0) _exit(Exchange(target).Fetch() == "!" ? 1 : 0);
@@ -94,17 +92,16 @@ TEST_P(KeptConnection, IsNotInheritedByProgramsOfTheHost) {
     }
     return found;
   };
-  RoutedServer server(std::vector{HttpReply(200, "body")}, Identity());
+  const ScriptedServer server(std::vector{HttpReply(200, "body")}, serverName, shown);
   EXPECT_EQ(Open().Fetch(), "body");
   for (const int descriptor : sockets()) EXPECT_NE(fcntl(descriptor, F_GETFD) & FD_CLOEXEC, 0) << descriptor;
 }
 
 TEST(KeptConnectionOverTls, CountsNoMoreThanANewOneWhenTheTrustIsGone) {
-  const TrustedAuthority authority{};
-  const TlsIdentity identity = authority.Issue(serverName);
-  RoutedServer server(std::vector{HttpReply(200, "body")}, &identity);
+  const TestAuthority authority;
+  const ScriptedServer server(HttpReply(200, "body"), serverName, authority.Issue(serverName));
   EXPECT_EQ(Exchange({.flags = INTERNET_FLAG_SECURE}).Fetch(), "body");
-  const TrustedAuthority other;
+  const TestAuthority other;
   EXPECT_EQ(Exchange({.flags = INTERNET_FLAG_SECURE}).Fetch(), "!");
 }
 

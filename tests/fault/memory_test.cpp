@@ -17,9 +17,8 @@ namespace fs = std::filesystem;
 class ShortOfMemory : public AccountTest {};
 
 TEST_F(ShortOfMemory, ASearchGivesWhatCame) {
-  const ScriptedServer shop(
-      std::vector{HttpReply(200, ReplyWith({{"A", 1, "N", "a.map", 2}, {"B", 1, "N", "b.nvpkg", 2}}, 7))});
-  const ScopedVariable route("NV_CONNECT_TO", shop.ConnectTo(NV_SERVICE_HOST, 80));
+  const ScriptedServer shop(HttpReply(200, ReplyWith({{"A", 1, "N", "a.map", 2}, {"B", 1, "N", "b.nvpkg", 2}}, 7)),
+                            NV_SERVICE_HOST);
   int items = 0;
   GoShortOfMemory(
       [&] {
@@ -34,8 +33,7 @@ TEST_F(ShortOfMemory, ASearchGivesWhatCame) {
 }
 
 TEST_F(ShortOfMemory, ADownloadIsWholeOrLeavesNothing) {
-  const ScriptedServer web(std::vector{HttpReply(200, std::string(10'000, 'x'))});
-  const ScopedVariable route("NV_CONNECT_TO", web.ConnectTo("web.example", 80));
+  const ScriptedServer web(HttpReply(200, std::string(10'000, 'x')));
   const std::string file = home.folder / "map";
   bool done = false;
   GoShortOfMemory([&] { done = x77fc64c7("web.example", "/", file.c_str(), nullptr, nullptr); },
@@ -48,8 +46,7 @@ TEST_F(ShortOfMemory, ADownloadIsWholeOrLeavesNothing) {
 }
 
 TEST_F(ShortOfMemory, ARangedReadIsWholeOrFails) {
-  const ScriptedServer web(std::vector{HttpReply(206, "abc")});
-  const ScopedVariable route("NV_CONNECT_TO", web.ConnectTo("web.example", 80));
+  const ScriptedServer web(HttpReply(206, "abc"));
   char part[4] = "";
   std::int32_t got = 0;
   GoShortOfMemory([&] { got = xfa704a3f("web.example", "/", 0, 3, part, nullptr, nullptr); },

@@ -99,8 +99,8 @@ class SecretsInMemory : public AccountTest {
     if (service == 0) {
       close(stop[1]);
       Serve({Int(0) + Int(0), Int(0) + Text(sessionToken.Reveal())});
-      const std::string route = server->ConnectTo(NV_SERVICE_HOST, 443);
-      if (write(ports[1], route.c_str(), route.size() + 1) < 0) _exit(1);
+      const char* const route = std::getenv("NV_CONNECT_TO");
+      if (write(ports[1], route, std::strlen(route) + 1) < 0) _exit(1);
       char byte;
       while (read(stop[0], &byte, 1) > 0) {
       }

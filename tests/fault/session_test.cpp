@@ -66,12 +66,9 @@ struct Host {
 };
 
 TEST_F(CallsWithinCalls, AProgressCallbackMayCallEveryExport) {
-  const ScriptedServer outer(std::vector{HttpReply(200, std::string(100'000, 'o'))});
-  const ScriptedServer inner(std::vector{HttpReply(200, "in!")});
-  const ScriptedServer shop(std::vector{HttpReply(200, ReplyWith({{"Norrland", 1, "N", "n.map", -2}}, 7))});
-  const ScopedVariable route("NV_CONNECT_TO", outer.ConnectTo("outer.example", 80) + "," +
-                                                  inner.ConnectTo("inner.example", 80) + "," +
-                                                  shop.ConnectTo(NV_SERVICE_HOST, 80));
+  const ScriptedServer outer(HttpReply(200, std::string(100'000, 'o')), "outer.example");
+  const ScriptedServer inner(HttpReply(200, "in!"), "inner.example");
+  const ScriptedServer shop(HttpReply(200, ReplyWith({{"Norrland", 1, "N", "n.map", -2}}, 7)), NV_SERVICE_HOST);
   person.steps = {Clicks(IDCANCEL)};
   Host host{home.folder / "map"};
   EXPECT_TRUE(x77fc64c7("outer.example", "/", host.file.c_str(), Host::OnProgress, &host));

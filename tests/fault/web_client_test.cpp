@@ -69,7 +69,7 @@ TEST(WebClientFaults, GivesAServerUpThatDoesNotComeToThePoint) {
     SCOPED_TRACE(entry.name);
     const bool secure = entry.target.flags != 0;
     // The second reply comes on the connection of the first.
-    RoutedServer server(std::vector{entry.reply, HttpReply(200, "well"), entry.reply});
+    ScriptedServer server(std::vector{entry.reply, HttpReply(200, "well"), entry.reply});
     for (const bool kept : {false, true}) {
       SCOPED_TRACE(kept ? "kept connection" : "new connection");
       const double seconds = SecondsOf([&] {
@@ -93,7 +93,7 @@ TEST(WebClientFaults, GivesAServerUpThatDoesNotComeToThePoint) {
 
 TEST(WebClientFaults, CountsTheTimeOfAllRedirectsTogether) {
   const ShortTimeouts timeouts;
-  RoutedServer server([](const std::string&) {
+  ScriptedServer server([](const std::string&) {
     std::this_thread::sleep_for(200ms);
     return HttpReply(301, "", "Location: /x\r\n");
   });
@@ -104,7 +104,7 @@ TEST(WebClientFaults, CountsTheTimeOfAllRedirectsTogether) {
 TEST(WebClientFaults, EndsAnEndlessReplyToARequestWithABody) {
   const ShortTimeouts timeouts;
   const std::string large(ShortTimeouts::replySize + 1, 'b');
-  RoutedServer server(HttpReply(200, large));
+  ScriptedServer server(HttpReply(200, large));
   for (const char* verb : {"GET", "POST"}) {
     const bool limited = verb == std::string("POST");
     Exchange exchange({.verb = verb});
@@ -115,7 +115,7 @@ TEST(WebClientFaults, EndsAnEndlessReplyToARequestWithABody) {
 
 TEST(WebClientFaults, DoesNotCountTheTimeThatTheCallerTakes) {
   const std::string body(3'000'000, 'b');
-  RoutedServer server(HttpReply(200, body));
+  ScriptedServer server(HttpReply(200, body));
   Exchange exchange;
   ASSERT_TRUE(exchange.Send());
   const ShortTimeouts timeouts;
@@ -133,31 +133,26 @@ TEST(WebClientFaults, EndsAnEndlessHead) {
   }
   const std::string otherProtocol = "HTTP/1.1 101 Switch\r\n\r\n" + std::string(1'000'000, 'x');
   for (const std::string& bytes : {lines, interims, otherProtocol, std::string("SSH-2.0\r\n")}) {
-    RoutedServer server(Reply{.bytes = bytes, .end = Reply::End::hold});
+    ScriptedServer server(Reply{.bytes = bytes, .end = Reply::End::hold});
     EXPECT_LT(SecondsOf([] { EXPECT_FALSE(Exchange().Send()); }), 5.0) << bytes.substr(0, 40);
   }
 }
 
 // What went over TLS, a password perhaps, was meant for that host alone.
 TEST(WebClientFaults, FollowsARedirectIntoTlsButThenNeverOffTheHostOrOutOfTls) {
-  const TrustedAuthority authority;
-  const TlsIdentity identity = authority.Issue(serverName);
-  const TlsIdentity otherIdentity = authority.Issue("other.example");
+  const TestAuthority authority;
   const auto redirect = [](int status, const std::string& place) {
     return HttpReply(status, "", "Location: " + place + "\r\n");
   };
-  ScriptedServer plain({redirect(301, "https://web.example/a")});
-  ScriptedServer other({HttpReply(200, "theirs")}, &otherIdentity);
+  const ScriptedServer plain(redirect(301, "https://web.example/a"), "");  // of every name
+  const ScriptedServer other(HttpReply(200, "theirs"), "other.example", authority.Issue("other.example"));
   std::string place;
   const std::string safe(3'000'000, 's');  // more than TLS and the client hold back at a time
-  ScriptedServer secure(
+  const ScriptedServer secure(
       [&](const std::string& request) {
         return request.find(" /a ") != std::string::npos ? redirect(307, place) : HttpReply(200, safe);
       },
-      &identity);
-  const ScopedVariable route("NV_CONNECT_TO", plain.ConnectTo(serverName, 80) + "," + plain.ConnectTo("", 80) + "," +
-                                                  secure.ConnectTo(serverName, 443) + "," +
-                                                  other.ConnectTo("other.example", 443));
+      serverName, authority.Issue(serverName));
   for (const char* kept : {"/b", "https://web.example/b", "https://WEB.example:443/b"}) {
     SCOPED_TRACE(place = kept);
     Exchange into({.verb = "POST"});
@@ -177,20 +172,18 @@ TEST(WebClientFaults, FollowsARedirectIntoTlsButThenNeverOffTheHostOrOutOfTls) {
 
 // A server that goes in the middle of a request would raise a signal that ends a host which does not expect it.
 TEST(WebClientFaults, SurvivesAServerThatGoesWhileItIsSentTo) {
-  const TrustedAuthority authority;
-  const TlsIdentity identity = authority.Issue(serverName);
+  const TestAuthority authority;
   const std::string body(8'000'000, 'b');
   for (const DWORD flags : {DWORD{0}, INTERNET_FLAG_SECURE}) {
-    RoutedServer server(std::vector<Reply>{{.bytes = "", .end = Reply::End::reset}}, flags != 0 ? &identity : nullptr);
-    server.AnswerAfter(1000);
+    const ScriptedServer server(Reply{.end = Reply::End::reset}, serverName,
+                                flags != 0 ? authority.Issue(serverName) : TlsIdentity{});
     EXPECT_FALSE(Exchange({.flags = flags, .verb = "POST"}).Send({}, body));
     EXPECT_EQ(server.Requests().size(), 1u);
   }
 }
 
 TEST(WebClientFaults, TakesAReplyThatComesBeforeTheWholeRequestIsSent) {
-  RoutedServer server(HttpReply(413, "too much"));
-  server.AnswerAfter(1000);
+  ScriptedServer server(HttpReply(413, "too much"));
   Exchange exchange({.verb = "POST"});
   // The body is the test's own and gone when the reply is read.
   ASSERT_TRUE(exchange.Send({}, std::string(8'000'000, 'b')));
@@ -200,7 +193,7 @@ TEST(WebClientFaults, TakesAReplyThatComesBeforeTheWholeRequestIsSent) {
 
 TEST(WebClientFaults, LeavesNoThreadBehind) {
   const auto threads = [] { return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {}); };
-  const ScriptedServer server({HttpReply(200, "body")});
+  const ScriptedServer server(HttpReply(200, "body"));
   // By name, which libcurl looks up on a thread of its own.
   const ScopedVariable route("NV_CONNECT_TO", "web.example:80:localhost:" + std::to_string(server.Port()));
   const auto before = threads();

@@ -9,8 +9,8 @@
 
 #include "display/process.h"
 #include "service/local_service.h"
-#include "support/routed_server.h"
 #include "support/run_program.h"
+#include "support/scripted_server.h"
 
 namespace nvsupport::testing {
 namespace {
@@ -93,7 +93,7 @@ TEST(ExampleHost, LeavesNothingOfAFileThatIsNotWhole) {
   for (const auto& row : cases) {
     SCOPED_TRACE(row.name);
     const TemporaryFolder folder;
-    const RoutedServer server(row.reply);
+    const ScriptedServer server(row.reply);
     Process host({NV_HOST, "download", serverName, "/f", folder / "file"}, {}, true);
     EXPECT_TRUE(WaitUntil([&] {
       return row.signal == 0 ||

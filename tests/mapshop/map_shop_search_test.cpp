@@ -13,7 +13,7 @@
 
 #include "map_shop_reply.h"
 #include "support/documented_bytes.h"
-#include "support/routed_server.h"
+#include "support/scripted_server.h"
 
 // Counts what this program holds of its memory.
 static std::atomic<std::size_t> heldBytes;
@@ -67,9 +67,9 @@ Found Search(const std::vector<MapShopPoint>& area = {}) {
 }
 
 // The map shop service for as long as it lives: answers each search with the next reply.
-class Service : public testing::RoutedServer {
+class Service : public testing::ScriptedServer {
  public:
-  explicit Service(std::vector<Reply> replies) : RoutedServer(std::move(replies), nullptr, NV_SERVICE_HOST) {}
+  explicit Service(std::vector<Reply> replies) : ScriptedServer(std::move(replies), NV_SERVICE_HOST) {}
   explicit Service(const std::string& body) : Service(std::vector{HttpReply(200, body)}) {}
 
   std::string LastRequestBody() const {

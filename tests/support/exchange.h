@@ -3,10 +3,9 @@
 #define NVSUPPORT_TESTS_SUPPORT_EXCHANGE_H
 
 #include <string>
-#include <utility>
 
 #include "platform/platform.h"
-#include "support/routed_server.h"
+#include "support/scripted_server.h"
 
 namespace nvsupport::testing {
 
@@ -37,16 +36,12 @@ class Exchange {
     return HttpSendRequestA(request, header.c_str(), static_cast<DWORD>(header.size()), body.data(),
                             static_cast<DWORD>(body.size())) != 0;
   }
+  // 1000 while there is none.
   DWORD Status() {
     DWORD status = 1000;
     DWORD size = sizeof status;
     HttpQueryInfoA(request, HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER, &status, &size, nullptr);
     return status;
-  }
-  std::string Length() {
-    char text[30] = {};
-    DWORD size = sizeof text;
-    return HttpQueryInfoA(request, HTTP_QUERY_CONTENT_LENGTH, text, &size, nullptr) ? text : "none";
   }
   // The body from here on, "!" behind it if the transfer failed.
   std::string Body() {
@@ -59,9 +54,8 @@ class Exchange {
     }
     return body + "!";
   }
-
   // The body of the reply, "!" if there is no reply.
-  std::string Fetch(std::string body = {}) { return Send({}, std::move(body)) ? Body() : "!"; }
+  std::string Fetch(const std::string& body = {}) { return Send({}, body) ? Body() : "!"; }
 
   HINTERNET internet;
   HINTERNET connection;

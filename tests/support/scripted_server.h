@@ -4,10 +4,8 @@
 #ifndef NVSUPPORT_TESTS_SUPPORT_SCRIPTED_SERVER_H
 #define NVSUPPORT_TESTS_SUPPORT_SCRIPTED_SERVER_H
 
-#include <atomic>
 #include <chrono>
 #include <cstddef>
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -17,11 +15,14 @@
 #include <vector>
 
 // Of OpenSSL.
+struct bio_st;
 struct evp_pkey_st;
 struct ssl_ctx_st;
 struct x509_st;
 
 namespace nvsupport::testing {
+
+inline constexpr char serverName[] = "web.example";
 
 struct Reply {
   // hold: nothing further comes; keep: the next request may come.
@@ -39,56 +40,49 @@ Reply NoReply();
 // The first `count` bytes of a reply, then the connection's end.
 Reply CutAfter(Reply reply, std::size_t count);
 
-struct OpenSslDeleter {
-  void operator()(evp_pkey_st* object) const;
-  void operator()(ssl_ctx_st* object) const;
-  void operator()(x509_st* object) const;
+// Chooses the answer to a request. Called on the server's thread.
+struct Script : std::function<Reply(const std::string& request)> {
+  using function::function;
+  // The same one to all.
+  Script(const Reply& reply) : Script(std::vector{reply}) {}
+  // One per request in this order; the last one for all that follow.
+  Script(std::vector<Reply> replies);
 };
 
-// What a TLS server shows of itself.
+// What a TLS server shows of itself; nothing for a plain one.
 struct TlsIdentity {
-  std::unique_ptr<x509_st, OpenSslDeleter> certificate;
-  std::unique_ptr<evp_pkey_st, OpenSslDeleter> key;
+  std::shared_ptr<x509_st> certificate;
+  std::shared_ptr<evp_pkey_st> key;
 };
 
 class ScriptedServer {
  public:
-  // Chooses the answer to a request. Called on the server's thread.
-  using Script = std::function<Reply(const std::string& request)>;
-
-  explicit ScriptedServer(Script script, const TlsIdentity* identity = nullptr);
-  // One reply per request in this order; the last one for all that follow.
-  explicit ScriptedServer(std::vector<Reply> replies, const TlsIdentity* identity = nullptr);
+  // As long as the object lives it stands for the host: on the port of TLS, and a plain one on that of HTTP, too. Of
+  // several for one host the last one made counts.
+  explicit ScriptedServer(Script script, const std::string& host = serverName, const TlsIdentity& identity = {});
   ~ScriptedServer();
   ScriptedServer(const ScriptedServer&) = delete;
   ScriptedServer& operator=(const ScriptedServer&) = delete;
 
-  // From now on the reply begins when that many bytes of a request are there; the rest stays unread.
-  void AnswerAfter(std::size_t bytes) { enough = bytes; }
-
-  std::uint16_t Port() const { return port; }
-  // Value of NV_CONNECT_TO that leads connections for host:port here.
-  std::string ConnectTo(const std::string& host, int hostPort) const;
+  int Port() const { return port; }
   // All requests so far, head and body, each as far as it was read when its reply begins.
   std::vector<std::string> Requests() const;
   // Connections so far, those without a complete request (or handshake) included.
   int Connections() const;
 
  private:
-  class Channel;
-
   void Serve();
+  bool Accept();
   // Reads a request and replies.
-  Reply::End Answer(Channel& channel);
+  Reply::End Answer(bio_st* channel);
   // False if the client left the connection for another one.
-  bool WaitForClient(int connection) const;
+  bool WaitForClient() const;
 
   Script script;
-  std::unique_ptr<ssl_ctx_st, OpenSslDeleter> context;  // null: plain
+  std::shared_ptr<ssl_ctx_st> context;  // null: plain
   int listener = -1;
-  std::uint16_t port = 0;
-
-  std::atomic<std::size_t> enough{SIZE_MAX};
+  int port = 0;
+  std::string route;
 
   mutable std::mutex mutex;  // guards what follows
   std::vector<std::string> requests;

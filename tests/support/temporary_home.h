@@ -48,6 +48,16 @@ class TemporaryFolder {
   std::filesystem::path path;
 };
 
+inline std::string ReadWholeFile(const std::filesystem::path& path) {
+  std::ifstream stream(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+inline void WriteWholeFile(const std::filesystem::path& path, const std::string& bytes) {
+  std::filesystem::create_directories(path.parent_path());
+  std::ofstream(path, std::ios::binary) << bytes;
+}
+
 // XDG_CONFIG_HOME is config, XDG_CONFIG_DIRS etc, XDG_DATA_HOME data, XDG_DOCUMENTS_DIR documents in `folder`; none
 // of them exists yet.
 class TemporaryHome {
@@ -59,7 +69,9 @@ class TemporaryHome {
   TemporaryFolder folder;
 
  private:
-  void WriteRegistry(const std::string& where, const std::string& text) const;
+  void WriteRegistry(const std::string& where, const std::string& text) const {
+    WriteWholeFile(folder.path / where / "norvane" / "registry.reg", "REGEDIT4\n\n" + text);
+  }
 
   ScopedVariable home{"HOME", folder.path.string()};
   ScopedVariable configHome{"XDG_CONFIG_HOME", folder / "config"};
@@ -67,20 +79,6 @@ class TemporaryHome {
   ScopedVariable dataHome{"XDG_DATA_HOME", folder / "data"};
   ScopedVariable documents{"XDG_DOCUMENTS_DIR", folder / "documents"};
 };
-
-inline std::string ReadWholeFile(const std::filesystem::path& path) {
-  std::ifstream stream(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-inline void WriteWholeFile(const std::filesystem::path& path, const std::string& bytes) {
-  std::filesystem::create_directories(path.parent_path());
-  std::ofstream(path, std::ios::binary) << bytes;
-}
-
-inline void TemporaryHome::WriteRegistry(const std::string& where, const std::string& text) const {
-  WriteWholeFile(folder.path / where / "norvane" / "registry.reg", "REGEDIT4\n\n" + text);
-}
 
 }  // namespace nvsupport::testing
 

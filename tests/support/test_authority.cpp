@@ -1,6 +1,5 @@
 #include "support/test_authority.h"
 
-#include <openssl/bio.h>
 #include <openssl/evp.h>
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
@@ -19,7 +18,7 @@ void AddExtension(X509* certificate, int kind, const std::string& value) {
 // issuer: null for one that vouches for itself. host: empty for an authority.
 TlsIdentity Make(const std::string& host, long now, const TlsIdentity* issuer) {
   static long serial = 0;
-  TlsIdentity made{.certificate = {X509_new(), {}}, .key = {EVP_EC_gen("P-256"), {}}};
+  TlsIdentity made{.certificate = {X509_new(), X509_free}, .key = {EVP_EC_gen("P-256"), EVP_PKEY_free}};
   X509* const subject = made.certificate.get();
   const TlsIdentity& voucher = issuer != nullptr ? *issuer : made;
   X509_set_version(subject, X509_VERSION_3);
@@ -39,16 +38,10 @@ TlsIdentity Make(const std::string& host, long now, const TlsIdentity* issuer) {
 
 }  // namespace
 
-TestAuthority::TestAuthority() : own(Make("", 0, nullptr)) {}
-
-std::string TestAuthority::Certificate() const {
-  BIO* const memory = BIO_new(BIO_s_mem());
-  PEM_write_bio_X509(memory, own.certificate.get());
-  char* text = nullptr;
-  const long length = BIO_get_mem_data(memory, &text);
-  std::string pem(text, static_cast<std::size_t>(length));
-  BIO_free(memory);
-  return pem;
+TestAuthority::TestAuthority() : own(Make("", 0, nullptr)) {
+  std::FILE* const file = std::fopen((folder / "ca.pem").c_str(), "w");
+  PEM_write_X509(file, own.certificate.get());
+  std::fclose(file);
 }
 
 TlsIdentity TestAuthority::Issue(const std::string& host, long now) const {

@@ -11,8 +11,9 @@
 #include <vector>
 
 #include "nvsupport/nvsupport.h"
-#include "support/routed_server.h"
+#include "support/scripted_server.h"
 #include "support/short_timeouts.h"
+#include "support/temporary_home.h"
 
 namespace nvsupport::testing {
 namespace {
@@ -69,7 +70,7 @@ bool TrueInChild(const std::function<bool()>& action, bool asNobody = false) {
 }
 
 TEST_F(WebDownload, AsksForTheFileOnceIfItHasAllNames) {
-  RoutedServer server(HttpReply(200, "new"));
+  ScriptedServer server(HttpReply(200, "new"));
   for (const char* host : {"", static_cast<const char*>(nullptr)}) {
     EXPECT_FALSE(x77fc64c7(host, "x", file.c_str(), nullptr, nullptr));
   }
@@ -124,7 +125,7 @@ TEST_F(WebDownload, LeavesWhatTheTableOfFailuresSays) {
   for (const Case& entry : cases) {
     SCOPED_TRACE(entry.name);
     WriteWholeFile(file, old);
-    RoutedServer server(entry.reply);
+    ScriptedServer server(entry.reply);
     Watcher watcher;
     EXPECT_EQ(Download(watcher), entry.result);
     EXPECT_EQ(Left(), entry.left);
@@ -139,7 +140,7 @@ TEST_F(WebDownload, TakesAnEarlyEndForTheEnd) {
   const Reply whole = HttpReply(200, body);
   const std::size_t head = whole.bytes.size() - body.size();
   for (const std::size_t got : {0u, 1u, 4095u, 4096u, 4097u, 4999u}) {
-    RoutedServer server(CutAfter(whole, head + got));
+    ScriptedServer server(CutAfter(whole, head + got));
     Watcher watcher;
     EXPECT_TRUE(Download(watcher)) << got;
     EXPECT_EQ(Left(), body.substr(0, got));
@@ -149,7 +150,7 @@ TEST_F(WebDownload, TakesAnEarlyEndForTheEnd) {
 }
 
 TEST_F(WebDownload, StopsAtAnyCallOfTheCallbackAndAtAnException) {
-  RoutedServer server(HttpReply(200, std::string(5000, 'b')));
+  ScriptedServer server(HttpReply(200, std::string(5000, 'b')));
   for (std::size_t call = 1; call <= 3; ++call) {
     WriteWholeFile(file, old);
     Watcher watcher;
@@ -164,7 +165,7 @@ TEST_F(WebDownload, StopsAtAnyCallOfTheCallbackAndAtAnException) {
 }
 
 TEST_F(WebDownload, FailsWhereNoFileCanBeWritten) {
-  RoutedServer server(HttpReply(200, "new"));
+  ScriptedServer server(HttpReply(200, "new"));
   chmod(folder.path.c_str(), 0555);
   EXPECT_FALSE(TrueInChild([this] { return Download(); }, true));
   chmod(folder.path.c_str(), 0755);
@@ -182,7 +183,7 @@ TEST_F(WebDownload, FailsWhereNoFileCanBeWritten) {
 }
 
 TEST_F(WebDownload, LeavesNothingWhenTheDiskIsFull) {
-  RoutedServer server(HttpReply(200, std::string(100'000, 'b')));
+  ScriptedServer server(HttpReply(200, std::string(100'000, 'b')));
   // The last bytes show no sooner than at the close.
   for (const rlim_t room : {0u, 50'000u, 99'999u, 100'000u}) {
     WriteWholeFile(file, old);

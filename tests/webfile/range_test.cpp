@@ -5,7 +5,7 @@
 #include <string>
 
 #include "nvsupport/nvsupport.h"
-#include "support/routed_server.h"
+#include "support/scripted_server.h"
 #include "support/short_timeouts.h"
 
 namespace nvsupport::testing {
@@ -19,7 +19,7 @@ bool CountCalls(void* calls) {
 }
 
 TEST(WebRange, SendsTheRangeInFull) {
-  RoutedServer server(HttpReply(206, "0123456789"));
+  ScriptedServer server(HttpReply(206, "0123456789"));
   char buffer[10];
   const struct {
     std::int64_t offset;
@@ -64,7 +64,7 @@ TEST(WebRange, TellsWholeFromBrokenFromNothing) {
   const ShortTimeouts timeouts;
   for (const auto& entry : cases) {
     SCOPED_TRACE(entry.name);
-    RoutedServer server(entry.reply);
+    ScriptedServer server(entry.reply);
     std::string buffer = untouched;
     int calls = 0;
     EXPECT_EQ(xfa704a3f(serverName, "a.map", 0, 5000, buffer.data(), &CountCalls, &calls), entry.result);
@@ -73,7 +73,7 @@ TEST(WebRange, TellsWholeFromBrokenFromNothing) {
   }
   for (const char* host : {"", "web.exam\rple"})
     EXPECT_EQ(xfa704a3f(host, "a.map", 0, 1, nullptr, nullptr, nullptr), -1);
-  RoutedServer server(HttpReply(206, "0123456789"));
+  ScriptedServer server(HttpReply(206, "0123456789"));
   std::string buffer(10, '.');
   const auto stop = [](void*) { return false; };
   EXPECT_EQ(xfa704a3f(serverName, "a.map", 0, 10, buffer.data(), stop, nullptr), 0);
@@ -83,7 +83,7 @@ TEST(WebRange, TellsWholeFromBrokenFromNothing) {
 TEST(WebRange, WritesNothingBehindTheBuffer) {
   std::string file;
   for (int i = 0; i < 10'000; ++i) file += static_cast<char>(i * 37 % 251);
-  RoutedServer server(HttpReply(200, file));
+  ScriptedServer server(HttpReply(200, file));
   const std::string guard(64, '\xA5');
   for (const std::int32_t length : {-1, 0, 1, 4095, 4096, 4097, 8191, 8192, 8193, 9000}) {
     const auto wanted = static_cast<std::size_t>(std::max(length, 0));

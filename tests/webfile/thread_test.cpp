@@ -47,21 +47,18 @@ struct Worker {
   std::string body;
   NVMapShopHandle results = nullptr;
   int calls = 0;
-  ScriptedServer server{std::vector{HttpReply(200, body)}};
+  ScriptedServer server{HttpReply(200, body), host};
 };
 
 TEST(WebFileThreads, WorkSideBySide) {
   constexpr std::size_t count = 6;
   const TemporaryFolder folder;
-  const ScriptedServer shop(std::vector{HttpReply(200, ReplyWith({{"T", 3, "S", "F", 4}}, 7))});
-  std::string routes = shop.ConnectTo(NV_SERVICE_HOST, 80);
+  const ScriptedServer shop(HttpReply(200, ReplyWith({{"T", 3, "S", "F", 4}}, 7)), NV_SERVICE_HOST);
   std::vector<std::unique_ptr<Worker>> workers;
   for (std::size_t i = 0; i < count; ++i) {
     const std::string number = std::to_string(i);
     workers.emplace_back(new Worker{.host = "host" + number + ".example", .body = std::string(50'000 + i, number[0])});
-    routes += "," + workers.back()->server.ConnectTo(workers.back()->host, 80);
   }
-  const ScopedVariable route("NV_CONNECT_TO", routes);
   for (const auto& worker : workers) worker->results = NSMapShopSearch(nullptr, 0);
 
   std::latch start(count);

@@ -28,12 +28,11 @@ TEST(Trace, TellsWhatHappenedButNoSecret) {
   const TemporaryHome home;
   home.WriteUserRegistry("[HKEY_CURRENT_USER\\Software\\Norvane]\n\"Language\"=\"Klingon\"\n");
   const SavedSession session;
-  const TrustedAuthority authority;
-  const TlsIdentity identity = authority.Issue(NV_SERVICE_HOST);
-  ScriptedServer service({HttpReply(200, Int(0) + Text("secret-token"))}, &identity);
-  ScriptedServer web({HttpReply(200, "secret body")});
-  const ScopedVariable route(
-      "NV_CONNECT_TO", service.ConnectTo(NV_SERVICE_HOST, 443) + "," + web.ConnectTo("web.example", 80) + ",nonsense");
+  const ScopedVariable route("NV_CONNECT_TO", "nonsense");
+  const TestAuthority authority;
+  const ScriptedServer service(HttpReply(200, Int(0) + Text("secret-token")), NV_SERVICE_HOST,
+                               authority.Issue(NV_SERVICE_HOST));
+  const ScriptedServer web(HttpReply(200, "secret body"));
   const auto traceOf = [](const std::string& arguments) {
     return RunProgram({"sh", "-c", "exec " NV_HOST " " + arguments + " 2>&1 >/dev/null"}).output;
   };

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "support/routed_server.h"
+#include "support/scripted_server.h"
 #include "support/wire_items.h"
 
 namespace nvsupport {
@@ -14,13 +14,13 @@ namespace {
 using namespace std::string_literals;
 using testing::HttpReply;
 using testing::Int;
-using testing::RoutedServer;
+using testing::ScriptedServer;
 using testing::Text;
 
 constexpr const char* path = "cgi-bin/some.cgi";
 
 TEST(WebBinaryCGI, PostsExactlyWhatWasWritten) {
-  const RoutedServer server(HttpReply(200, "\5\0\0\0"s), NV_SERVICE_HOST);
+  const ScriptedServer server(HttpReply(200, "\5\0\0\0"s), NV_SERVICE_HOST);
   CWebBinaryCGI channel(path, false);
   channel.WriteValue(8u);
   channel.WriteString("A\xE9");
@@ -46,7 +46,7 @@ TEST(WebBinaryCGI, HandsOutTheReplyWhateverTheSizeOfTheRequest) {
     for (std::size_t i = 0; i < length; ++i) texts.back() += static_cast<char>(i * 31 % 251);
     reply += static_cast<char>(length) + Text(texts.back());
   }
-  const RoutedServer server(HttpReply(200, reply + '\7' + Int(3) + "a\0\xE9"s), NV_SERVICE_HOST);
+  const ScriptedServer server(HttpReply(200, reply + '\7' + Int(3) + "a\0\xE9"s), NV_SERVICE_HOST);
   for (const std::int32_t requestSize : {0, 300}) {
     CWebBinaryCGI channel(path, false);
     channel.WriteBlock(std::string(300, 'r').data(), requestSize);
