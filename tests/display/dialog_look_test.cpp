@@ -3,6 +3,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QCheckBox>
 #include <QFontDatabase>
 #include <QLabel>
 #include <QLineEdit>
@@ -182,6 +183,16 @@ TEST_F(DialogLooks, StayAsTheyAreUnderAMessage) {
     for (const QWidget* control : window.findChildren<QWidget*>()) {
       EXPECT_FALSE(control->testAttribute(Qt::WA_NativeWindow)) << "a window with a cursor of its own";
     }
+  });
+}
+
+TEST_F(DialogLooks, ShowABoxTickedAndNotTicked) {
+  Show(openings.at("sign_in"), [](const QWidget& window) {
+    auto* box = window.findChild<QCheckBox*>();
+    box->click();
+    EXPECT_TRUE(box->isChecked());
+    box->click();
+    EXPECT_FALSE(box->isChecked());
   });
 }
 
