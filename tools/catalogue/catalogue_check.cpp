@@ -1,18 +1,14 @@
 #include "catalogue_check.h"
 
-#include <iconv.h>
-
 #include <map>
-#include <memory>
 #include <set>
 
+#include "character_sets.h"
 #include "language/catalogue_reader.h"
 #include "language/format_check.h"
 
 namespace nvsupport {
 namespace {
-
-constexpr std::string_view placeholder = "XXXX";
 
 // Byte-order marks that the reader takes for data.
 struct ForeignMark {
@@ -25,16 +21,13 @@ constexpr ForeignMark foreignMarks[] = {
     {"\xFE\xFF", "the file is in big-endian UTF-16, which is not read"},
 };
 
-std::string_view WithoutLineEnd(std::string_view column) {
-  if (column.ends_with('\r')) column.remove_suffix(1);
-  return column;
-}
-
 // The inside of a quoted cell; a column that is none as it stands.
 std::string_view WithoutCellQuotes(std::string_view column) {
   if (column.size() < 2 || !column.starts_with('"') || !column.ends_with('"')) return column;
   return column.substr(1, column.size() - 2);
 }
+
+}  // namespace
 
 bool LosesQuote(std::string_view column) {
   column = WithoutCellQuotes(column);
@@ -49,6 +42,8 @@ bool LosesQuote(std::string_view column) {
   return false;
 }
 
+namespace {
+
 bool KeepsBackslash(std::string_view column) {
   for (std::size_t i = column.find('\\'); i < column.size(); i = column.find('\\', i + 2)) {
     if (i + 1 == column.size() || std::string_view("tn\"\\").find(column[i + 1]) == std::string_view::npos) return true;
@@ -62,13 +57,7 @@ bool LosesReturn(std::string_view column) {
 
 // Whether Linux cannot show the bytes: its code page is UTF-8.
 bool IsNoUtf8(std::string_view column) {
-  const std::unique_ptr<void, int (*)(iconv_t)> converter(iconv_open("UTF-16LE", "UTF-8"), &iconv_close);
-  std::string units(2 * column.size(), '\0');
-  char* in = const_cast<char*>(column.data());
-  char* out = units.data();
-  std::size_t inSize = column.size();
-  std::size_t outSize = units.size();
-  return iconv(converter.get(), &in, &inSize, &out, &outSize) == static_cast<std::size_t>(-1);
+  return !Converted("UTF-8", "UTF-16LE", column);
 }
 
 struct ColumnFault {

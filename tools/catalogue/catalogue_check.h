@@ -10,6 +10,17 @@
 
 namespace nvsupport {
 
+// What stands for a translation that is still to be made.
+inline constexpr std::string_view placeholder = "XXXX";
+
+inline std::string_view WithoutLineEnd(std::string_view column) {
+  if (column.ends_with('\r')) column.remove_suffix(1);
+  return column;
+}
+
+// Whether a double quote of a column, as it stands in the file, is lost when it is read.
+bool LosesQuote(std::string_view column);
+
 struct Finding {
   std::size_t line;  // counted from 1
   std::string message;

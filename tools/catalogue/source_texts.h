@@ -1,5 +1,4 @@
-// Every English text that the library shows through the catalogue. A test compares the list with the dialog templates
-// and the library's sources.
+// Every English text that the library shows through the catalogue.
 #ifndef NVSUPPORT_TOOLS_CATALOGUE_SOURCE_TEXTS_H
 #define NVSUPPORT_TOOLS_CATALOGUE_SOURCE_TEXTS_H
 
@@ -8,7 +7,7 @@
 
 namespace nvsupport {
 
-// Each text once, in the order of the shipped catalogues.
+// Each text once: those of the dialogs, then those of the sources.
 std::span<const std::string_view> SourceTexts();
 
 }  // namespace nvsupport
