@@ -1,5 +1,5 @@
-// A queue of processes, by locks on a file. The kernel wakes those who wait in their order, and a process that is killed
-// gives its place up.
+// A queue of processes, by locks on a file. The kernel wakes those who wait in their order, and a process that is
+// killed gives its place up.
 #ifndef NVSUPPORT_SERVICE_DATABASE_FILE_QUEUE_H
 #define NVSUPPORT_SERVICE_DATABASE_FILE_QUEUE_H
 

@@ -52,7 +52,8 @@ void ExpectCommandsWork(const std::string& document) {
 
 TEST(Documents, CommandsDoWhatTheyShow) {
   const LocalService service;
-  for (const char* document : {"/README.md", "/docs/host_guide.md", "/docs/translating.md"}) ExpectCommandsWork(document);
+  for (const char* document : {"/README.md", "/docs/host_guide.md", "/docs/translating.md"})
+    ExpectCommandsWork(document);
   const std::string minimal = ReadWholeFile(NV_SOURCE_FOLDER "/examples/minimal/minimal.c");
   EXPECT_NE(ReadWholeFile(NV_SOURCE_FOLDER "/README.md").find("```c\n" + minimal + "```\n"), std::string::npos);
 }
