@@ -175,7 +175,7 @@ TEST(WebClientFaults, SurvivesAServerThatGoesWhileItIsSentTo) {
   const TestAuthority authority;
   const std::string body(8'000'000, 'b');
   for (const DWORD flags : {DWORD{0}, INTERNET_FLAG_SECURE}) {
-    const ScriptedServer server(Reply{.end = Reply::End::reset}, serverName,
+    const ScriptedServer server(Reply{.bytes = {}, .end = Reply::End::reset}, serverName,
                                 flags != 0 ? authority.Issue(serverName) : TlsIdentity{});
     EXPECT_FALSE(Exchange({.flags = flags, .verb = "POST"}).Send({}, body));
     EXPECT_EQ(server.Requests().size(), 1u);
