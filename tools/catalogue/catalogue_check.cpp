@@ -27,8 +27,6 @@ std::string_view WithoutCellQuotes(std::string_view column) {
   return column.substr(1, column.size() - 2);
 }
 
-}  // namespace
-
 bool LosesQuote(std::string_view column) {
   column = WithoutCellQuotes(column);
   for (std::size_t i = 0; i < column.size(); ++i) {
@@ -41,8 +39,6 @@ bool LosesQuote(std::string_view column) {
   }
   return false;
 }
-
-namespace {
 
 bool KeepsBackslash(std::string_view column) {
   for (std::size_t i = column.find('\\'); i < column.size(); i = column.find('\\', i + 2)) {

@@ -18,9 +18,6 @@ inline std::string_view WithoutLineEnd(std::string_view column) {
   return column;
 }
 
-// Whether a double quote of a column, as it stands in the file, is lost when it is read.
-bool LosesQuote(std::string_view column);
-
 struct Finding {
   std::size_t line;  // counted from 1
   std::string message;

@@ -1,4 +1,4 @@
-// nvcatalogue: helps translators to check and to complete a catalogue file.
+// nvcatalogue: helps translators to check, to complete and to convert a catalogue file.
 #include <nvsupport/nvsupport.h>
 
 #include <CLI/CLI.hpp>
@@ -75,7 +75,7 @@ int UpdateFile(const std::string& path, std::string_view bytes) {
 }
 
 int Run(int argc, char** argv) {
-  CLI::App app{"Checks translation catalogues of nvsupport.", "nvcatalogue"};
+  CLI::App app{"Checks, completes and converts translation catalogues of nvsupport.", "nvcatalogue"};
   app.footer("Exit code: 0 done and nothing found, 1 something found, 2 wrong usage or a file that cannot be used.");
   app.set_version_flag("--version", "nvcatalogue " NVSUPPORT_VERSION);
   app.require_subcommand(1);

@@ -34,21 +34,74 @@ std::optional<std::string> LowBytes(std::string_view units) {
   return bytes;
 }
 
-std::optional<std::string> ColumnToUtf8(std::string_view units) {
-  std::optional<std::string> column = LowBytes(units);
-  if (!column || !Converted("UTF-8", "UTF-16LE", *column)) column = Converted("UTF-16LE", "UTF-8", units);
-  if (!column || !LosesQuote(*column)) return column;
+// The text of a cell in quotes, where a quote of the text is two; no value for a column that is no such cell.
+std::optional<std::string> TextOfCell(std::string_view column) {
+  if (column.size() < 2 || !column.starts_with('"') || !column.ends_with('"')) return std::nullopt;
+  const std::string_view inside = column.substr(1, column.size() - 2);
+  std::string text;
+  for (std::size_t at = 0; at < inside.size(); ++at) {
+    if (inside[at] == '"' && inside.substr(++at, 1) != "\"") return std::nullopt;
+    text += inside[at];
+  }
+  return text;
+}
+
+// Spreadsheets double the quotes of a text and miss files leave them as they are; a work file has a backslash there.
+std::string WithEscapedQuotes(const std::string& column) {
+  const std::string text = TextOfCell(column).value_or(column);
   std::string escaped;
-  for (const char character : *column) {
-    if (character == '"' && !escaped.ends_with('\\')) escaped += '\\';
-    escaped += character;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (text[at] == '"') escaped += '\\';
+    escaped += text[at];
+    if (text[at] == '\\' && at + 1 < text.size()) escaped += text[++at];
   }
   return escaped;
 }
 
+// A column with quotes as the cell that spreadsheets make of the text: they know no backslash in front of a quote. A
+// quote that the reader drops goes here, too.
+std::string AsCell(std::string_view column) {
+  if (column.find('"') == std::string_view::npos) return std::string(column);
+  std::string cell;
+  for (std::size_t at = 0; at < column.size(); ++at) {
+    const std::string_view pair = column.substr(at, 2);
+    if (pair == "\\\"" || pair == "\"\"") {
+      cell += "\"\"";
+      ++at;
+    } else if (pair.starts_with('\\')) {
+      cell += pair;
+      ++at;
+    } else if (!pair.starts_with('"')) {
+      cell += column[at];
+    }
+  }
+  return '"' + cell + '"';
+}
+
+std::optional<std::string> ColumnToUtf8(std::string_view units) {
+  std::optional<std::string> column = LowBytes(units);
+  if (!column || !Converted("UTF-8", "UTF-16LE", *column)) column = Converted("UTF-16LE", "UTF-8", units);
+  return column ? std::optional(WithEscapedQuotes(*column)) : std::nullopt;
+}
+
+using Conversion = std::function<std::optional<std::string>(std::string_view part)>;
+
+// Each column of a line by a function of its own, with a tab of one byte between them.
+std::optional<std::string> ConvertColumns(std::string_view line, std::string_view tab, const Conversion& convert) {
+  const char* const end = line.data() + line.size();
+  std::string made;
+  while (true) {
+    const std::string_view column = TakeLine(line, tab);
+    const std::optional<std::string> converted = convert(column);
+    if (!converted) return std::nullopt;
+    made += *converted;
+    if (column.data() + column.size() == end) return made;
+    made += '\t';
+  }
+}
+
 // Each line by a function of its own; no value of it ends the work for the reason given.
-NewFile ConvertLines(std::string_view text, std::string_view feed, const char* reason,
-                     const std::function<std::optional<std::string>(std::string_view line)>& convert) {
+NewFile ConvertLines(std::string_view text, std::string_view feed, const char* reason, const Conversion& convert) {
   std::string made;
   for (std::size_t line = 1; !text.empty(); ++line) {
     const std::optional<std::string> converted = convert(TakeLine(text, feed));
@@ -73,20 +126,19 @@ NewFile ToUtf8(std::string_view bytes) {
   if (bytes.size() % unitSize != 0) return Finding{1, "the file ends in the middle of a character"};
   const std::string_view feed("\n\0", unitSize);
   const std::string_view tab("\t\0", unitSize);
-  return ConvertLines(bytes, feed, "half of a character pair", [tab](std::string_view line) {
-    std::optional<std::string> converted = ColumnToUtf8(TakeLine(line, tab));
-    while (converted && !line.empty()) {
-      const std::optional<std::string> column = ColumnToUtf8(TakeLine(line, tab));
-      converted = column ? std::optional(*converted + '\t' + *column) : std::nullopt;
-    }
-    return converted ? std::optional(std::string(WithoutLineEnd(*converted)) + '\n') : converted;
+  const std::string_view lineEnd("\r\0", unitSize);
+  return ConvertLines(bytes, feed, "half of a character pair", [=](std::string_view line) {
+    if (line.ends_with(lineEnd)) line.remove_suffix(unitSize);
+    std::optional<std::string> converted = ConvertColumns(line, tab, &ColumnToUtf8);
+    if (converted) *converted += '\n';
+    return converted;
   });
 }
 
 NewFile ToUtf16(std::string_view bytes) {
   if (bytes.starts_with(utf8Mark)) bytes.remove_prefix(utf8Mark.size());
   NewFile made = ConvertLines(bytes, "\n", "bytes that are no UTF-8", [](std::string_view line) {
-    return Converted("UTF-8", "UTF-16LE", std::string(WithoutLineEnd(line)) + "\r\n");
+    return Converted("UTF-8", "UTF-16LE", *ConvertColumns(WithoutLineEnd(line), "\t", &AsCell) + "\r\n");
   });
   if (auto* const units = std::get_if<std::string>(&made)) units->insert(0, wideCatalogueMark);
   return made;
@@ -95,6 +147,7 @@ NewFile ToUtf16(std::string_view bytes) {
 NewFile Update(std::string_view bytes, std::span<const std::string_view> texts) {
   if (bytes.starts_with(wideCatalogueMark))
     return Finding{1, "the file is in 16-bit form; to-utf8 makes a work file of it"};
+  if (bytes.starts_with(utf8Mark)) bytes.remove_prefix(utf8Mark.size());
   std::map<std::string, Translations, std::less<>> known;
   CatalogueReader reader(bytes);
   CatalogueRecord record;

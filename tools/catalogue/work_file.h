@@ -14,8 +14,8 @@ namespace nvsupport {
 
 using NewFile = std::variant<std::string, Finding>;
 
-// From the 16-bit form. A column of a miss file of Linux holds the bytes of UTF-8, one in each unit. Quotes that would
-// be lost are escaped.
+// From the 16-bit form. A column of a miss file of Linux holds the bytes of UTF-8, one in each unit. Quotes get a
+// backslash in front, whether they stand raw as in miss files or in a cell of a spreadsheet.
 NewFile ToUtf8(std::string_view bytes);
 
 // To the 16-bit form, which spreadsheets open.
