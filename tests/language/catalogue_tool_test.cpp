@@ -100,6 +100,31 @@ TEST(WorkFile, IsUpdatedWithoutLosingATranslation) {
   EXPECT_TRUE(Told(Update(Utf16(u"A\tB"), texts)).starts_with("1: "));
 }
 
+TEST(CollectTexts, FindsTheTextsOfALookupOrStops) {
+  const struct {
+    const char* source;
+    const char* collected;  // null if the build stops
+  } cases[] = {
+      {"ShowMessage(Parent(a, \",\"), MB_OK, \"a, \\\"b\\\" \"  // why\n  \"c\");", "a, \"b\" c"},
+      {"constexpr char lost[] = \"a;\\nb\";\nTranslateFormat(lost);", "a;\nb"},
+      {"constexpr StatusMessage table[] = {\n{2, \"a\"},\n};\nMessageFor(table, status, \"a\");", "a"},
+      {"// Translate(other) does.\nconst std::string& Translate(const std::string& text);", ""},
+      {"Translate(\"a\" + name);", nullptr},
+      {"ShowMessage(parent, MB_OK, isBad ? \"a\" : \"b\");", nullptr},
+      {"ShowMessageFormat(\n    parent, MB_OK, text, \"a\");", nullptr},
+  };
+  for (const auto& [source, collected] : cases) {
+    const testing::TemporaryFolder folder;
+    testing::WriteWholeFile(folder / "resources/nvsupport.rc", "\nCAPTION \"Title\"\n");
+    testing::WriteWholeFile(folder / "ui/new.cpp", source);
+    EXPECT_EQ(RunProgram({NV_COLLECT_TEXTS, folder / "out", folder / ""}).exitCode, collected != nullptr ? 0 : 1)
+        << source;
+    if (collected == nullptr) continue;
+    const std::string text = *collected != '\0' ? "R\"text("s + collected + ")text\",\n" : "";
+    EXPECT_EQ(testing::ReadWholeFile(folder / "out"), "R\"text(Title)text\",\n" + text);
+  }
+}
+
 TEST(CatalogueTool, AnswersByItsExitCode) {
   const testing::TemporaryFolder folder;
   testing::WriteWholeFile(folder / "bad.txt", "A\tB\nA\tC\n");

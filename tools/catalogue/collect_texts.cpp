@@ -1,6 +1,6 @@
 // Collects the English texts that the library shows through the catalogue, when it is built, so that none is forgotten:
-// those of the dialog templates; and of the sources each literal in a call that shows or translates a text, and in the
-// folders whose texts go through tables each one that holds a blank, which sets texts for the user apart from names.
+// those of the dialog templates, and those that the sources hand to a function that looks texts up. It stops at an
+// argument whose texts it cannot find: a text that nobody lists is one that nobody translates.
 //
 // collect_texts OUTPUT SOURCE-FOLDER: writes the texts as C++ literals, each with a comma behind it.
 #include <algorithm>
@@ -9,6 +9,7 @@
 #include <fstream>
 #include <iterator>
 #include <regex>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -19,37 +20,117 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// Where a text or a table of texts stands among the arguments of a function, counted from 0.
+struct Lookup {
+  const char* function;
+  std::size_t argument;
+};
+
+constexpr Lookup lookups[] = {
+    {"Translate", 0},       {"TranslateFormat", 0}, {"ShowMessage", 2}, {"ShowMessageFormat", 2},
+    {"ShowMessageArgs", 2}, {"ShowError", 0},       {"MessageFor", 0},  {"MessageFor", 2},
+};
+
+// Arguments without texts of their own, and why.
+struct PassedOn {
+  const char* file;
+  const char* argument;
+};
+
+constexpr PassedOn passedOn[] = {
+    {"language/translation_catalogue.cpp", "text"},    // the callers', which are lookups themselves
+    {"language/translation_catalogue.cpp", "format"},  // likewise
+    {"ui/message.cpp", "text"},                        // likewise
+    {"ui/message.cpp", "format"},                      // likewise
+    {"account/create_account.cpp", "text"},            // what MessageFor gave, and the text of a call of ShowError
+    {"account/create_account.cpp", "nullptr"},         // no text for other states
+    {"language/window_text.cpp", "text"},              // of the templates
+};
+
+const std::string literal = R"re("((?:[^"\\\n]|\\.)*)")re";
+
 std::string ReadFile(const fs::path& path) {
   std::ifstream stream(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
+// Without comments, and with literals that stand behind each other made one.
+std::string ReadSource(const fs::path& path) {
+  const std::regex comment(R"re(("(?:[^"\\\n]|\\.)*"|'(?:[^'\\\n]|\\.)')|//[^\n]*)re");
+  return std::regex_replace(std::regex_replace(ReadFile(path), comment, "$1"), std::regex(R"re("\s*\n\s*")re"), "");
+}
+
+// What stands from a place on, without blanks around it, up to a comma or closing bracket that ends it; moves there.
+std::string TakeArgument(const std::string& source, std::size_t& at) {
+  const std::size_t begin = source.find_first_not_of(" \n", at);
+  bool isInLiteral = false;
+  int depth = 0;
+  for (at = begin; at < source.size(); ++at) {
+    const char character = source[at];
+    if (isInLiteral && character == '\\') {
+      ++at;
+    } else if (character == '"') {
+      isInLiteral = !isInLiteral;
+    } else if (!isInLiteral) {
+      if (depth == 0 && (character == ',' || character == ')')) break;
+      depth += (character == '(' || character == '{') - (character == ')' || character == '}');
+    }
+  }
+  return source.substr(begin, at - begin);
+}
+
+std::string CallOf(const char* function) {
+  return "\\b" + std::string(function) + "\\(";
+}
+
 class Collector {
  public:
-  void CollectTemplates(const std::string& script) {
-    Collect(script, "\\n *(?:CAPTION|[A-Z]*TEXT|[A-Z]*BUTTON|[A-Z]*BOX|CONTROL) +\"((?:[^\"\\n]|\"\")+)\"");
-  }
+  // A text is the first thing behind the kind of a control, and behind CAPTION.
+  void CollectTemplates(const std::string& script) { Collect(script, R"re(\n *[A-Z0-9]+ +"((?:[^"\n]|"")+)")re"); }
 
-  void CollectSource(const fs::path& path) {
-    const std::string source = std::regex_replace(ReadFile(path), std::regex("\"\\s*\\n\\s*\""), "");
-    const std::string literal = "\"((?:[^\"\\\\\\n]|\\\\.)+)\"";
-    Collect(source, "(?:Translate|ShowMessage[A-Za-z]*)\\([^;\"]*" + literal);
-    const std::string folder = path.parent_path().filename();
-    if (folder != "account" && folder != "core") return;
-    Collect(source, literal, [](const std::string& text) { return text.find(' ') != std::string::npos; });
+  void CollectSource(const fs::path& path, const std::string& name) {
+    const std::string source = ReadSource(path);
+    for (const Lookup& lookup : lookups) {
+      const std::regex call(CallOf(lookup.function));
+      for (std::sregex_iterator found(source.begin(), source.end(), call), end; found != end; ++found) {
+        auto at = static_cast<std::size_t>(found->position() + found->length());
+        std::string argument = TakeArgument(source, at);
+        for (std::size_t i = 0; i < lookup.argument; ++i) argument = TakeArgument(source, ++at);
+        if (!HasKnownTexts(source, name, argument))
+          throw std::runtime_error(name + ": the text in a call of " + lookup.function +
+                                   " is neither a literal nor a constant of the file: " + argument);
+      }
+    }
   }
 
   std::vector<std::string> texts;
 
  private:
+  // Whether the texts of an argument are collected, here or elsewhere.
+  bool HasKnownTexts(const std::string& source, const std::string& name, const std::string& argument) {
+    if (std::regex_match(argument, std::regex(literal))) {
+      Collect(argument, literal);
+      return true;
+    }
+    // The parameter in a declaration; a call that is a lookup itself.
+    if (std::regex_search(argument, std::regex("^(const |std::span<|" + CallOf("MessageFor") + ")"))) return true;
+    for (const PassedOn& known : passedOn) {
+      if (name == known.file && argument == known.argument) return true;
+    }
+    if (!std::regex_match(argument, std::regex("\\w+"))) return false;
+    std::smatch constant;
+    const std::regex definition("\\bconstexpr [^;=]*\\b" + argument + R"re(\[\] = ((?:[^";]|"(?:[^"\\]|\\.)*")*);)re");
+    if (!std::regex_search(source, constant, definition)) return false;
+    Collect(constant[1].str(), literal);
+    return true;
+  }
+
   // The first group of each match, as the program has it.
-  void Collect(
-      const std::string& source, const std::string& pattern,
-      bool (*isWanted)(const std::string&) = [](const std::string&) { return true; }) {
+  void Collect(const std::string& source, const std::string& pattern) {
     const std::regex expression(pattern);
     for (std::sregex_iterator found(source.begin(), source.end(), expression), end; found != end; ++found) {
       const std::string text = UnescapeCatalogueText((*found)[1].str());
-      if (isWanted(text) && std::ranges::find(texts, text) == texts.end()) texts.push_back(text);
+      if (std::ranges::find(texts, text) == texts.end()) texts.push_back(text);
     }
   }
 };
@@ -59,10 +140,10 @@ int Run(const char* output, const fs::path& sources) {
   collector.CollectTemplates(ReadFile(sources / "resources/nvsupport.rc"));
   std::vector<fs::path> files;
   for (const auto& entry : fs::recursive_directory_iterator(sources)) {
-    if (entry.path().extension() == ".cpp") files.push_back(entry.path());
+    if (entry.path().extension() == ".cpp" || entry.path().extension() == ".h") files.push_back(entry.path());
   }
   std::ranges::sort(files);
-  for (const fs::path& file : files) collector.CollectSource(file);
+  for (const fs::path& file : files) collector.CollectSource(file, file.lexically_relative(sources).generic_string());
   std::ofstream stream(output, std::ios::binary);
   for (const std::string& text : collector.texts) stream << "R\"text(" << text << ")text\",\n";
   return collector.texts.empty() || !stream.flush() ? 1 : 0;
