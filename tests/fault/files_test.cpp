@@ -1,7 +1,6 @@
 // Odd files: what lies in the place of a file that the library writes, who else has it, and what the system refuses.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -17,22 +16,6 @@ namespace {
 
 using namespace testing;
 namespace fs = std::filesystem;
-
-// A file size limit of a few bytes, as long as the object lives. A signal that tells of it would end this process.
-class FileSizeLimit {
- public:
-  FileSizeLimit() {
-    getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit limited{100, before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limited);
-  }
-  ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &before); }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
- private:
-  rlimit before{};
-};
 
 TEST(OddFiles, AFileIsNobodyElsesWhileItIsWritten) {
   const TemporaryFolder folder;
@@ -73,49 +56,56 @@ TEST(OddFiles, WhatIsNoFileIsNeitherWrittenNorMovedNorDeleted) {
   const ScriptedServer server(HttpReply(200, "body"));
   const std::string file = folder / "map";
   const std::string temporary = file + ".TMP";
-  const auto download = [&] { return x77fc64c7(serverName, "/", file.c_str(), nullptr, nullptr); };
+  const auto download = [](const std::string& to) { return x77fc64c7(serverName, "/", to.c_str(), nullptr, nullptr); };
+  // A pipe stands for a device, too, which only root can make.
+  const auto pipe = [](const std::string& name) { return mkfifo(name.c_str(), 0600) == 0; };
+  for (const std::string& place : {file, temporary}) {
+    fs::create_directory(place);
+    EXPECT_FALSE(download(file)) << place;
+    EXPECT_TRUE(fs::remove(place) && pipe(place)) << place;
+    const int reader = open(place.c_str(), O_RDONLY | O_NONBLOCK);
+    EXPECT_FALSE(download(file)) << place;
+    EXPECT_TRUE(fs::is_fifo(place)) << place;
+    char byte;
+    EXPECT_EQ(read(reader, &byte, 1), 0) << "something was written into the pipe " << place;
+    close(reader);
+    fs::remove(place);
+    EXPECT_TRUE(fs::is_empty(folder.path)) << place;
+  }
   WriteWholeFile(folder / "other", "kept");
   fs::create_symlink(folder / "other", temporary);
-  EXPECT_FALSE(download());
+  EXPECT_FALSE(download(file));
   EXPECT_EQ(ReadWholeFile(folder / "other"), "kept");
   EXPECT_TRUE(fs::is_symlink(temporary));
-  fs::remove(temporary);
-
-  ASSERT_EQ(mkfifo(temporary.c_str(), 0600), 0);
-  const int reader = open(temporary.c_str(), O_RDONLY | O_NONBLOCK);
-  EXPECT_FALSE(download());
-  EXPECT_TRUE(fs::is_fifo(temporary));
-  char byte;
-  EXPECT_EQ(read(reader, &byte, 1), 0) << "something was written into the pipe";
-  close(reader);
-  fs::remove(temporary);
-
-  ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);  // as a device, which only root can make
-  EXPECT_FALSE(download());
-  EXPECT_TRUE(fs::is_fifo(file));
-  EXPECT_FALSE(fs::exists(temporary));
+  EXPECT_FALSE(download(folder / "missing/map"));
 }
 
-TEST(OddFiles, AFileSizeLimitIsAFailureAndNoSignal) {
+TEST(OddFiles, NothingStaysOfAFileThatTheDiskHasNoRoomFor) {
   const TemporaryHome home;
-  const ScriptedServer server(HttpReply(200, std::string(5000, 'x')));
+  constexpr std::size_t size = 100'000;
+  const ScriptedServer server(HttpReply(200, std::string(size, 'x')));
   const std::string file = home.folder / "map";
   fs::create_directories(home.folder / "documents/NVTranslation");
   CSettingsFile settings;
-  settings.SetText("a", std::string(5000, 'x'));
+  settings.SetText("a", std::string(size - 3, 'x'));
   CTranslationCatalogue catalogue;
-  catalogue.Translate(std::string(5000, 'x'));
-  bool saved = true;
-  bool downloaded = true;
-  {
-    const FileSizeLimit limit;
-    saved = settings.Save(home.folder / "settings.ini");
-    downloaded = x77fc64c7(serverName, "/", file.c_str(), nullptr, nullptr);
+  catalogue.Translate(std::string(size, 'x'));
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+  // The last bytes show no sooner than at the close. A signal that tells of the limit would end this process.
+  for (const std::size_t room : {std::size_t{0}, size / 2, size - 1, size}) {
+    WriteWholeFile(file, "old");
+    const rlimit limit{room, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    const bool saved = settings.Save(home.folder / "settings.ini");
+    const bool downloaded = x77fc64c7(serverName, "/", file.c_str(), nullptr, nullptr);
     catalogue.WriteMissFile();
+    setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_EQ(saved, room == size) << room;
+    EXPECT_EQ(downloaded, room == size) << room;
+    EXPECT_EQ(fs::exists(file), room == size) << room;
+    EXPECT_FALSE(fs::exists(file + ".TMP")) << room;
   }
-  EXPECT_FALSE(saved);
-  EXPECT_FALSE(downloaded);
-  EXPECT_FALSE(fs::exists(file) || fs::exists(file + ".TMP"));
 }
 
 TEST(OddFiles, ADataFolderWithoutANameIsNotTheRootFolder) {

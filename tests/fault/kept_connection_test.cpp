@@ -5,16 +5,19 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <filesystem>
+#include <chrono>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "support/exchange.h"
+#include "support/short_timeouts.h"
 #include "support/test_authority.h"
 
 namespace nvsupport::testing {
 namespace {
+
+using namespace std::chrono_literals;
 
 class KeptConnection : public ::testing::TestWithParam<DWORD> {
  protected:
@@ -84,17 +87,31 @@ TEST_P(KeptConnection, IsLeftAloneByAForkedChild) {
 }
 
 TEST_P(KeptConnection, IsNotInheritedByProgramsOfTheHost) {
-  const auto sockets = [] {
-    std::vector<int> found;
-    for (int descriptor = 0; descriptor < 1024; ++descriptor) {
-      struct stat status {};
-      if (fstat(descriptor, &status) == 0 && S_ISSOCK(status.st_mode)) found.push_back(descriptor);
-    }
-    return found;
-  };
-  const ScriptedServer server(std::vector{HttpReply(200, "body")}, serverName, shown);
+  const ScriptedServer server(HttpReply(200, "body"), serverName, shown);
   EXPECT_EQ(Open().Fetch(), "body");
-  for (const int descriptor : sockets()) EXPECT_NE(fcntl(descriptor, F_GETFD) & FD_CLOEXEC, 0) << descriptor;
+  for (int descriptor = 3; descriptor < 1024; ++descriptor) {
+    struct stat status {};
+    if (fstat(descriptor, &status) != 0 || !S_ISSOCK(status.st_mode)) continue;
+    EXPECT_NE(fcntl(descriptor, F_GETFD) & FD_CLOEXEC, 0) << descriptor;
+  }
+}
+
+// One server for each, because an exchange that does not take an old connection may close all others, too.
+TEST(KeptConnectionThatIdled, ServesNoExchangeAndOneWithABodyEvenSooner) {
+  const ShortTimeouts restored;
+  const ScriptedServer first(HttpReply(200, "body"), "first.example");
+  const ScriptedServer second(HttpReply(200, "body"), "second.example");
+  for (const char* host : {"first.example", "second.example"}) EXPECT_EQ(Exchange({.host = host}).Fetch(), "body");
+  std::this_thread::sleep_for(1s);  // which is the unit that idling is counted in
+  platform::webLimits.idleBeforeBody = 0s;
+  EXPECT_EQ(Exchange({.host = "first.example"}).Fetch(), "body");
+  EXPECT_EQ(first.Connections(), 1);
+  EXPECT_EQ(Exchange({.host = "second.example", .verb = "POST"}).Fetch("x"), "body");
+  EXPECT_EQ(second.Connections(), 2);
+  std::this_thread::sleep_for(1s);
+  platform::webLimits.idle = 0s;
+  EXPECT_EQ(Exchange({.host = "first.example"}).Fetch(), "body");
+  EXPECT_EQ(first.Connections(), 2);
 }
 
 TEST(KeptConnectionOverTls, CountsNoMoreThanANewOneWhenTheTrustIsGone) {

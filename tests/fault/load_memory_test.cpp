@@ -1,5 +1,6 @@
 // Memory that runs out while the module loads: in a program that has nothing of the library but the file.
 #include <dlfcn.h>
+#include <gtest/gtest.h>
 
 #include "memory_shortage.h"
 

@@ -1,6 +1,7 @@
 #include "memory_shortage.h"
 
 #include <curl/curl.h>
+#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -43,18 +44,21 @@ char* TakeCopy(const char* text) {
 
 }  // namespace
 
-MemoryShortage::MemoryShortage(long spared, bool lasting) {
-  sparedRequests = spared;
-  shortageLasts = lasting;
-  shortageCame = false;
-}
-
-MemoryShortage::~MemoryShortage() {
-  sparedRequests = -1;
-}
-
-bool MemoryShortage::Came() {
-  return shortageCame;
+void GoShortOfMemory(const std::function<void()>& road, const std::function<void()>& look) {
+  long places = 0;
+  for (const bool lasting : {false, true}) {
+    shortageLasts = lasting;
+    places = 0;
+    for (shortageCame = true; shortageCame; ++places) {
+      shortageCame = false;
+      sparedRequests = places;
+      [&]() noexcept { road(); }();
+      sparedRequests = -1;
+      look();
+      if (::testing::Test::HasFailure()) return;
+    }
+  }
+  EXPECT_GT(places, 1) << "nothing was refused";
 }
 
 }  // namespace nvsupport::testing

@@ -20,15 +20,13 @@ TEST_F(ShortOfMemory, ASearchGivesWhatCame) {
   const ScriptedServer shop(HttpReply(200, ReplyWith({{"A", 1, "N", "a.map", 2}, {"B", 1, "N", "b.nvpkg", 2}}, 7)),
                             NV_SERVICE_HOST);
   int items = 0;
-  GoShortOfMemory(
-      [&] {
-        const NVMapShopHandle results = NSMapShopSearch(nullptr, 0);
-        MapShopItem item;
-        for (items = 0; NSMapShopGetNext(results, &item); ++items) {
-        }
-        NSMapShopClose(results);
-      },
-      [&] { EXPECT_LE(items, 2); });
+  GoShortOfMemory([&] {
+    const NVMapShopHandle results = NSMapShopSearch(nullptr, 0);
+    MapShopItem item;
+    for (items = 0; NSMapShopGetNext(results, &item); ++items) {
+    }
+    NSMapShopClose(results);
+  });
   EXPECT_EQ(items, 2);
 }
 

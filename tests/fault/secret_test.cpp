@@ -10,6 +10,8 @@
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 
 #include "account/account_fixture.h"
 #include "nvsupport/nvsupport.h"
@@ -38,56 +40,41 @@ void* MoveWiped(void* memory, std::size_t size) {
                              [](void* memory, const char*, int) { FreeWiped(memory); }) == 1 &&
     curl_global_init_mem(CURL_GLOBAL_DEFAULT, std::malloc, FreeWiped, MoveWiped, strdup, std::calloc) == CURLE_OK;
 
-// A text that is nowhere in this process unless somebody asks for it.
-class Marked {
- public:
-  constexpr explicit Marked(const char (&text)[19]) {
-    for (std::size_t at = 0; at < sizeof hidden; ++at) hidden[at] = static_cast<char>(text[at] ^ key);
-  }
-  std::string Reveal() const {
-    std::string text(sizeof hidden, '\0');
-    for (std::size_t at = 0; at < sizeof hidden; ++at) text[at] = static_cast<char>(hidden[at] ^ key);
-    return text;
-  }
-  // How often it stands in the memory that can be written, its characters so many bytes apart.
-  int Copies(std::size_t stride) const;
+// Texts that are nowhere in this process unless somebody asks for them: they stand here backwards.
+using Backwards = char[19];
+constexpr std::size_t length = sizeof(Backwards) - 1;
+constexpr Backwards password = "BpYcX2mLt9Rk3Wv7zQ";
+constexpr Backwards sessionToken = "eVg1JfN6uZw8DsH4kT";
 
- private:
-  __attribute__((no_sanitize("address", "undefined"))) int CopiesIn(const char* memory, const char* end,
-                                                                    std::size_t stride) const {
-    int copies = 0;
-    for (const char* const last = end - (sizeof hidden - 1) * stride; memory < last; ++memory) {
-      std::size_t at = overwritten;
-      while (at < sizeof hidden && memory[at * stride] == (hidden[at] ^ key)) ++at;
-      if (at == sizeof hidden) ++copies;
-    }
-    return copies;
-  }
+std::string Reveal(const Backwards& text) {
+  return {std::rbegin(text) + 1, std::rend(text)};
+}
 
-  static constexpr char key = 0x15;
-  static constexpr std::size_t overwritten =
-      8;  // characters over which an allocator puts its books when it gets them back
-  char hidden[18]{};
-};
-
-int Marked::Copies(std::size_t stride) const {
-  constexpr std::uintptr_t shadow = std::uintptr_t{1} << 32;  // a sanitizer's books are larger than any memory
+__attribute__((no_sanitize("address", "undefined"))) int CopiesIn(const char* memory, const char* end,
+                                                                  const Backwards& text, std::size_t stride) {
+  constexpr std::size_t overwritten = 8;  // characters: an allocator puts its books there when it gets them back
   int copies = 0;
-  std::FILE* const maps = std::fopen("/proc/self/maps", "r");
-  char line[1000];
-  std::uintptr_t begin = 0, end = 0;
-  char rights[5];
-  while (std::fgets(line, sizeof line, maps) != nullptr) {
-    if (std::sscanf(line, "%" SCNxPTR "-%" SCNxPTR " %4s", &begin, &end, rights) != 3) continue;
-    if (std::strncmp(rights, "rw", 2) != 0 || end - begin > shadow || std::strstr(line, "[v") != nullptr) continue;
-    copies += CopiesIn(reinterpret_cast<const char*>(begin), reinterpret_cast<const char*>(end), stride);
+  for (const char* const last = end - (length - 1) * stride; memory < last; ++memory) {
+    std::size_t at = overwritten;
+    while (at < length && memory[at * stride] == text[length - 1 - at]) ++at;
+    if (at == length) ++copies;
   }
-  std::fclose(maps);
   return copies;
 }
 
-constexpr Marked password("Qz7vW3kR9tLm2XcYpB");
-constexpr Marked sessionToken("Tk4HsD8wZu6NfJ1gVe");
+// How often it stands in the memory that can be written, its characters so many bytes apart.
+int Copies(const Backwards& text, std::size_t stride) {
+  constexpr std::uintptr_t shadow = std::uintptr_t{1} << 32;  // a sanitizer's books are larger than any memory
+  int copies = 0;
+  std::ifstream maps("/proc/self/maps");
+  for (std::string line; std::getline(maps, line);) {
+    std::uintptr_t begin = 0, end = 0;
+    if (std::sscanf(line.c_str(), "%" SCNxPTR "-%" SCNxPTR, &begin, &end) != 2) continue;
+    if (line.find(" rw") == std::string::npos || end - begin > shadow || line.find("[v") != std::string::npos) continue;
+    copies += CopiesIn(reinterpret_cast<const char*>(begin), reinterpret_cast<const char*>(end), text, stride);
+  }
+  return copies;
+}
 
 class SecretsInMemory : public AccountTest {
  protected:
@@ -98,7 +85,7 @@ class SecretsInMemory : public AccountTest {
     service = fork();
     if (service == 0) {
       close(stop[1]);
-      Serve({Int(0) + Int(0), Int(0) + Text(sessionToken.Reveal())});
+      Serve({Int(0) + Int(0), Int(0) + Text(Reveal(sessionToken))});
       const char* const route = std::getenv("NV_CONNECT_TO");
       if (write(ports[1], route, std::strlen(route) + 1) < 0) _exit(1);
       char byte;
@@ -117,7 +104,7 @@ class SecretsInMemory : public AccountTest {
 
   static Step TypesPassword() {
     return [](HWND dialog) {
-      std::string typed = password.Reveal();
+      std::string typed = Reveal(password);
       windowing::CoreEvents().OnTextEdited(GetDlgItem(dialog, IDC_PASSWORD), typed);
       platform::WipeText(typed);
     };
@@ -134,14 +121,14 @@ TEST_F(SecretsInMemory, AreGoneWithTheSession) {
   person.steps = {Types(IDC_USER_ID, "Ann"), TypesPassword(), Clicks(IDOK)};
   char token[20] = "";
   EXPECT_TRUE(xff99a5e4(nullptr, token));
-  EXPECT_EQ(sessionToken.Copies(1), 1) << "the host's own";
+  EXPECT_EQ(Copies(sessionToken, 1), 1) << "the host's own";
   explicit_bzero(token, sizeof token);
-  EXPECT_EQ(sessionToken.Copies(1), 0);
-  EXPECT_EQ(sessionToken.Copies(2), 0);
-  EXPECT_EQ(password.Copies(1), 1) << "the session's";
-  EXPECT_EQ(password.Copies(2), 0);
+  EXPECT_EQ(Copies(sessionToken, 1), 0);
+  EXPECT_EQ(Copies(sessionToken, 2), 0);
+  EXPECT_EQ(Copies(password, 1), 1) << "the session's";
+  EXPECT_EQ(Copies(password, 2), 0);
   x3e491215("Other");
-  EXPECT_EQ(password.Copies(1), 0);
+  EXPECT_EQ(Copies(password, 1), 0);
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "map_shop_reply.h"
 #include "support/documented_bytes.h"
 #include "support/scripted_server.h"
+#include "support/short_timeouts.h"
 
 // Counts what this program holds of its memory.
 static std::atomic<std::size_t> heldBytes;
@@ -173,6 +174,8 @@ TEST(MapShopSearch, TakesWhatIsSoundInABrokenReply) {
     std::int32_t closing;
   } cases[] = {
       {"endless skips", Int(0) + Int(huge) + Int(1) + Int(2), 0, 0},
+      {"more skips than a reply may have",
+       Int(0) + Int(300'000) + std::string(1'200'000, '\0') + Int(1) + item + Int(7), 0, 0},
       {"skips below zero", Int(0) + Int(-1) + Int(1) + item + Int(7), 1, 7},
       {"endless items", Int(0) + Int(0) + Int(huge) + item + item, 2, 0},
       {"refused", Int(1) + Int(0) + Int(1) + item + Int(7), 0, 0},
@@ -180,6 +183,7 @@ TEST(MapShopSearch, TakesWhatIsSoundInABrokenReply) {
       {"file too long", Int(0) + Int(0) + Int(3) + item + Text("t") + Int(0) + Text("s") + tooLong, 1, 0},
       {"longest title", ReplyWith({longest}, 9), 1, 9},
   };
+  const testing::ShortTimeouts andSizes;
   for (const auto& each : cases) {
     const Found found = SearchAnswered(each.reply);
     EXPECT_EQ(found.items.size(), each.items) << each.what;

@@ -89,8 +89,8 @@ TEST(WebRange, WritesNothingBehindTheBuffer) {
     const auto wanted = static_cast<std::size_t>(std::max(length, 0));
     std::string memory = guard + std::string(wanted, '.') + guard;
     char* const buffer = memory.data() + guard.size();
-    ASSERT_EQ(xfa704a3f(serverName, "a.map", 0, length, buffer, nullptr, nullptr), std::max(length, 0));
-    ASSERT_EQ(memory, guard + file.substr(0, wanted) + guard) << length;
+    EXPECT_EQ(xfa704a3f(serverName, "a.map", 0, length, buffer, nullptr, nullptr), std::max(length, 0));
+    EXPECT_TRUE(memory == guard + file.substr(0, wanted) + guard) << length;
   }
 }
 
