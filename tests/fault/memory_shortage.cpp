@@ -3,6 +3,7 @@
 #include <curl/curl.h>
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -10,55 +11,43 @@
 namespace nvsupport::testing {
 namespace {
 
-thread_local long sparedRequests = -1;  // none is refused
+thread_local long requests = 0;             // for memory, so far
+thread_local long firstRefused = LONG_MAX;  // its number
 thread_local bool shortageLasts = false;
-thread_local bool shortageCame = false;
 
 bool IsRefused() {
-  if (sparedRequests < 0) return false;
-  if (sparedRequests > 0) {
-    --sparedRequests;
-    return false;
-  }
-  shortageCame = true;
-  if (!shortageLasts) sparedRequests = -1;
-  return true;
+  const long number = requests++;
+  return shortageLasts ? number >= firstRefused : number == firstRefused;
 }
 
 void* Take(std::size_t size) {
   return IsRefused() ? nullptr : std::malloc(size);
 }
-void* TakeAgain(void* memory, std::size_t size) {
-  return IsRefused() ? nullptr : std::realloc(memory, size);
-}
-void* TakeZeros(std::size_t count, std::size_t size) {
-  return IsRefused() ? nullptr : std::calloc(count, size);
-}
-char* TakeCopy(const char* text) {
-  return IsRefused() ? nullptr : strdup(text);
-}
 
 // Before the library is the first to use it.
-[[maybe_unused]] const CURLcode ready =
-    curl_global_init_mem(CURL_GLOBAL_DEFAULT, Take, std::free, TakeAgain, TakeCopy, TakeZeros);
+[[maybe_unused]] const CURLcode ready = curl_global_init_mem(
+    CURL_GLOBAL_DEFAULT, Take, std::free,
+    [](void* memory, std::size_t size) { return IsRefused() ? nullptr : std::realloc(memory, size); },
+    [](const char* text) { return IsRefused() ? nullptr : strdup(text); },
+    [](std::size_t count, std::size_t size) { return IsRefused() ? nullptr : std::calloc(count, size); });
 
 }  // namespace
 
 void GoShortOfMemory(const std::function<void()>& road, const std::function<void()>& look) {
-  long places = 0;
   for (const bool lasting : {false, true}) {
     shortageLasts = lasting;
-    places = 0;
-    for (shortageCame = true; shortageCame; ++places) {
-      shortageCame = false;
-      sparedRequests = places;
+    long place = 0;
+    for (bool came = true; came; ++place) {
+      requests = 0;
+      firstRefused = place;
       [&]() noexcept { road(); }();
-      sparedRequests = -1;
+      came = requests > place;
+      firstRefused = LONG_MAX;
       look();
       if (::testing::Test::HasFailure()) return;
     }
+    EXPECT_GT(place, 1) << "nothing was refused";
   }
-  EXPECT_GT(places, 1) << "nothing was refused";
 }
 
 }  // namespace nvsupport::testing
@@ -68,26 +57,10 @@ void* operator new(std::size_t size) {
   throw std::bad_alloc();
 }
 
-// A sanitizer has all the other forms, too, and wants what one gave back by the same hand.
+// A sanitizer has this form, too, and the one that gives back, which it must let take what is here from malloc.
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
   return nvsupport::testing::Take(size);
 }
-void* operator new[](std::size_t size) {
-  return operator new(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t& form) noexcept {
-  return operator new(size, form);
-}
-
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-  std::free(memory);
+extern "C" __attribute__((visibility("default"))) const char* __asan_default_options() {
+  return "alloc_dealloc_mismatch=0";
 }

@@ -4,6 +4,7 @@
 #include <curl/curl.h>
 #include <malloc.h>
 #include <openssl/crypto.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -80,25 +81,25 @@ class SecretsInMemory : public AccountTest {
  protected:
   // The service in a process of its own, until the object goes.
   SecretsInMemory() {
-    int ports[2];
-    if (pipe(ports) != 0 || pipe(stop) != 0) return;
+    int ends[2];
+    if (socketpair(AF_UNIX, SOCK_STREAM, 0, ends) != 0) return;
+    link = ends[0];
+    char route[200] = "";
     service = fork();
     if (service == 0) {
-      close(stop[1]);
+      close(link);
       Serve({Int(0) + Int(0), Int(0) + Text(Reveal(sessionToken))});
-      const char* const route = std::getenv("NV_CONNECT_TO");
-      if (write(ports[1], route, std::strlen(route) + 1) < 0) _exit(1);
-      char byte;
-      while (read(stop[0], &byte, 1) > 0) {
+      const std::string ready = std::getenv("NV_CONNECT_TO");
+      if (write(ends[1], ready.c_str(), ready.size()) < 0) _exit(1);
+      while (read(ends[1], route, sizeof route) > 0) {
       }
       _exit(0);
     }
-    char route[200] = "";
-    if (read(ports[0], route, sizeof route) > 0) setenv("NV_CONNECT_TO", route, 1);
-    for (const int end : {ports[0], ports[1], stop[0]}) close(end);
+    close(ends[1]);
+    if (read(link, route, sizeof route - 1) > 0) setenv("NV_CONNECT_TO", route, 1);
   }
   ~SecretsInMemory() override {
-    close(stop[1]);
+    close(link);
     waitpid(service, nullptr, 0);
   }
 
@@ -111,7 +112,7 @@ class SecretsInMemory : public AccountTest {
   }
 
  private:
-  int stop[2] = {-1, -1};
+  int link = -1;  // while it is open the service runs
   pid_t service = -1;
 };
 
