@@ -172,6 +172,7 @@ TEST_F(DialogLooks, AreOwnedByTheTopLevelWindowOfTheHostsWidget) {
        [&](const QWidget& window) {
          EXPECT_EQ(window.windowHandle()->transientParent(), host.windowHandle());
          EXPECT_EQ(window.windowIcon().cacheKey(), QApplication::windowIcon().cacheKey());
+         EXPECT_FALSE(window.testAttribute(Qt::WA_QuitOnClose)) << "the host lives on, its windows hidden or not";
        });
   QApplication::setWindowIcon(QIcon());
 }
