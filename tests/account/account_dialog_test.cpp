@@ -2,6 +2,7 @@
 #include "account_fixture.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <thread>
@@ -18,6 +19,8 @@ constexpr Operation create = &CVServiceManager::CreateAccount;
 constexpr Operation nameComputer = &CVServiceManager::SetDeviceName;
 
 TEST_F(AccountDialog, OpensWithWhatIsKnown) {
+  char hostName[256] = {};
+  EXPECT_EQ(gethostname(hostName, sizeof hostName - 1), 0);
   const struct {
     const char* title;
     Operation operation;
@@ -33,11 +36,7 @@ TEST_F(AccountDialog, OpensWithWhatIsKnown) {
        {"ann", "secret1"},
        {{IDC_USER_ID, "ann"}, {IDC_PASSWORD, "secret1"}, {IDC_RETYPE_PASSWORD, ""}},
        IDC_USER_ID},
-      {deviceTitle,
-       nameComputer,
-       {"ann", ""},
-       {{IDC_COMPUTER_NAME, CServiceManager("Test Product").GetDeviceName()}},
-       IDC_COMPUTER_NAME},
+      {deviceTitle, nameComputer, {"ann", ""}, {{IDC_COMPUTER_NAME, hostName}}, IDC_COMPUTER_NAME},
   };
   for (const auto& row : cases) {
     OpenSession(row.saved);

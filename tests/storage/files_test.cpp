@@ -55,7 +55,8 @@ TEST(Folders, AreMadeWithWhatIsMissingForTheUserAlone) {
   EXPECT_FALSE(CreatePath(deep)) << "and no stack is exhausted";
   EXPECT_EQ(GetSpecialFolder(CSIDL_PERSONAL), home.folder / "documents");
   EXPECT_EQ(GetSpecialFolder(0x7777, "x"), "");
-  const testing::ScopedVariable tooLong("XDG_DATA_HOME", "/" + std::string(300, 'x'));
+  const std::string parent = home.folder / std::string(150, 'x') + "/";
+  const testing::ScopedVariable tooLong("XDG_DATA_HOME", parent + std::string(MAX_PATH - parent.size(), 'x'));
   EXPECT_EQ(GetSpecialFolder(CSIDL_LOCAL_APPDATA, "x"), "");
 }
 
