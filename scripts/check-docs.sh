@@ -27,7 +27,7 @@ done < <(git ls-files '*.md' | xargs grep -oP '\]\(\K[^)]+(?=\))' | grep -vE ':(
 for program in nvhost nvcatalogue; do
   manual=$(<"docs/man/$program.1")
   help=$("$build/$program" --help)
-  for command in $(sed -n '/^Subcommands:/,/^$/s/^  \([a-z]*\) .*/\1/p' <<<"$help"); do
+  for command in $(sed -n '/^Subcommands:/,/^$/s/^  \([a-z0-9-]*\) .*/\1/p' <<<"$help"); do
     grep -q "^\.It Cm $command\b" <<<"$manual" || complain "docs/man/$program.1 lacks $command"
     help+=$'\n'$("$build/$program" "$command" --help)
   done

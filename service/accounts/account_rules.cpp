@@ -3,7 +3,6 @@
 #include <arpa/inet.h>
 #include <sodium.h>
 
-#include <algorithm>
 #include <array>
 #include <stdexcept>
 

@@ -55,14 +55,16 @@ int WriteConverted(const std::string& path, const NewFile& made, const std::stri
   return bytes != nullptr ? WriteNewFile(output, *bytes) : Refuse(path, std::get<Finding>(made));
 }
 
-// In the place of the file, which stays whole whatever happens meanwhile.
+// In the place of the file, or of what a link leads to, which stays whole whatever happens meanwhile.
 int UpdateFile(const std::string& path, std::string_view bytes) {
   const NewFile made = Update(bytes, SourceTexts());
   const auto* const updated = std::get_if<std::string>(&made);
   if (updated == nullptr) return Refuse(path, std::get<Finding>(made));
-  const std::string beside = path + ".new";
+  const std::filesystem::path file = std::filesystem::weakly_canonical(path);
+  const std::string beside = file.string() + ".new";
+  std::filesystem::remove(beside);  // what a run that was killed has left
   if (WriteNewFile(beside, *updated) != clean) return unusable;
-  std::filesystem::rename(beside, path);
+  std::filesystem::rename(beside, file);
   std::size_t toTranslate = 0, orphans = 0;
   std::istringstream lines(*updated);
   for (std::string line; std::getline(lines, line);) {
