@@ -42,6 +42,7 @@ TEST(Registry, ReadsEveryFormOfValueAndSkipsBrokenLines) {
       "\"NoForm\"=abc\n"
       "\"NoNumber\"=dword:xyz\n"
       "\"HalfBytes\"=hex:61,62,xy,63\n"
+      "\"WideBytes\"=hex:61,162\n"
       "\"CutBytes\"=hex:61,62,\\\n"
       "\"Good\"=\"yes\"\n"
       "[HKEY_CURRENT_USER\\Software\\Norvane\n"
@@ -56,7 +57,7 @@ TEST(Registry, ReadsEveryFormOfValueAndSkipsBrokenLines) {
       {"Text", "abcd"},       {"Gone", "default"},     {"Twice", "second"},
       {"Missing", "default"}, {"NoEnd", "default"},    {"NoValue", "default"},
       {"NoForm", "default"},  {"NoNumber", "default"}, {"HalfBytes", "ab"},
-      {"CutBytes", "ab"},     {"Good", "yes"}};
+      {"CutBytes", "ab"},     {"Good", "yes"},         {"WideBytes", "a"}};
   for (const auto& [name, text] : values) EXPECT_EQ(UserText(name), text) << name;
   EXPECT_EQ(GetRegistryText(HKEY_LOCAL_MACHINE, key, "Language", "default"), "default");
 }

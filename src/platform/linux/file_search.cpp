@@ -42,15 +42,11 @@ bool MatchesPattern(std::string_view name, std::string_view pattern) {
 
 class FileSearch {
  public:
+  // The target names its folder, as all callers have one.
   explicit FileSearch(const std::string& target) {
-    const std::size_t separator = target.rfind('/');
-    if (separator == std::string::npos) {
-      folder.reset(opendir("."));
-      pattern = target;
-    } else {
-      pattern = target.substr(separator + 1);
-      folder.reset(opendir(target.substr(0, separator + 1).c_str()));
-    }
+    const std::size_t name = target.rfind('/') + 1;
+    pattern = target.substr(name);
+    folder.reset(opendir(target.substr(0, name).c_str()));
   }
 
   bool Next(WIN32_FIND_DATAA& data) {

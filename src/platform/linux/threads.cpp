@@ -13,12 +13,8 @@
 
 #include "blocked_signals.h"
 #include "handle_object.h"
-#include "module.h"
 
 namespace {
-
-constexpr DWORD errorNotEnoughMemory = 8;
-constexpr DWORD errorInvalidHandle = 6;
 
 class Waitable : public platform::HandleObject {
  public:
@@ -74,12 +70,10 @@ class Thread final : public Waitable {
   std::thread thread;
 };
 
-// Null, with the last error set, for a handle of another kind.
+// Null for a handle of another kind.
 template <typename Kind>
 Kind* KindOf(HANDLE handle) {
-  auto* const object = dynamic_cast<Kind*>(static_cast<platform::HandleObject*>(handle));
-  if (object == nullptr) SetLastError(errorInvalidHandle);
-  return object;
+  return dynamic_cast<Kind*>(static_cast<platform::HandleObject*>(handle));
 }
 
 // The handle's value is the base's address, as CloseHandle expects it.
@@ -93,14 +87,12 @@ HANDLE CreateThread(struct SECURITY_ATTRIBUTES*, std::uintptr_t, LPTHREAD_START_
                     LPDWORD) try {
   return HandleOf(std::make_unique<Thread>(start, parameter));
 } catch (const std::exception&) {
-  SetLastError(errorNotEnoughMemory);
   return nullptr;
 }
 
 HANDLE CreateEventA(struct SECURITY_ATTRIBUTES*, BOOL manualReset, BOOL initialState, LPCSTR) try {
   return HandleOf(std::make_unique<Event>(manualReset != FALSE, initialState != FALSE));
 } catch (const std::exception&) {
-  SetLastError(errorNotEnoughMemory);
   return nullptr;
 }
 
