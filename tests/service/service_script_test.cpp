@@ -20,8 +20,8 @@ TEST(ServiceScript, RefusesAFolderThatOthersCanReach) {
       {"open to all for reading", "mkdir -m 755 service"},
       {"open to the group", "mkdir -m 770 service"},
       {"open by a link", "mkdir -m 777 open && ln -s open service"},
-      {"another's", "mkdir -m 700 service && chown nobody service"},
-      {"another's link", "mkdir -m 700 own && ln -s own service && chown -h nobody service"},
+      {"another's", "mkdir -m 700 service && chown daemon service"},
+      {"another's link", "mkdir -m 700 own && ln -s own service && chown -h daemon service"},
   };
   for (const auto& row : cases) {
     const TemporaryFolder folder;
