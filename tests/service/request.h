@@ -11,13 +11,10 @@
 using nvsupport::testing::Int;
 using nvsupport::testing::Text;
 
-inline std::string CreateAccount(const std::string& userId, const std::string& password, const std::string& email) {
+inline std::string CreateAccount(const std::string& userId, const std::string& email,
+                                 const std::string& password = "secret") {
   return Int(10) + Text(userId) + Text(password) + Text("A Name") + Text("") + Text(email) + '\0' + Int(124) +
          Text("English");
-}
-
-inline std::string SignIn(const std::string& userId, const std::string& password) {
-  return Int(8) + Text(userId) + Text(password) + Int(1);
 }
 
 // A word of a reply; a value that no test expects if the reply ends before it.

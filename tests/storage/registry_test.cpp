@@ -14,68 +14,52 @@ using testing::TemporaryHome;
 
 constexpr const char* key = "Software\\Norvane";
 
-std::string UserText(const std::string& value) {
-  return GetRegistryText(HKEY_CURRENT_USER, key, value, "default");
-}
-
 TEST(Registry, ReadsEveryFormOfValueAndSkipsBrokenLines) {
-  const TemporaryHome home;
-  home.WriteUserRegistry(
-      "; a comment\r\n"
-      "[HKEY_CURRENT_USER\\Other]\r\n"
-      "\"Language\"=\"wrong\"\r\n"
-      "  [hkey_current_user\\SOFTWARE\\norvane]  \r\n"
-      "@=\"standard\"\r\n"
-      "\"Language\"=\"Deutsch\" ; behind it\r\n"
-      "\"Path\" = \"C:\\\\maps\\\\\\\"new\\\"\"\n"
-      "\"Single\"=\"C:\\maps\"\n"
-      "\"a=\\\"b\\\"\"=\"odd name\"\n"
-      "\"Number\"=dword:00434241\n"
-      "\"Text\"=hex(1):61,62,\\\r\n"
-      "  63 , 64,\\\n"
-      "  00 ; the end\r\n"
-      "\"Gone\"=\"x\"\n"
-      "\"gone\"=-\n"
-      "\"Twice\"=\"first\"\n"
-      "\"NoEnd\"=\"abc\n"
-      "\"NoValue\"\n"
-      "\"NoForm\"=abc\n"
-      "\"NoNumber\"=dword:xyz\n"
-      "\"HalfBytes\"=hex:61,62,xy,63\n"
-      "\"WideBytes\"=hex:61,162\n"
-      "\"CutBytes\"=hex:61,62,\\\n"
-      "\"Good\"=\"yes\"\n"
-      "[HKEY_CURRENT_USER\\Software\\Norvane\n"
-      "\"Good\"=\"no\"\n"
-      "[HKEY_LOCAL_MACHINE\\Software\\Norvane]\n"
-      "\"Language\"=\"wrong\"\n"
-      "[HKEY_CURRENT_USER\\Software\\Norvane]\n"
-      "\"TWICE\"=\"second\"");
-  const std::pair<const char*, const char*> values[] = {
-      {"", "standard"},       {"LANGUAGE", "Deutsch"}, {"Path", "C:\\maps\\\"new\""},
-      {"Single", "C:\\maps"}, {"a=\"b\"", "odd name"}, {"Number", "ABC"},
-      {"Text", "abcd"},       {"Gone", "default"},     {"Twice", "second"},
-      {"Missing", "default"}, {"NoEnd", "default"},    {"NoValue", "default"},
-      {"NoForm", "default"},  {"NoNumber", "default"}, {"HalfBytes", "ab"},
-      {"CutBytes", "ab"},     {"Good", "yes"},         {"WideBytes", "a"}};
-  for (const auto& [name, text] : values) EXPECT_EQ(UserText(name), text) << name;
-  EXPECT_EQ(GetRegistryText(HKEY_LOCAL_MACHINE, key, "Language", "default"), "default");
-}
-
-TEST(Registry, TextsOf260CharactersFitAndLongerOnesGiveTheDefault) {
   const TemporaryHome home;
   const std::string fits(260, 'x');
   std::string unterminated = "\"Unterminated\"=hex(1):";
   for (int count = 0; count < 261; ++count) unterminated += "79,";
-  home.WriteUserRegistry("[HKEY_CURRENT_USER\\Software\\Norvane]\n\"Fits\"=\"" + fits + "\"\n\"Long\"=\"" + fits +
-                         "x\"\n" + unterminated);
-  EXPECT_EQ(UserText("Fits"), fits);
-  EXPECT_EQ(UserText("Long"), "default");
-  EXPECT_EQ(UserText("Unterminated"), std::string(261, 'y'));
+  const struct {
+    std::string lines;  // in the middle of the file
+    const char* name;
+    std::string text;
+  } cases[] = {
+      {"@=\"standard\"\r\n", "", "standard"},
+      {"\"Language\"=\"Deutsch\" ; behind it\r\n", "LANGUAGE", "Deutsch"},
+      {"\"Path\" = \"C:\\\\maps\\\\\\\"new\\\"\"\n", "Path", "C:\\maps\\\"new\""},
+      {"\"Single\"=\"C:\\maps\"\n", "Single", "C:\\maps"},
+      {"\"a=\\\"b\\\"\"=\"odd name\"\n", "a=\"b\"", "odd name"},
+      {"\"Number\"=dword:00434241\n", "Number", "ABC"},
+      {"\"Bytes\"=hex(1):61,62,\\\r\n  63 , 64,\\\n  00 ; the end\r\n", "Bytes", "abcd"},
+      {"\"Gone\"=\"x\"\n\"gone\"=-\n", "Gone", "default"},
+      {"\"Twice\"=\"first\"\n", "Twice", "second"},
+      {"", "Missing", "default"},
+      {"\"NoEnd\"=\"abc\n", "NoEnd", "default"},
+      {"\"NoValue\"\n", "NoValue", "default"},
+      {"\"NoForm\"=abc\n", "NoForm", "default"},
+      {"\"NoNumber\"=dword:xyz\n", "NoNumber", "default"},
+      {"\"HalfBytes\"=hex:61,62,xy,63\n", "HalfBytes", "ab"},
+      {"\"WideBytes\"=hex:61,162\n", "WideBytes", "a"},
+      {"\"CutBytes\"=hex:61,62,\\\n\"Behind\"=\"yes\"\n", "CutBytes", "ab"},
+      {"\"Behind\"=\"yes\"\n", "Behind", "yes"},
+      {"\"Fits\"=\"" + fits + "\"\n", "Fits", fits},
+      {"\"Long\"=\"" + fits + "x\"\n", "Long", "default"},
+      {unterminated + "\n", "Unterminated", std::string(261, 'y')},
+  };
+  for (const auto& row : cases) {
+    home.WriteUserRegistry(
+        "; a comment\r\n[HKEY_CURRENT_USER\\Other]\r\n\"Language\"=\"wrong\"\r\n"
+        "  [hkey_current_user\\SOFTWARE\\norvane]  \r\n" +
+        row.lines +
+        "[HKEY_CURRENT_USER\\Software\\Norvane\n\"Behind\"=\"no\"\n"
+        "[HKEY_CURRENT_USER\\Software\\Norvane]\n\"TWICE\"=\"second\"");
+    EXPECT_EQ(GetRegistryText(HKEY_CURRENT_USER, key, row.name, "default"), row.text) << row.name;
+  }
 }
 
 TEST(Registry, TheFirstMachineFileCounts) {
   const TemporaryHome home;
+  home.WriteUserRegistry("[HKEY_LOCAL_MACHINE\\Software\\Norvane]\n\"of the user\"=\"yes\"\n");
   for (const std::string folder : {"second", "third"}) {
     testing::WriteWholeFile(home.folder / folder + "/norvane/registry.reg",
                             "REGEDIT4\n[HKEY_LOCAL_MACHINE\\Software\\Norvane]\n\"of the " + folder + "\"=\"yes\"\n");
@@ -83,8 +67,9 @@ TEST(Registry, TheFirstMachineFileCounts) {
   const testing::ScopedVariable folders(
       "XDG_CONFIG_DIRS",
       (home.folder / "first") + ":relative::" + (home.folder / "second/") + ":" + (home.folder / "third"));
-  EXPECT_EQ(GetRegistryText(HKEY_LOCAL_MACHINE, key, "of the second", "no"), "yes");
-  EXPECT_EQ(GetRegistryText(HKEY_LOCAL_MACHINE, key, "of the third", "no"), "no");
+  for (const auto& [name, text] : {std::pair("of the user", "no"), {"of the second", "yes"}, {"of the third", "no"}}) {
+    EXPECT_EQ(GetRegistryText(HKEY_LOCAL_MACHINE, key, name, "no"), text) << name;
+  }
 }
 
 }  // namespace

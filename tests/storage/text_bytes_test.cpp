@@ -1,7 +1,6 @@
 // Bytes of texts: in UTF-8, in a code page of double-byte characters, hashed.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -30,7 +29,6 @@ TEST(MultiByteText, CopyPadsAndNeverSplitsACharacter) {
 TEST(MultiByteText, BytesThatAreNoUtf8AreShownAsWindows1252) {
   EXPECT_EQ(platform::ToUtf8("Gru\xdf \x80, cut \xe2\x82"), "Gru\u00df \u20ac, cut \u00e2\u201a");
   EXPECT_EQ(platform::ToUtf8("\xed\xa0\x80"), "\u00ed\u00a0\u20ac") << "a half of a surrogate pair is no character";
-  EXPECT_EQ(platform::ToUtf8(std::string(2000, '\xe9')).size(), 4000u);
 }
 
 // The code page is found once in a process: the checks run in a fresh one, which ends with 0 when they hold. `locales`
@@ -45,7 +43,6 @@ void CheckGbk(const std::filesystem::path& locales) {
   EXPECT_EQ(platform::ToUtf8("\xe9"), "\u00e9");
   EXPECT_EQ(platform::FromUtf8("abc\u4e2d\u00df!"), text + "?!");
   std::filesystem::remove_all(locales);
-  std::fflush(nullptr);
   std::_Exit(testing::Test::HasFailure() ? 1 : 0);  // at once: the C library keeps what it read from LOCPATH
 }
 

@@ -55,6 +55,7 @@ TEST_F(ShownText, OfADialogIsTranslatedBeforeItsOwnInitAndNotedWhereMissing) {
   std::string misses = testing::ReadWholeFile(missFile->path());
   std::erase(misses, '\0');  // the file is of 16-bit characters
   EXPECT_NE(misses.find("Computer name"), std::string::npos);
+  EXPECT_FALSE(misses.starts_with("\xFF\xFE\t")) << "a field without text is no miss";
   EXPECT_EQ(misses.find("Give your"), std::string::npos);
   EXPECT_EQ(misses.find("set later"), std::string::npos);
 }

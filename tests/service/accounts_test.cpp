@@ -1,0 +1,281 @@
+// The accounts, alike on both databases: the rules on them, what a repeated request means, the pace at which guesses
+// are answered, and that nothing is lost when many write at a time.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <atomic>
+#include <barrier>
+#include <thread>
+
+#include "request.h"
+#include "service/accounts/account_service.h"
+#include "service/cgi.h"
+#include "service/utf8.h"
+#include "support/temporary_home.h"
+
+namespace {
+
+using namespace nvsupport::service;
+using nvsupport::testing::ScopedVariable;
+
+std::string SignIn(const std::string& userId, const std::string& password) {
+  return Int(8) + Text(userId) + Text(password) + Int(1);
+}
+
+// An empty database: on the server of NV_SERVICE_DATABASE if that is set, else in a file.
+class Accounts : public testing::Test {
+ protected:
+  Accounts() {
+    if (!server.empty()) database->RunScript("DROP SCHEMA public CASCADE; CREATE SCHEMA public");
+  }
+
+  // A connection of its own, as each process has one.
+  std::unique_ptr<Database> Open() const { return OpenDatabase(server.empty() ? folder / "accounts.sqlite" : server); }
+
+  // The status of the reply to a request that comes from an address now. What the service waits goes to `waited`.
+  std::uint32_t StatusOf(const std::string& request, const std::string& from = "192.0.2.1") {
+    waited = 0;
+    const auto wait = [this](std::int64_t seconds) { waited += seconds; };
+    return WordAt(AccountService(*database, settings, {from, now, wait}).Answer(request), 0);
+  }
+
+  // The number of a new account.
+  std::int64_t Make(AccountStore& store, const std::string& userId) {
+    EXPECT_EQ(StatusOf(CreateAccount(userId, userId + "@norvane.example")), 0U) << userId;
+    std::int64_t number = 0;
+    EXPECT_EQ(store.Verify(userId, "secret", number), Status::done) << userId;
+    return number;
+  }
+
+  const nvsupport::testing::TemporaryFolder folder;
+  const std::string server = Variable("NV_SERVICE_DATABASE");
+  const std::unique_ptr<Database> database = Open();
+  AccountSettings settings;
+  std::int64_t now = 1'000'000;
+  std::int64_t waited = 0;
+};
+
+TEST_F(Accounts, GetTheStatusesThatTheDialogsKnow) {
+  const struct {
+    const char* what;
+    std::string request;
+    std::uint32_t status;
+  } cases[] = {
+      {"first account", CreateAccount("Map Reader", "reader@norvane.example", "six 6!six"), 0},
+      {"same user ID under the rule", CreateAccount("map-READER", "other@norvane.example"), 2},
+      {"same 16 characters", CreateAccount("abcdefghijklmnop", "a@norvane.example"), 0},
+      {"more than 16 characters", CreateAccount("ABCDEFGH IJKLMNOPQRST", "b@norvane.example"), 2},
+      {"five letters and digits", CreateAccount("short", "short@norvane.example", "a.b.c.d.5....."), 3},
+      {"accented letters do not count", CreateAccount("accents", "c@norvane.example", "\xC3\xA9t\xC3\xA9tes"), 3},
+      {"user ID without letters", CreateAccount("--- ", "d@norvane.example"), 6},
+      {"same email address", CreateAccount("another", " Reader@Norvane.EXAMPLE "), 13},
+      {"no domain", CreateAccount("another", "me@home"), 14},
+      {"two at signs", CreateAccount("another", "me@you@norvane.example"), 14},
+      {"line feed in the address", CreateAccount("another", "me@norvane.example\nx"), 14},
+      {"blank in the address", CreateAccount("another", "me @norvane.example"), 14},
+      {"sign in under the rule", SignIn("MAPREADER", "SIX6six"), 0},
+      {"another password", SignIn("Map Reader", "six6si"), 5},
+      {"unknown user", SignIn("Map Readers", "six6six"), 4},
+      {"name: another password", Int(9) + Text("mapreader") + Text("x") + Text("n") + Int(1) + Int(124) + Int(0), 5},
+      {"token: another password", Int(11) + Text("mapreader") + Text("x"), 5},
+      {"a text beyond its limit", SignIn(std::string(1001, 'x'), "six6six"), 1},
+      {"an unknown operation", Int(12) + Text("mapreader") + Text("six6six"), 1},
+      {"a length without end", Int(11) + Int(0x80000000) + Text("mapreader") + Text("six6six"), 1},
+  };
+  for (const auto& row : cases) EXPECT_EQ(StatusOf(row.request), row.status) << row.what;
+}
+
+TEST_F(Accounts, TakeWholeRequestsAlone) {
+  const std::string user = Text("zomap") + Text("Secret-7");
+  const std::pair<const char*, std::string> cases[] = {
+      {"create", CreateAccount("zomap", "a@b.c", "Secret-7")},
+      {"sign in", SignIn("zomap", "Secret-7")},
+      {"name", Int(9) + user + Text("desk") + Int(1) + Int(124) + Int(0)},
+      {"token", Int(11) + user},
+  };
+  for (const auto& [operation, request] : cases) {
+    for (std::size_t length = 0; length < request.size(); ++length) {
+      EXPECT_EQ(StatusOf(request.substr(0, length)), 1U) << operation << " cut behind byte " << length;
+    }
+    EXPECT_EQ(StatusOf(request + '\0'), 1U) << operation << " with a byte too many";
+  }
+}
+
+TEST_F(Accounts, AreMadeByTheSameRequestTwiceForAWhile) {
+  const std::string request = CreateAccount("Reader", "reader@norvane.example");
+  EXPECT_EQ(StatusOf(request), 0U);
+  now += 599;
+  EXPECT_EQ(StatusOf(request), 0U);
+  EXPECT_EQ(StatusOf(CreateAccount("Reader", "reader@norvane.example", "another")), 2U);
+  EXPECT_EQ(StatusOf(CreateAccount("Reader", "other@norvane.example")), 2U);
+  EXPECT_EQ(StatusOf(SignIn("reader", "another")), 5U) << "the first password stays";
+  now += 2;
+  EXPECT_EQ(StatusOf(request), 2U);
+}
+
+TEST_F(Accounts, AreGuessedSlowlyWhetherThereIsOneOrNot) {
+  settings.failuresPerAccount = 2;
+  settings.failuresPerAddress = 3;
+  EXPECT_EQ(StatusOf(CreateAccount("there", "reader@norvane.example")), 0U);
+  const struct {
+    const char* what;
+    std::int64_t later;  // seconds behind the row above
+    const char* user;
+    const char* password;
+    const char* from;
+    std::uint32_t status;
+    std::int64_t waited;
+  } cases[] = {
+      {"first guess", 0, "there", "guess", "192.0.2.1", 5, 0},
+      {"second guess", 0, "there", "guess", "192.0.2.2", 5, 0},
+      {"third guess", 0, "there", "guess", "192.0.2.3", 5, 2},
+      {"behind the third", 0, "there", "guess", "192.0.2.4", 5, 4},
+      {"no more than two wait", 0, "there", "guess", "192.0.2.5", 20, 0},
+      {"no account: first guess", 0, "not", "guess", "192.0.2.6", 4, 0},
+      {"no account: second guess", 0, "not", "guess", "192.0.2.7", 4, 0},
+      {"no account: third guess", 0, "not", "guess", "192.0.2.8", 4, 2},
+      {"no account: behind the third", 0, "not", "guess", "192.0.2.9", 4, 4},
+      {"another account: first guess", 0, "third", "guess", "192.0.2.10", 4, 0},
+      {"another account: second guess", 0, "third", "guess", "192.0.2.11", 4, 0},
+      {"no more than four wait in all", 0, "third", "guess", "192.0.2.12", 20, 0},
+      {"the right password waits, too", 5, "there", "secret", "192.0.2.13", 0, 2},
+      {"who signs in is forgiven", 3, "there", "guess", "192.0.2.14", 5, 0},
+      {"others are not", 0, "not", "guess", "192.0.2.15", 4, 2},
+      {"but forgotten after a while", 903, "not", "guess", "192.0.2.16", 4, 0},
+      {"network: first guess", 0, "a", "guess", "2001:db8:1:2::1", 4, 0},
+      {"network: second guess", 0, "b", "guess", "2001:db8:1:2::2", 4, 0},
+      {"network: third guess", 0, "c", "guess", "2001:db8:1:2::3", 4, 0},
+      {"network: fourth guess", 0, "d", "guess", "2001:db8:1:2:ffff::9", 4, 2},
+      {"another network", 0, "e", "guess", "2001:db8:1:3::1", 4, 0},
+      {"address: first guess", 0, "f", "guess", "::ffff:192.0.2.77", 4, 0},
+      {"address: second guess", 0, "g", "guess", "192.0.2.77", 4, 0},
+      {"address: third guess", 0, "h", "guess", "::ffff:192.0.2.77", 4, 0},
+      {"address: fourth guess", 0, "i", "guess", "192.0.2.77", 4, 2},
+      {"another address", 0, "j", "guess", "192.0.2.78", 4, 0},
+  };
+  for (const auto& row : cases) {
+    now += row.later;
+    EXPECT_EQ(StatusOf(SignIn(row.user, row.password), row.from), row.status) << row.what;
+    EXPECT_EQ(waited, row.waited) << row.what;
+  }
+}
+
+TEST_F(Accounts, LoseTheOldestOfTooManySessions) {
+  AccountStore store(*database);
+  const std::int64_t account = Make(store, "reader");
+  const std::int64_t other = Make(store, "other");
+  std::vector<std::string> tokens;
+  for (const std::int64_t start : {1000, 1010, 1020}) tokens.push_back(store.OpenSession(account, start, 60, 2));
+  tokens.push_back(store.OpenSession(other, 1000, 60, 2));
+  const auto lives = [&](std::int64_t time) {
+    std::string all;
+    for (const std::string& token : tokens) all += store.FindSession(token, time) ? '1' : '0';
+    return all;
+  };
+  EXPECT_EQ(lives(1021), "0111");
+  EXPECT_EQ(lives(1060), "0110") << "the other account's has come to its end";
+  EXPECT_EQ(lives(1070), "0010");
+  EXPECT_EQ(store.FindSession(tokens[2], 1021), account);
+  store.EndSessions(account);
+  EXPECT_EQ(lives(1021), "0001");
+}
+
+TEST_F(Accounts, HaveComputersUpToALimit) {
+  AccountStore store(*database);
+  const std::int64_t account = Make(store, "reader");
+  for (std::uint32_t device = 0; device < AccountStore::mostComputers; ++device) {
+    EXPECT_EQ(store.NameComputer(account, {device, "old", 0}), Status::done) << device;
+  }
+  EXPECT_EQ(store.NameComputer(account, {0xFFFFFFFF, "new", 0}), Status::tooManyComputers);
+  EXPECT_EQ(store.NameComputer(account, {0, "renamed", 0}), Status::done);
+  EXPECT_EQ(store.NameComputer(Make(store, "other"), {0xFFFFFFFF, "of another", 0}), Status::done);
+  EXPECT_FALSE(store.HasComputer(account, 0xFFFFFFFF));
+  EXPECT_EQ(store.Computers(account).back().name, "renamed");
+}
+
+TEST_F(Accounts, AreMadeOnceAndServedInTurnWhenManyAskAtATime) {
+  constexpr int rounds = 12;
+  std::array<std::atomic<int>, 8> turns = {};
+  std::atomic<int> made = 0;
+  std::atomic<bool> over = false;
+  std::barrier together(std::ssize(turns));
+  const auto work = [&](std::atomic<int>& own) {
+    const auto connection = Open();
+    together.arrive_and_wait();
+    AccountStore store(*connection);  // which makes the tables
+    const std::string email = std::to_string(&own - turns.data()) + "@norvane.example";
+    made += store.Create({"reader", "secret", "", "", email, false, ""}, 0) == Status::done ? 1 : 0;
+    std::int64_t account = 0;
+    store.Verify("reader", "secret", account);
+    together.arrive_and_wait();
+    while (!over) {
+      store.OpenSession(account, 0, 60, 1000);
+      if (++own == rounds) over = true;
+    }
+  };
+  std::vector<std::jthread> threads;
+  for (auto& own : turns) threads.emplace_back(work, std::ref(own));
+  threads.clear();
+  EXPECT_EQ(made, 1);
+  for (const int count : turns) EXPECT_GE(count, rounds / 4) << "while another had " << rounds;
+}
+
+TEST_F(Accounts, AreAsBeforeWhenATransactionEndsHalfDoneOrFails) {
+  AccountStore store(*database);
+  {
+    const Transaction transaction(*database, "account 1");
+    database->Run("INSERT INTO attempt (user_key, address, answered) VALUES ($1, $2, $3)", "half", "done", 1);
+  }
+  EXPECT_TRUE(database->Run("SELECT user_key FROM attempt").empty());
+  try {
+    database->Run("INSERT INTO session (token_hash, account, ends) VALUES ($1, $2, $3)", "token", 123456, 1);
+    ADD_FAILURE() << "a session of no account";
+  } catch (const std::runtime_error& error) {
+    EXPECT_EQ(std::string(error.what()).find("123456"), std::string::npos) << "a value in a log: " << error.what();
+  }
+}
+
+TEST_F(Accounts, OfTheFirstVersionAreKeptAndOfOneThatIsNotMadeYetRefused) {
+  // That version, reduced to what the next ones build on.
+  database->RunScript(R"(
+      CREATE TABLE account (id INTEGER PRIMARY KEY, user_key TEXT NOT NULL UNIQUE, user_id TEXT NOT NULL);
+      CREATE TABLE session (token_hash TEXT PRIMARY KEY, account INTEGER NOT NULL, ends INTEGER NOT NULL);
+      INSERT INTO account VALUES (1, 'reader', 'Reader'))");
+  EXPECT_EQ(AccountStore(*database).UserId(1), "Reader");
+  database->RunScript("UPDATE schema_version SET version = 99");
+  EXPECT_THROW(AccountStore{*database}, std::runtime_error);
+}
+
+TEST(AccountSettings, AreReadFromTheirVariables) {
+  const std::pair<const char*, std::int64_t AccountSettings::*> cases[] = {
+      {"NV_SERVICE_SESSION_SECONDS", &AccountSettings::sessionSeconds},
+      {"NV_SERVICE_SESSIONS_PER_ACCOUNT", &AccountSettings::sessionsPerAccount},
+      {"NV_SERVICE_FAILURES_PER_ACCOUNT", &AccountSettings::failuresPerAccount},
+      {"NV_SERVICE_FAILURES_PER_ADDRESS", &AccountSettings::failuresPerAddress},
+      {"NV_SERVICE_FAILURE_SECONDS", &AccountSettings::failureSeconds},
+      {"NV_SERVICE_SLOW_SECONDS", &AccountSettings::slowSeconds},
+      {"NV_SERVICE_SLOW_AT_A_TIME", &AccountSettings::slowAtATime},
+  };
+  for (const auto& [name, setting] : cases) {
+    const ScopedVariable set(name, "77");
+    EXPECT_EQ(ReadAccountSettings().*setting, 77) << name;
+  }
+  const ScopedVariable none("NV_SERVICE_SLOW_SECONDS", "0");
+  EXPECT_THROW(ReadAccountSettings(), std::runtime_error);
+}
+
+TEST(ToUtf8, TakesWhatIsNoneForWindows1252) {
+  const std::pair<std::string, const char*> cases[] = {
+      {"J\u00FCrgen \u5BCC \U0001F5FA", "J\u00FCrgen \u5BCC \U0001F5FA"},
+      {"\u0080 \u0800 \U00010000", "\u0080 \u0800 \U00010000"},
+      {"J\xFCrgen \x80\x92\x81", "J\u00FCrgen \u20AC\u2019\u0081"},
+      {"Zo\xC3", "Zo\u00C3"},
+      {"\xC0\xAFx", "\u00C0\u00AFx"},                    // in more bytes than it needs
+      {"\xED\xA0\x80", "\u00ED\u00A0\u20AC"},            // half of a pair
+      {"\xF4\x90\x80\x80", "\u00F4\u0090\u20AC\u20AC"},  // beyond the end
+      {std::string("a\0b", 3), "a\uFFFDb"},
+  };
+  for (const auto& [sent, kept] : cases) EXPECT_EQ(ToUtf8(sent), kept);
+}
+
+}  // namespace
