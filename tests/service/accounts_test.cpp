@@ -194,7 +194,7 @@ TEST_F(Accounts, HaveComputersUpToALimit) {
 }
 
 TEST_F(Accounts, AreMadeOnceAndServedInTurnWhenManyAskAtATime) {
-  constexpr int rounds = 12;
+  constexpr int rounds = 24;
   std::array<std::atomic<int>, 8> turns = {};
   std::atomic<int> made = 0;
   std::atomic<bool> over = false;
@@ -217,7 +217,8 @@ TEST_F(Accounts, AreMadeOnceAndServedInTurnWhenManyAskAtATime) {
   for (auto& own : turns) threads.emplace_back(work, std::ref(own));
   threads.clear();
   EXPECT_EQ(made, 1);
-  for (const int count : turns) EXPECT_GE(count, rounds / 4) << "while another had " << rounds;
+  // Who is next is a matter of luck and of how busy the machine is; that one waits for all others is not.
+  for (const int count : turns) EXPECT_GE(count, rounds / 8) << "while another had " << rounds;
 }
 
 TEST_F(Accounts, AreAsBeforeWhenATransactionEndsHalfDoneOrFails) {
