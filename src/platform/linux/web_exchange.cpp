@@ -226,7 +226,10 @@ std::size_t WebExchange::OnBody(char* data, std::size_t unit, std::size_t size, 
     self->paused = true;
     return CURL_WRITEFUNC_PAUSE;
   }
-  self->window.insert(self->window.end(), data, data + taken);
+  // With an allocator that is not the standard one, insert() copies one byte at a time.
+  const std::size_t unread = self->window.size();
+  self->window.resize(unread + taken);
+  std::memcpy(self->window.data() + unread, data, taken);
   self->bodyRoom -= taken;
   return taken;  // fewer than came end the transfer
 } catch (const std::bad_alloc&) {
