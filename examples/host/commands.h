@@ -1,15 +1,14 @@
-// The commands of nvhost. Each adds itself to the command line; the one that the user asks for puts its work, with the
-// arguments in it, into `chosen`, and main runs that once the support library is loaded.
+// The commands of nvhost, each with its arguments. They do their work with the support library alone; what they cannot
+// do they tell by a Failure, which main shows.
 #ifndef NVHOST_COMMANDS_H
 #define NVHOST_COMMANDS_H
 
-#include <CLI/CLI.hpp>
+#include <nvsupport/nvsupport_module.h>
 
-#include <functional>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
-
-#include "library.h"
+#include <vector>
 
 namespace nvhost {
 
@@ -29,20 +28,38 @@ enum ExitCode {
   interruptedBy = 128,  // and the number of the signal, as shells report it
 };
 
-// Why a command ended without having done its work; main shows it.
+// Why a command ended without having done its work.
 struct Failure : std::runtime_error {
   Failure(int exitCode, const std::string& reason) : std::runtime_error(reason), code(exitCode) {}
   int code;  // an ExitCode
 };
 
-using Work = std::function<void(const NVSupportModule&)>;  // throws Failure
+struct SearchArguments {
+  std::vector<MapShopPoint> points;  // degrees; none: everywhere
+  bool json = false;
+};
+void Search(const NVSupportModule& support, const SearchArguments& arguments);
 
-void AddSearch(CLI::App& app, Work& chosen);
-void AddDownload(CLI::App& app, Work& chosen);
-void AddRead(CLI::App& app, Work& chosen);
-void AddWhoAmI(CLI::App& app, Work& chosen);
-void AddToken(CLI::App& app, Work& chosen);
-void AddGui(CLI::App& app, Work& chosen);
+struct DownloadArguments {
+  std::string host;
+  std::string path;
+  std::string file;
+};
+void Download(const NVSupportModule& support, const DownloadArguments& arguments);
+
+struct ReadArguments {
+  std::string host;
+  std::string path;
+  std::int64_t offset = 0;
+  std::int32_t length = 0;
+};
+void Read(const NVSupportModule& support, const ReadArguments& arguments);
+
+void WhoAmI(const NVSupportModule& support, const std::string& product);
+void Token(const NVSupportModule& support, const std::string& product);
+
+// Goes over to nvhost-gui, so it returns only by a Failure.
+[[noreturn]] void Gui(const std::string& library, const std::string& product);
 
 }  // namespace nvhost
 

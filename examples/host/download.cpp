@@ -15,12 +15,6 @@ using namespace std::chrono_literals;
 constexpr auto lookPause = 100ms;
 constexpr auto stopPatience = 500ms;  // for the library to stop by itself
 
-struct Arguments {
-  std::string host;
-  std::string path;
-  std::string file;
-};
-
 // Shows how far the transfer is until it ends or a signal asks for the end: that signal, else 0.
 int Watch(BackgroundDownload& download, ProgressDisplay& display, const SignalWatch& signals) {
   int signal = 0;
@@ -32,7 +26,9 @@ int Watch(BackgroundDownload& download, ProgressDisplay& display, const SignalWa
   return signal;
 }
 
-void Run(const NVSupportModule& support, const Arguments& arguments) {
+}  // namespace
+
+void Download(const NVSupportModule& support, const DownloadArguments& arguments) {
   const SignalWatch signals;
   BackgroundDownload download(support, arguments.host, arguments.path, arguments.file);
   ProgressDisplay display;
@@ -60,18 +56,6 @@ void Run(const NVSupportModule& support, const Arguments& arguments) {
       throw Failure(transferFailed, arguments.host + " cannot be reached or does not give " + arguments.path + ", or " +
                                         arguments.file + " cannot be written");
   }
-}
-
-}  // namespace
-
-void AddDownload(CLI::App& app, Work& chosen) {
-  const auto arguments = std::make_shared<Arguments>();
-  CLI::App* const command = app.add_subcommand("download", "Download a file from a web server");
-  command->add_option("host", arguments->host, "Name of the web server")->required()->type_name("HOST");
-  command->add_option("path", arguments->path, "Path on the server")->required()->type_name("PATH");
-  command->add_option("file", arguments->file, "Local file to write")->required()->type_name("FILE");
-  command->callback(
-      [arguments, &chosen] { chosen = [arguments](const NVSupportModule& support) { Run(support, *arguments); }; });
 }
 
 }  // namespace nvhost

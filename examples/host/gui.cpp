@@ -9,18 +9,11 @@
 
 namespace nvhost {
 
-void AddGui(CLI::App& app, Work& chosen) {
-  const auto product = std::make_shared<std::string>("Map Viewer");
-  CLI::App* const command = app.add_subcommand("gui", "Open a window with the account, the map shop and downloads");
-  command->add_option("--product", *product, "Product whose settings to use")->type_name("NAME")->capture_default_str();
-  command->callback([product, &app, &chosen] {
-    const auto library = AbsolutePath(app.get_option("--library")->as<std::string>());
-    chosen = [product, library](const NVSupportModule&) {
-      const std::string program = BesideProgram("nvhost-gui");
-      execl(program.c_str(), "nvhost-gui", "--library", library.c_str(), "--product", product->c_str(), nullptr);
-      throw Failure(noModule, "cannot start " + program + ": " + std::strerror(errno));
-    };
-  });
+void Gui(const std::string& library, const std::string& product) {
+  const std::string program = BesideProgram("nvhost-gui");
+  execl(program.c_str(), "nvhost-gui", "--library", AbsolutePath(library).c_str(), "--product", product.c_str(),
+        nullptr);
+  throw Failure(noModule, "cannot start " + program + ": " + std::strerror(errno));
 }
 
 }  // namespace nvhost

@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "commands.h"
+#include "library.h"
 #include "main_window.h"
 
 namespace {

@@ -1,0 +1,173 @@
+// The one source that knows the library for command lines, which takes long to compile.
+#include "command_line.h"
+
+#include <CLI/CLI.hpp>
+
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "library.h"
+
+namespace nvhost {
+namespace {
+
+constexpr const char* exitCodes =
+    "Exit codes:\n"
+    "  0    done\n"
+    "  1    an unexpected failure, such as no memory left\n"
+    "  2    wrong arguments\n"
+    "  3    the support library cannot be loaded\n"
+    "  4    a point of the area is out of range (latitude -90 to 90, longitude -400 to 400)\n"
+    "  5    the service answered and has no products for the area\n"
+    "  6    no products, and nothing tells that the service answered\n"
+    "  7    the transfer failed\n"
+    "  8    no session token: the sign-in was cancelled or refused, or the service is out of reach\n"
+    "  9    standard output cannot be written\n"
+    "  10   there is no screen for the window of gui\n"
+    "  11   incomplete: the server closed before the whole file was there\n"
+    "  130  stopped with Ctrl-C (143: by SIGTERM)";
+
+constexpr double largestLatitude = 90;
+constexpr double largestLongitude = 400;
+
+MapShopPoint ParsePoint(const std::string& text) {
+  MapShopPoint point = {};
+  const char* const end = text.data() + text.size();
+  const auto latitude = std::from_chars(text.data(), end, point.latitude);
+  const bool comma = latitude.ec == std::errc() && latitude.ptr != end && *latitude.ptr == ',';
+  const auto longitude = comma ? std::from_chars(latitude.ptr + 1, end, point.longitude) : latitude;
+  if (!comma || longitude.ec != std::errc() || longitude.ptr != end) {
+    throw CLI::ValidationError(text, "not a point; write LATITUDE,LONGITUDE in degrees, such as 45.92,6.87");
+  }
+  // Asked this way round, what is no number fails too.
+  const bool inRange = std::abs(point.latitude) <= largestLatitude && std::abs(point.longitude) <= largestLongitude;
+  if (!inRange) {
+    throw Failure(areaOutOfRange, text + " is out of range: latitude -90 to 90, longitude -400 to 400");
+  }
+  return point;
+}
+
+// Reads arguments to its members; the command that is there leaves its work in the request.
+class Parser {
+ public:
+  explicit Parser(Request& asked) : request(asked) {
+    app.allow_windows_style_options(false);  // a path on a server begins with a slash
+    app.add_option("--library", request.library, "The support library to load")
+        ->type_name("PATH")
+        ->capture_default_str();
+    app.set_version_flag("--version", "nvhost " NVSUPPORT_VERSION);
+    app.add_flag("--trace", request.trace, "Let the library tell on standard error what it does, as NV_TRACE=all");
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.footer(exitCodes);
+    AddSearch();
+    AddDownload();
+    AddRead();
+    AddWhoAmI();
+    AddToken();
+    AddGui();
+  }
+
+  // The exit code.
+  int Parse(int argc, char** argv) {
+    try {
+      app.parse(argc, argv);
+      return done;
+    } catch (const CLI::ParseError& error) {
+      if (app.exit(error) == 0) return done;
+      // What stands where a command should.
+      if (!app.remaining().empty() && app.get_subcommands().empty()) {
+        std::fprintf(stderr, "There is no command %s.\n", app.remaining().front().c_str());
+      }
+      return wrongArguments;
+    }
+  }
+
+ private:
+  void AddSearch() {
+    CLI::App* const command = app.add_subcommand("search", "List the products of the map shop for an area");
+    command->add_option("points", points, "Corners or outline of the area, in degrees; none: everywhere")
+        ->type_name("LAT,LON");
+    command->add_flag("--json", search.json, "Write JSON");
+    command->callback([this] {
+      for (const std::string& point : points) search.points.push_back(ParsePoint(point));
+      request.work = [search = search](const NVSupportModule& support) { Search(support, search); };
+    });
+  }
+
+  void AddDownload() {
+    CLI::App* const command = app.add_subcommand("download", "Download a file from a web server");
+    command->add_option("host", download.host, "Name of the web server")->required()->type_name("HOST");
+    command->add_option("path", download.path, "Path on the server")->required()->type_name("PATH");
+    command->add_option("file", download.file, "Local file to write")->required()->type_name("FILE");
+    command->callback([this] {
+      request.work = [download = download](const NVSupportModule& support) { Download(support, download); };
+    });
+  }
+
+  void AddRead() {
+    CLI::App* const command =
+        app.add_subcommand("read", "Write some bytes of a file on a web server to standard output");
+    command->add_option("host", read.host, "Name of the web server")->required()->type_name("HOST");
+    command->add_option("path", read.path, "Path on the server")->required()->type_name("PATH");
+    command->add_option("offset", read.offset, "First byte, counted from 0")
+        ->required()
+        ->type_name("OFFSET")
+        ->check(CLI::Range(std::int64_t{0}, std::numeric_limits<std::int64_t>::max()));
+    command->add_option("length", read.length, "Number of bytes")
+        ->required()
+        ->type_name("LENGTH")
+        ->check(CLI::Range(std::int32_t{1}, std::numeric_limits<std::int32_t>::max()));
+    command->callback(
+        [this] { request.work = [read = read](const NVSupportModule& support) { Read(support, read); }; });
+  }
+
+  CLI::Option* AddProduct(CLI::App& command) {
+    return command.add_option("--product", product, "Product whose settings to use")->type_name("NAME");
+  }
+
+  void AddWhoAmI() {
+    CLI::App* const command = app.add_subcommand("whoami", "Show the user ID and the identifier of this computer");
+    AddProduct(*command)->required();
+    command->callback(
+        [this] { request.work = [name = product](const NVSupportModule& support) { WhoAmI(support, name); }; });
+  }
+
+  void AddToken() {
+    CLI::App* const command = app.add_subcommand("token", "Get a session token, signing in if no password is saved");
+    AddProduct(*command)->required();
+    command->callback(
+        [this] { request.work = [name = product](const NVSupportModule& support) { Token(support, name); }; });
+  }
+
+  void AddGui() {
+    CLI::App* const command = app.add_subcommand("gui", "Open a window with the account, the map shop and downloads");
+    AddProduct(*command)->capture_default_str();
+    command->callback([this] {
+      request.work = [library = request.library, name = product](const NVSupportModule&) { Gui(library, name); };
+    });
+  }
+
+  Request& request;
+  CLI::App app{"Searches the map shop, moves files and signs in, through the nvsupport library.", "nvhost"};
+  std::vector<std::string> points;
+  SearchArguments search;
+  DownloadArguments download;
+  ReadArguments read;
+  std::string product = "Map Viewer";
+};
+
+}  // namespace
+
+Request ReadCommandLine(int argc, char** argv) {
+  Request request;
+  request.library = FindLibrary();
+  request.exitCode = Parser(request).Parse(argc, argv);
+  return request;
+}
+
+}  // namespace nvhost
