@@ -3,8 +3,6 @@
 
 #include <cstring>
 
-#include "nvsupport/nvsupport.h"
-
 namespace nvsupport {
 namespace {
 
@@ -110,7 +108,7 @@ TEST_F(AccountChain, GivesATokenThatFitsAndShowsNothingElse) {
     expectToken(row.token);
     EXPECT_EQ(Requests(), (std::vector<std::string>{Int(11) + Int(0) + Text("secret1")}));
   }
-  ServeNobody();
+  server.reset();
   expectToken("");
   EXPECT_TRUE(person.boxes.empty());
   CloseSession();

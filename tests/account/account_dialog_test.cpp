@@ -44,29 +44,8 @@ TEST_F(AccountDialog, OpensWithWhatIsKnown) {
       for (const auto& [id, text] : row.fields) EXPECT_EQ(TextOf(dialog, id), text) << row.title << ' ' << id;
       EXPECT_EQ(PlayedUser::FocusedControl(dialog), GetDlgItem(dialog, row.focus)) << row.title;
       EXPECT_EQ(person.selectedWhole, GetDlgItem(dialog, row.focus)) << row.title;
-      for (const int box : {IDC_SAVE_PASSWORD, IDC_KEEP_INFORMED}) {
-        const HWND control = GetDlgItem(dialog, box);
-        EXPECT_TRUE(control == nullptr || person.checkStates[control] == 0) << row.title;
-      }
-      RECT first{};
-      RECT second{};
-      GetWindowRect(GetDlgItem(dialog, IDC_KEEP_INFORMED), &first);
-      GetWindowRect(GetDlgItem(dialog, IDC_ACCEPT_POLICY), &second);
-      EXPECT_LE(first.bottom, second.top) << "the template lays one over the other";
     });
     EXPECT_FALSE(Run({look, Clicks(IDCANCEL)}, row.operation));
-  }
-}
-
-TEST_F(AccountDialog, OfTheSignInSavesThePasswordThatIsTicked) {
-  Serve({Int(0) + Int(0)});
-  for (const bool ticked : {true, false}) {
-    OpenSession({"old", "oldpass"});
-    EXPECT_TRUE(
-        Run(FillSignIn("Ann 1", "Secret-1") + Steps(ticked ? 1 : 0, Clicks(IDC_SAVE_PASSWORD)) + Steps{Clicks(IDOK)},
-            signIn));
-    EXPECT_EQ(InForce(), (Credentials{"Ann 1", "Secret-1"}));
-    EXPECT_EQ(Profile().find("Passwd=") != std::string::npos, ticked);
   }
 }
 

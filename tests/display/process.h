@@ -1,4 +1,4 @@
-// A program that a test talks to by lines, ended with the object.
+// A program whose output a test reads by lines, ended with the object.
 #ifndef NVSUPPORT_TESTS_DISPLAY_PROCESS_H
 #define NVSUPPORT_TESTS_DISPLAY_PROCESS_H
 
@@ -10,9 +10,7 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <functional>
-#include <map>
 #include <string>
 #include <thread>
 #include <utility>
@@ -34,10 +32,8 @@ inline bool WaitUntil(const std::function<bool()>& condition) {
 
 class Process {
  public:
-  // An empty value takes the variable out of the program's environment. Standard error goes where the output goes if
-  // `withErrors`, else where the test's goes.
-  explicit Process(std::vector<std::string> command, const std::map<std::string, std::string>& environment = {},
-                   bool withErrors = false) {
+  // Standard error goes where the output goes if `withErrors`, else where the test's goes.
+  explicit Process(std::vector<std::string> command, bool withErrors = false) {
     int ends[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) return;
     process = fork();
@@ -47,9 +43,6 @@ class Process {
       dup2(ends[1], STDIN_FILENO);
       dup2(ends[1], STDOUT_FILENO);
       if (withErrors) dup2(ends[1], STDERR_FILENO);
-      for (const auto& [name, value] : environment) {
-        value.empty() ? unsetenv(name.c_str()) : setenv(name.c_str(), value.c_str(), 1);
-      }
       std::vector<char*> arguments;
       for (std::string& argument : command) arguments.push_back(argument.data());
       arguments.push_back(nullptr);
@@ -71,28 +64,12 @@ class Process {
   }
 
   void Signal(int number) const { EXPECT_EQ(kill(process, number), 0); }
-  void WriteLine(const std::string& line) const {
-    const std::string bytes = line + "\n";
-    EXPECT_EQ(write(channel, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
-  }
 
   // The next line of its output, empty at its end and after the longest wait.
   std::string ReadLine() const {
     std::string line;
     for (char character; read(channel, &character, 1) == 1 && character != '\n';) line += character;
     return line;
-  }
-
-  // The rest of the first line that starts with `key` and a blank; earlier ones are passed over. Fails the test and
-  // is empty if there is none.
-  std::string Find(const std::string& key) const {
-    std::string seen;
-    for (std::string line = ReadLine(); !line.empty(); line = ReadLine()) {
-      if (line.starts_with(key + " ")) return line.substr(key.size() + 1);
-      seen += line + "\n";
-    }
-    ADD_FAILURE() << "no line " << key << " behind\n" << seen;
-    return {};
   }
 
   // Waits for its end: the exit code, -1 if a signal ended it.

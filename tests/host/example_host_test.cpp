@@ -94,7 +94,7 @@ TEST(ExampleHost, LeavesNothingOfAFileThatIsNotWhole) {
     SCOPED_TRACE(row.name);
     const TemporaryFolder folder;
     const ScriptedServer server(row.reply);
-    Process host({NV_HOST, "download", serverName, "/f", folder / "file"}, {}, true);
+    Process host({NV_HOST, "download", serverName, "/f", folder / "file"}, true);
     EXPECT_TRUE(WaitUntil([&] {
       return row.signal == 0 ||
              (row.reply.bytes.empty() ? !server.Requests().empty() : std::filesystem::exists(folder / "file.TMP"));

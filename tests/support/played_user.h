@@ -13,9 +13,12 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "platform/linux/windowing/display.h"
+#include "platform/linux/windowing/dialog_manager.h"
+#include "platform/linux/windowing/display_selection.h"
+#include "platform/linux/windowing/window_tree.h"
 #include "platform/platform.h"
 
 class PlayedUser final : public windowing::Display {
@@ -23,23 +26,47 @@ class PlayedUser final : public windowing::Display {
   using Step = std::function<void(HWND dialog)>;
 
   // What a step mostly does: fill an edit, push a button or tick a box, by the control's id.
-  static Step Types(int id, std::string text);
-  static Step Clicks(int id);
+  static Step Types(int id, const std::string& text) {
+    return [=](HWND dialog) { windowing::CoreEvents().OnTextEdited(Focused(dialog, id), text); };
+  }
+  static Step Clicks(int id) {
+    return [=](HWND dialog) { windowing::CoreEvents().OnClick(Focused(dialog, id)); };
+  }
 
-  PlayedUser();
+  PlayedUser() {
+    present = this;
+    std::string whyNot;
+    windowing::OpenDisplay(whyNot);
+  }
   PlayedUser(const PlayedUser&) = delete;
   PlayedUser& operator=(const PlayedUser&) = delete;
-  ~PlayedUser() override;
+  ~PlayedUser() override {
+    present = nullptr;
+    windowing::CloseDisplay();
+    EXPECT_TRUE(steps.empty()) << steps.size() << " steps were not played";
+  }
+
+  static PlayedUser* Present() { return present; }
 
   std::deque<Step> steps;                        // what the user will do
   std::vector<windowing::MessageBoxView> boxes;  // what the user was told
   std::vector<std::string> boxOwners;            // by the same index: title of the dialog that owned the box
-  void Drag(HWND dialog, POINT by);
+  void Drag(HWND dialog, POINT by) {
+    places[dialog].x += by.x;
+    places[dialog].y += by.y;
+    windowing::CoreEvents().OnDragged(dialog);
+  }
 
   // What the user sees: the control with the focus, or null; the dialog with its texts in force, or null if it is not
   // on the display.
-  static HWND FocusedControl(HWND dialog);
-  static const windowing::DialogView* ViewOf(HWND dialog);
+  static HWND FocusedControl(HWND dialog) {
+    const windowing::Window* window = windowing::FindDialog(dialog);
+    return window != nullptr ? window->dialog->focus : nullptr;
+  }
+  static const windowing::DialogView* ViewOf(HWND dialog) {
+    const auto found = present->dialogs.find(dialog);
+    return found != present->dialogs.end() ? &found->second : nullptr;
+  }
 
   // What the core made the display do. Boxes and windows stand here once that was said of them.
   std::map<HWND, int> checkStates;
@@ -51,36 +78,76 @@ class PlayedUser final : public windowing::Display {
   // What the screen looks like, free to set before a dialog opens.
   static constexpr RECT screenArea{0, 0, 1280, 1024};
   RECT workArea = screenArea;
-  RECT rightWorkArea{};                           // of a second screen beside it, if there is one
   std::map<std::uintptr_t, RECT> foreignWindows;  // windows of the host's own, by id
 
  private:
+  static HWND Focused(HWND dialog, int id) {
+    const HWND control = GetDlgItem(dialog, id);
+    EXPECT_NE(control, nullptr) << "no control " << id;
+    windowing::CoreEvents().OnFocus(control);
+    return control;
+  }
+
   void SetLanguage(const std::string&) override {}
   POINT BaseUnits() override { return {7, 13}; }
   RECT ScreenArea() override { return screenArea; }
-  int ScreenOf(const RECT& place) override;
-  RECT WorkArea(int screen) override { return screen == 0 ? workArea : rightWorkArea; }
+  int ScreenOf(const RECT&) override { return 0; }
+  RECT WorkArea(int) override { return workArea; }
   int CaptionHeight() override { return 18; }
   int FrameWidth() override { return 4; }
-  bool CreateDialogWindow(const windowing::DialogView& dialog) override;
+  bool CreateDialogWindow(const windowing::DialogView& dialog) override {
+    dialogs[dialog.handle] = dialog;
+    return true;
+  }
   void ShowDialogWindow(HWND) override {}
   void DestroyDialogWindow(HWND dialog) override { dialogs.erase(dialog); }
-  void RunModal(HWND dialog, const bool& ended) override;
-  int RunMessageBox(const windowing::MessageBoxView& box) override;
-  void SetText(HWND window, const std::string& text) override;
+  void RunModal(HWND dialog, const bool& ended) override {
+    while (!ended && !steps.empty()) {
+      const Step step = std::move(steps.front());
+      steps.pop_front();
+      step(dialog);
+    }
+    if (ended) return;
+    ADD_FAILURE() << "a dialog was left open";
+    EndDialog(dialog, IDCANCEL);
+  }
+  int RunMessageBox(const windowing::MessageBoxView& box) override {
+    const windowing::DialogView* const owner = ViewOf(box.owner);
+    boxes.push_back(box);
+    boxOwners.push_back(owner != nullptr ? owner->title : "");
+    return IDOK;
+  }
+  void SetText(HWND window, const std::string& text) override {
+    for (auto& [handle, view] : dialogs) {
+      if (handle == window) view.title = text;
+      for (windowing::ControlView& control : view.controls) {
+        if (control.handle == window) control.text = text;
+      }
+    }
+  }
   void SetCheck(HWND checkBox, int state) override { checkStates[checkBox] = state; }
   void SetEnabled(HWND window, bool enable) override { enabled[window] = enable; }
   void SetFocus(HWND control, bool selectAll) override { selectedWhole = selectAll ? control : nullptr; }
   void MoveControl(HWND, const RECT&) override {}
   void MoveDialogWindow(HWND dialog, POINT topLeft) override { places[dialog] = topLeft; }
-  RECT WindowRect(HWND dialog) override;
-  POINT ClientOrigin(HWND dialog) override;
-  std::optional<RECT> ForeignRect(std::uintptr_t window) override;
+  RECT WindowRect(HWND dialog) override {
+    const auto [left, top] = places[dialog];
+    const windowing::DialogView& view = dialogs[dialog];
+    return {left, top, left + view.width + 2 * FrameWidth(), top + view.height + 2 * FrameWidth() + CaptionHeight()};
+  }
+  POINT ClientOrigin(HWND dialog) override {
+    return {places[dialog].x + FrameWidth(), places[dialog].y + FrameWidth() + CaptionHeight()};
+  }
+  std::optional<RECT> ForeignRect(std::uintptr_t window) override {
+    const auto found = foreignWindows.find(window);
+    return found != foreignWindows.end() ? std::optional(found->second) : std::nullopt;
+  }
   std::uintptr_t ForeignTopLevel(std::uintptr_t window) override { return ForeignRect(window) ? window : 0; }
   void ShowWaitCursor() override { ++waitCursorsShown; }
   void RestoreCursor() override { ++cursorsRestored; }
   std::optional<POINT> CursorPosition() override { return POINT{}; }
 
+  static inline PlayedUser* present = nullptr;
   std::map<HWND, windowing::DialogView> dialogs;
   std::map<HWND, POINT> places;  // top left corners of dialogs
 };

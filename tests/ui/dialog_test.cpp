@@ -171,15 +171,6 @@ TEST(InstanceSubclasser, LetsTheFirstOfTwoLeaveUnlessAForeignProcedureStandsBetw
   }
 }
 
-TEST(InstanceSubclasser, EndsItsSearchInAChainThatIsARing) {
-  OnAnEdit([](HWND edit) {
-    SubclassRecord ring{&ForeignProc, nullptr, nullptr, &ring};
-    SetWindowLongPtrA(edit, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&ring));
-    EXPECT_EQ(first.find(edit), nullptr);
-    SetWindowLongPtrA(edit, GWLP_USERDATA, 0);
-  });
-}
-
 TEST(InstanceSubclasserDeathTest, EndsTheProcessOverAWindowWithoutObject) {
   EXPECT_EXIT(OnAnEdit([](HWND edit) { Window::wndProc(edit, WM_PAINT, 0, 0); }), ::testing::ExitedWithCode(1),
               "Window not found in Window::wndProc\n");

@@ -12,17 +12,6 @@
 namespace nvsupport {
 namespace {
 
-// Sets a text of its own.
-class ProbeDialog final : public Dialog {
- public:
-  ProbeDialog() : Dialog(IDD_COMPUTER_NAME) {}
-  INT_PTR onInitDialog(WPARAM, LPARAM) override {
-    EXPECT_EQ(getItemText(IDC_HELP_PAGE), "Hilfe");
-    setItemText(IDC_COMPUTER_NAME, "set later");
-    return 1;
-  }
-};
-
 class ShownText : public ::testing::Test {
  protected:
   ShownText() {
@@ -42,13 +31,21 @@ class ShownText : public ::testing::Test {
 
 TEST_F(ShownText, OfADialogIsTranslatedBeforeItsOwnInitAndNotedWhereMissing) {
   std::filesystem::create_directories(home.folder / "documents/NVTranslation");
+  class Probe final : public Dialog {
+   public:
+    Probe() : Dialog(IDD_COMPUTER_NAME) {}
+    INT_PTR onInitDialog(WPARAM, LPARAM) override {
+      EXPECT_EQ(getItemText(IDC_HELP_PAGE), "Hilfe");
+      setItemText(IDC_COMPUTER_NAME, "set later");
+      return 1;
+    }
+  };
   person.steps = {[&](HWND window) {
     EXPECT_EQ(PlayedUser::ViewOf(window)->title, "Sonde");
-    EXPECT_EQ(PlayedUser::ViewOf(window)->controls[1].text, "Computer name");
     EXPECT_EQ(PlayedUser::ViewOf(window)->controls[2].text, "set later");
     EndDialog(window, 1);
   }};
-  ProbeDialog().run(nullptr);
+  Probe().run(nullptr);
   translations.WriteMissFile();
 
   const std::filesystem::directory_iterator missFile(home.folder / "documents/NVTranslation");

@@ -1,0 +1,119 @@
+// The module in hosts with a QApplication of their own, off screen; the user is played by the host's timer.
+#include <gtest/gtest.h>
+#include <malloc.h>
+#include <nvsupport/nvsupport_module.h>
+
+#include <QtWidgets>
+#include <functional>
+#include <string>
+#include <thread>
+
+namespace {
+
+bool AskForToken(const QWidget* owner = nullptr) {
+  NVSupportModule module;
+  EXPECT_EQ(NVSupportOpen(&module, NV_MODULE), nullptr);
+  module.openSession("Host Test");
+  char token[20];
+  const bool has = module.sessionToken(owner != nullptr ? reinterpret_cast<NVWindow>(owner->winId()) : nullptr, token);
+  NVSupportClose(&module);
+  return has;
+}
+
+struct Host {
+  // Runs the event loop and in it the work; meanwhile the user acts on each dialog.
+  void Run(const std::function<void()>& work, const std::function<void(QWidget&)>& act) {
+    QTimer user;
+    QObject::connect(&user, &QTimer::timeout, [&act] {
+      if (QWidget* dialog = QApplication::activeModalWidget()) act(*dialog);
+    });
+    user.start(1);
+    QTimer::singleShot(0, [&work] {
+      work();
+      QCoreApplication::quit();
+    });
+    QApplication::exec();
+  }
+
+  int argc = 1;
+  char name[5] = "host";
+  char* argv[2] = {name, nullptr};
+  QApplication application{argc, argv};
+};
+
+void PressEscape(QWidget& dialog) {
+  QKeyEvent press(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+  QCoreApplication::sendEvent(&dialog, &press);
+}
+
+void PostWork() {
+  QMetaObject::invokeMethod(qApp, PostWork, Qt::QueuedConnection);
+}
+
+TEST(HostWithQt, HasNothingLeftOfDialogs) {
+  long long grown = 0;
+  Host().Run(
+      [&grown] {
+        for (int i = 0; i < 10; ++i) AskForToken();
+        const std::size_t before = mallinfo2().uordblks;
+        for (int i = 0; i < 30; ++i) AskForToken();
+        grown = static_cast<long long>(mallinfo2().uordblks - before);
+        EXPECT_TRUE(QApplication::allWidgets().empty());
+        EXPECT_TRUE(QGuiApplication::allWindows().empty());
+      },
+      PressEscape);
+  EXPECT_LT(grown, 30 * 1024) << "bytes in 30 dialogs";
+}
+
+TEST(HostWithQt, EndsItsDialogWhenItIsNeverIdleOrQuits) {
+  const struct {
+    const char* name;
+    std::function<void(QWidget&)> act;
+  } ways[] = {
+      {"the user presses Esc", PressEscape},
+      {"the host quits", [](QWidget&) { QCoreApplication::quit(); }},
+      {"the host exits without asking its windows", [](QWidget&) { QCoreApplication::exit(0); }},
+  };
+  for (const auto& way : ways) {
+    Host host;
+    PostWork();
+    host.Run([&way] { EXPECT_FALSE(AskForToken()) << way.name; }, way.act);
+  }
+}
+
+TEST(HostWithQt, OwnsADialogByItsTopLevelWindow) {
+  Host host;
+  QPixmap picture(16, 16);
+  picture.fill(Qt::red);
+  QApplication::setWindowIcon(picture);
+  QWidget window;
+  const QPushButton button(&window);
+  window.show();
+  host.Run([&button] { AskForToken(&button); },
+           [&window](QWidget& dialog) {
+             EXPECT_EQ(dialog.windowHandle()->transientParent(), window.windowHandle());
+             EXPECT_EQ(dialog.windowIcon().cacheKey(), QApplication::windowIcon().cacheKey());
+             EXPECT_FALSE(dialog.testAttribute(Qt::WA_QuitOnClose)) << "the host lives on, its windows hidden or not";
+             PressEscape(dialog);
+           });
+}
+
+void ExpectRefusal(const std::string& reason) {
+  ::testing::internal::CaptureStderr();
+  EXPECT_FALSE(AskForToken());
+  const std::string told = ::testing::internal::GetCapturedStderr();
+  EXPECT_NE(told.find(reason), std::string::npos) << told;
+}
+
+TEST(HostWithQt, IsToldThatACoreApplicationShowsNoDialog) {
+  int argc = 0;
+  const QCoreApplication application(argc, nullptr);
+  ExpectRefusal("the host's QCoreApplication shows no widgets; it has to be a QApplication");
+}
+
+TEST(HostWithQt, IsToldThatDialogsAreForTheThreadOfItsApplication) {
+  const Host host;
+  std::thread(ExpectRefusal, "another thread has the QApplication; dialogs are for that thread").join();
+}
+
+}  // namespace

@@ -1,0 +1,210 @@
+// The module in a host without Qt, on a real screen: while the host's thread is in the module the user acts on another
+// one. Each test needs a process of its own, as CTest gives it one, because Qt keeps its first display.
+#include <gtest/gtest.h>
+#include <nvsupport/nvsupport_module.h>
+
+#include <atomic>
+#include <clocale>
+
+#include "display/screen.h"
+#include "mapshop/map_shop_reply.h"
+#include "service/local_service.h"
+#include "support/scripted_server.h"
+#include "support/test_authority.h"
+#include "support/wire_items.h"
+
+namespace nvsupport::testing {
+namespace {
+
+constexpr const char* signInTitle = "Sign in to Your Account";
+constexpr const char* messageTitle = "Account Manager";
+
+struct Module : NVSupportModule {
+  explicit Module(const std::string& path = NV_MODULE) {
+    EXPECT_EQ(NVSupportOpen(this, path.c_str()), nullptr);
+    openSession("Screen Test");
+  }
+  Module(const Module&) = delete;
+  Module& operator=(const Module&) = delete;
+  ~Module() { NVSupportClose(this); }
+
+  // Asks for a session token while the user acts.
+  bool AskForToken(xcb_window_t owner, const std::function<void()>& act) const {
+    std::thread user(act);
+    char token[20];
+    const bool has = sessionToken(reinterpret_cast<NVWindow>(static_cast<std::uintptr_t>(owner)), token);
+    user.join();
+    return has;
+  }
+};
+
+bool IsMapped(const std::string& library) {
+  return ReadWholeFile("/proc/self/maps").find(library) != std::string::npos;
+}
+
+class OnScreen : public ::testing::Test {
+ protected:
+  TemporaryHome home;
+  Screen screen;
+};
+
+TEST_F(OnScreen, QtComesWithTheFirstDialogAndTheModuleCanGoAndComeAgain) {
+  const ScopedVariable startup("DESKTOP_STARTUP_ID", "of the host");
+  for (const char* opening : {"first", "second", "third"}) {
+    EXPECT_EQ(IsMapped("libQt6Widgets"), opening != std::string("first")) << opening;
+    EXPECT_FALSE(Module().AskForToken(0, [&] { screen.TypeInto(signInTitle, "\033"); })) << opening;
+    EXPECT_FALSE(IsMapped("nvsupport.so")) << opening;
+    EXPECT_TRUE(WaitUntil([&] { return screen.Windows().size() == 1; })) << opening << " dialog is gone";
+  }
+  EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C") << "the host's own, whatever Qt chooses for itself";
+  EXPECT_STREQ(std::getenv("DESKTOP_STARTUP_ID"), "of the host");
+}
+
+// On the second of two monitors, under the top-level window of the one that the host names.
+TEST_F(OnScreen, ADialogStaysWithTheHostsWindowWhereTheUserMovedItTo) {
+  RunProgram({"xrandr", "--setmonitor", "left", "1024/270x768/200+0+0", "screen"});
+  RunProgram({"xrandr", "--setmonitor", "right", "1024/270x768/200+1024+0", "none"});
+  const Module module;
+  const auto offset = [&](xcb_window_t dialog) {
+    const Area from = screen.AreaOf(screen.hostWindow);
+    const Area to = screen.AreaOf(dialog);
+    return std::pair(to.x - from.x, to.y - from.y);
+  };
+  std::pair<int, int> moved;
+  module.AskForToken(screen.partOfHostWindow, [&] {
+    const xcb_window_t dialog = screen.Await(signInTitle);
+    EXPECT_EQ(screen.Property(dialog, "WM_TRANSIENT_FOR"), std::vector{screen.hostWindow});
+    const Area area = screen.AreaOf(dialog);
+    const Area owner = screen.AreaOf(screen.hostWindow);
+    constexpr int frame = 30;
+    EXPECT_NEAR(offset(dialog).first, (owner.width - area.width) / 2, frame);
+    EXPECT_NEAR(offset(dialog).second, (owner.height - area.height) / 2, frame);
+    screen.Move(dialog, 1290, 130);
+    moved = offset(dialog);
+    screen.Type("\033");
+  });
+  for (const int x : {1130, 1180}) {
+    screen.Move(screen.hostWindow, x, 90);
+    module.AskForToken(screen.partOfHostWindow, [&] {
+      const xcb_window_t dialog = screen.Await(signInTitle);
+      EXPECT_TRUE(WaitUntil([&] { return offset(dialog) == moved; })) << "owner at " << x;
+      if (x == 1180) screen.Do("windowclose " + std::to_string(screen.hostWindow));
+      screen.Type("\033");
+    });
+  }
+}
+
+TEST_F(OnScreen, TheWaitCursorIsThereWhileTheThreadIsBlocked) {
+  std::atomic<bool> isSilent = false;
+  const TestAuthority authority;
+  const std::string host = "service.norvane.example";
+  const ScriptedServer service(
+      [&](const std::string&) {
+        EXPECT_TRUE(WaitUntil([&] { return !isSilent; })) << "the service goes on";
+        return HttpReply(200, Int(5));
+      },
+      host, authority.Issue(host));
+  Module().AskForToken(0, [&] {
+    const xcb_window_t dialog = screen.Await(signInTitle);
+    const Area area = screen.AreaOf(dialog);
+    const std::string userId = std::to_string(area.width * 120 / 295) + " " + std::to_string(area.height * 70 / 162);
+    screen.Do("mousemove 0 0");
+    const auto arrow = screen.ShownCursor();
+    screen.Do("mousemove --window " + std::to_string(dialog) + " " + userId);
+    EXPECT_TRUE(WaitUntil([&] { return screen.ShownCursor() != arrow; })) << "the cursor of texts";
+    const auto usual = screen.ShownCursor();
+    screen.Type("ann\tsecret1\n");
+    screen.TypeInto(messageTitle, "\n");
+    screen.Await(signInTitle);
+    isSilent = true;
+    screen.Type("\tsecret1\n");
+    const auto isOther = [&] { return screen.ShownCursor() != usual && screen.ShownCursor().size() > 1; };
+    EXPECT_TRUE(WaitUntil(isOther)) << "while the thread is blocked";
+    isSilent = false;
+    screen.TypeInto(messageTitle, "\n");
+    screen.Await(signInTitle);
+    EXPECT_TRUE(WaitUntil([&] { return screen.ShownCursor() == usual; })) << "once it goes on";
+    screen.Type("\033");
+  });
+}
+
+TEST_F(OnScreen, AnAccountIsMadeSignedIntoAndSavedByKeyboardAlone) {
+  const LocalService service;
+  const Module module;
+  const auto askForToken = [&](const char* product, const std::function<void()>& act) {
+    module.openSession(product);
+    EXPECT_TRUE(module.AskForToken(0, act)) << product;
+  };
+  askForToken("First", [&] {
+    screen.TypeInto(signInTitle, std::string(7, '\t') + " ");  // from the user ID round to Create Account
+    screen.TypeInto("Create an Online Account", "Demo User\tsecret 7\tsecret 7\tA Demo User\t\tdemo@norvane.example\n");
+    screen.TypeInto("Give your Computer a Name", "\n");
+  });
+  askForToken("Second", [&] {
+    screen.TypeInto(signInTitle, "demo user\twrong 77\n");
+    screen.TypeInto(messageTitle, "\n");
+    screen.TypeInto(signInTitle, std::string(8, '\t') + "SECRET7\t \n");  // round to the field; and saves the password
+  });
+  askForToken("Second", [] {});
+}
+
+TEST_F(OnScreen, AHostWithAWindowOwnsTheDialogsAndStaysAwakeWhileAServerIsSilent) {
+  const ScriptedServer server(
+      [](const std::string& request) {
+        if (request.starts_with("POST")) return HttpReply(200, ReplyWith({{"Map", 1, "", "f", 2}}, 7));
+        return Reply{.bytes = "HTTP/1.1 200 OK\r\nContent-Length: 1000000\r\n\r\n12345", .end = Reply::End::hold};
+      },
+      "service.norvane.example");
+  const std::string file = home.folder / "map";
+  Process host({NV_HOST_WINDOW});
+  const xcb_window_t window = screen.Await("nvhost");
+  screen.Type("\t\t\t ");  // to Search
+  screen.Do("key alt+d");
+  screen.TypeInto("Download to", file + "\n");
+  EXPECT_TRUE(WaitUntil([&] { return std::filesystem::exists(file + ".TMP"); }));
+  screen.Await("nvhost");
+  screen.Do("key alt+c");
+  screen.Do("key alt+t");
+  const xcb_window_t signIn = screen.Await(signInTitle);
+  EXPECT_EQ(screen.Property(signIn, "WM_TRANSIENT_FOR"), std::vector{window});
+  screen.Type("\n");
+  EXPECT_EQ(screen.Property(screen.Await(messageTitle), "WM_TRANSIENT_FOR"), std::vector{signIn});
+  screen.Type("\n");
+  screen.TypeInto(signInTitle, "\033");
+  screen.Await("nvhost");
+  screen.Do("key alt+F4");
+  EXPECT_EQ(host.Join(), 0);
+  EXPECT_FALSE(std::filesystem::exists(file + ".TMP"));
+}
+
+// The plugin stands beside the file that a link leads to.
+TEST(WithoutAScreen, ADialogFailsAndSaysWhy) {
+  TemporaryHome home;
+  const std::string link = home.folder / "library.so";
+  std::filesystem::create_symlink(NV_MODULE, link);
+  const std::string alone = home.folder / "nvsupport.so";
+  std::filesystem::copy_file(NV_MODULE, alone);
+  const struct {
+    std::string module;
+    const char* variable;
+    const char* value;
+    std::string reason;
+  } cases[] = {
+      {link, "DISPLAY", "", "wayland: WAYLAND_DISPLAY is not set, xcb: DISPLAY is not set; start the host in a "},
+      {NV_MODULE, "DISPLAY", ":64999", "xcb: no X server at DISPLAY=:64999 lets this "},
+      {NV_MODULE, "WAYLAND_DISPLAY", "/nowhere/socket", "wayland: no Wayland server answers at /nowhere/socket, xcb: "},
+      {NV_MODULE, "QT_QPA_PLATFORM", "nonsense", "nonsense: Qt has no plugin for it in "},
+      {alone, "DISPLAY", "", (home.folder / "nvsupport-qt.so") + ": cannot open shared object file"},
+  };
+  for (const auto& row : cases) {
+    const ScopedVariable variable(row.variable, row.value);
+    ::testing::internal::CaptureStderr();
+    EXPECT_FALSE(Module(row.module).AskForToken(0, [] {})) << row.reason;
+    const std::string told = ::testing::internal::GetCapturedStderr();
+    EXPECT_NE(told.find(row.reason), std::string::npos) << told;
+    EXPECT_NE(told.find("\nInternal error: Dialog 102 failed: err=0x5b3\n"), std::string::npos) << told;
+  }
+}
+
+}  // namespace
+}  // namespace nvsupport::testing
