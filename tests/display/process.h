@@ -40,7 +40,6 @@ class Process {
     if (process == 0) {
       // Ends even if the test itself is killed.
       prctl(PR_SET_PDEATHSIG, SIGKILL);
-      dup2(ends[1], STDIN_FILENO);
       dup2(ends[1], STDOUT_FILENO);
       if (withErrors) dup2(ends[1], STDERR_FILENO);
       std::vector<char*> arguments;
@@ -75,14 +74,13 @@ class Process {
   // Waits for its end: the exit code, -1 if a signal ended it.
   int Join() {
     int status = 0;
-    shutdown(channel, SHUT_WR);
     waitpid(std::exchange(process, -1), &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
 
  private:
   pid_t process = -1;
-  int channel = -1;  // its standard input and output
+  int channel = -1;  // its standard output
 };
 
 }  // namespace nvsupport::testing

@@ -18,7 +18,6 @@
 
 #include "platform/linux/windowing/dialog_manager.h"
 #include "platform/linux/windowing/display_selection.h"
-#include "platform/linux/windowing/window_tree.h"
 #include "platform/platform.h"
 
 class PlayedUser final : public windowing::Display {
@@ -57,19 +56,13 @@ class PlayedUser final : public windowing::Display {
     windowing::CoreEvents().OnDragged(dialog);
   }
 
-  // What the user sees: the control with the focus, or null; the dialog with its texts in force, or null if it is not
-  // on the display.
-  static HWND FocusedControl(HWND dialog) {
-    const windowing::Window* window = windowing::FindDialog(dialog);
-    return window != nullptr ? window->dialog->focus : nullptr;
-  }
+  // The dialog with its texts in force, or null if it is not on the display.
   static const windowing::DialogView* ViewOf(HWND dialog) {
     const auto found = present->dialogs.find(dialog);
     return found != present->dialogs.end() ? &found->second : nullptr;
   }
 
-  // What the core made the display do. Boxes and windows stand here once that was said of them.
-  std::map<HWND, int> checkStates;
+  // What the core made the display do. Windows stand here once that was said of them.
   std::map<HWND, bool> enabled;
   HWND selectedWhole = nullptr;  // the control focused last, if it was selected whole
   std::atomic<int> waitCursorsShown = 0;
@@ -125,7 +118,7 @@ class PlayedUser final : public windowing::Display {
       }
     }
   }
-  void SetCheck(HWND checkBox, int state) override { checkStates[checkBox] = state; }
+  void SetCheck(HWND, int) override {}
   void SetEnabled(HWND window, bool enable) override { enabled[window] = enable; }
   void SetFocus(HWND control, bool selectAll) override { selectedWhole = selectAll ? control : nullptr; }
   void MoveControl(HWND, const RECT&) override {}

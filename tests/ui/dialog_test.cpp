@@ -98,14 +98,13 @@ TEST(Dialog, ThatCannotBeShownSaysSo) {
   EXPECT_EQ(run(5001), -1) << "in the resource library, which there is not";
   std::string told;
   for (const auto& box : person.boxes) {
-    told += box.caption + ": " + box.text + '\n';
+    told += (box.foreignOwner == hostId ? "host: " : "") + box.caption + ": " + box.text + '\n';
     EXPECT_EQ(box.type, MB_ICONERROR);
-    EXPECT_EQ(box.foreignOwner, box.caption == "Internal error" ? hostId : 0);
   }
   EXPECT_EQ(told,
-            "Internal error: Dialog 299 failed: err=0x716\n"
+            "host: Internal error: Dialog 299 failed: err=0x716\n"
             "Error: Failed to load Res.dll\nPlease re-install the software\n"
-            "Internal error: Dialog 5001 failed: err=0x716\n");
+            "host: Internal error: Dialog 5001 failed: err=0x716\n");
 }
 
 WNDPROC ProcOf(HWND window) {
@@ -115,17 +114,12 @@ void SetProc(HWND window, WNDPROC procedure) {
   SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure));
 }
 
-// Shared procedures that hand every message on to the one before, and their subclassers.
-template <int number>
+// A subclasser beside that of Window, which hands every message on.
 LRESULT CALLBACK PassOn(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-template <int number>
-InstanceSubclasser subclasser{&PassOn<number>};
-template <int number>
+InstanceSubclasser second(&PassOn);
 LRESULT CALLBACK PassOn(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  return subclasser<number>.callPrevious(window, message, wParam, lParam);
+  return second.callPrevious(window, message, wParam, lParam);
 }
-InstanceSubclasser& first = subclasser<1>;
-InstanceSubclasser& second = subclasser<2>;
 
 LRESULT CALLBACK ForeignProc(HWND, UINT, WPARAM, LPARAM) {
   return 0;
@@ -135,35 +129,24 @@ void OnAnEdit(const PlayedUser::Step& test) {
   ProbeDialog().During([&](HWND window) { test(GetDlgItem(window, IDC_COMPUTER_NAME)); });
 }
 
-TEST(InstanceSubclasser, MakesOneRecordForAWindow) {
-  OnAnEdit([](HWND edit) {
-    const WNDPROC original = ProcOf(edit);
-    Window one;
-    Window other;
-    EXPECT_FALSE(first.unsubclass(edit));
-    EXPECT_TRUE(first.subclass(edit, &one));
-    EXPECT_FALSE(first.subclass(edit, &other)) << "the record that is there gets the new object";
-    EXPECT_EQ(first.find(edit)->object, &other);
-    EXPECT_TRUE(first.unsubclass(edit));
-    EXPECT_EQ(ProcOf(edit), original);
-    SetProc(edit, &PassOn<1>);
-    EXPECT_FALSE(first.subclass(edit, &one)) << "the procedure without a record";
-    SetProc(edit, original);
-  });
-}
-
-TEST(InstanceSubclasser, LetsTheFirstOfTwoLeaveUnlessAForeignProcedureStandsBetween) {
+TEST(InstanceSubclasser, KeepsARecordOfEachUnlessAForeignProcedureStandsBetween) {
+  static InstanceSubclasser& first = windowSubclasser;
   for (const bool foreign : {false, true}) {
     OnAnEdit([foreign](HWND edit) {
       const WNDPROC original = ProcOf(edit);
-      first.subclass(edit, nullptr);
+      Window one;
+      Window other;
+      EXPECT_FALSE(first.unsubclass(edit));
+      EXPECT_TRUE(first.subclass(edit, &one));
+      EXPECT_FALSE(first.subclass(edit, &other)) << "the record that is there gets the new object";
+      EXPECT_EQ(first.find(edit)->object, &other);
       if (foreign) SetProc(edit, &ForeignProc);
       second.subclass(edit, nullptr);
-      EXPECT_EQ(first.unsubclass(edit), !foreign);
+      EXPECT_EQ(first.unsubclass(edit), !foreign) << "the first of two leaves";
       EXPECT_EQ(first.find(edit) != nullptr, foreign);
-      EXPECT_EQ(ProcOf(edit), &PassOn<2>) << "the window's procedure stays that of the record in front";
-      SetWindowTextA(edit, "through both");
-      EXPECT_EQ(SendMessageA(edit, WM_GETTEXTLENGTH, 0, 0), foreign ? 0 : 12);
+      EXPECT_EQ(ProcOf(edit), &PassOn) << "the window's procedure stays that of the record in front";
+      SetWindowTextA(edit, "handed on");
+      EXPECT_EQ(SendMessageA(edit, WM_GETTEXTLENGTH, 0, 0), foreign ? 0 : 9);
       EXPECT_TRUE(second.unsubclass(edit));
       EXPECT_EQ(ProcOf(edit), foreign ? &ForeignProc : original);
       first.unsubclass(edit);
