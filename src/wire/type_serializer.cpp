@@ -13,23 +13,6 @@ namespace nvsupport {
 // Values go out as they lie in memory.
 static_assert(std::endian::native == std::endian::little);
 
-namespace {
-
-// The low bytes of units of 2 bytes, four at a time: most of what reading a text costs.
-void TakeLowBytes(const std::uint8_t* units, std::size_t count, char* to) {
-  for (; count >= 4; count -= 4, units += 8, to += 4) {
-    std::uint64_t four = 0;
-    std::memcpy(&four, units, sizeof four);
-    four &= 0x00FF00FF00FF00FF;
-    four |= four >> 8;  // the pairs of bytes 0 and 1, and of 4 and 5, now hold two characters each
-    const auto packed = static_cast<std::uint32_t>((four & 0xFFFF) | (four >> 16 & 0xFFFF0000));
-    std::memcpy(to, &packed, sizeof packed);
-  }
-  for (; count > 0; --count, units += 2) *to++ = static_cast<char>(*units);
-}
-
-}  // namespace
-
 void CTypeSerializer::WriteValue(std::int32_t value) {
   WriteBlock(&value, sizeof value);
 }
@@ -110,7 +93,8 @@ void CTypeSerializer::AppendReadAhead(std::string& text, std::size_t length) {
   const std::size_t start = text.size();
   if (wide != 0) {
     text.resize(start + units);
-    TakeLowBytes(from, units, text.data() + start);
+    char* const to = text.data() + start;
+    for (std::size_t unit = 0; unit < units; ++unit) to[unit] = static_cast<char>(from[2 * unit]);
   } else {
     text.append(reinterpret_cast<const char*>(from), units);
   }
