@@ -115,7 +115,7 @@ bool CSettingsFile::Save(const std::string& path) const {
   if (!file) return false;
   std::string text;
   for (const auto& [key, value] : entries) {
-    if (!key.empty() && !value.empty()) text += key + '=' + EncodeSettingsValue(value) + '\n';
+    if (!key.empty() && !value.empty()) text.append(key).append("=").append(EncodeSettingsValue(value)).append("\n");
   }
   std::fwrite(text.data(), 1, text.size(), file.get());
   // What still stands in the stream's buffer may fail as well.
