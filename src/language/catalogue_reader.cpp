@@ -1,14 +1,20 @@
 #include "language/catalogue_reader.h"
 
 #include <algorithm>
+#include <array>
 
 #include "base/read_stream.h"
 
 namespace nvsupport {
 namespace {
 
-// Characters that UnescapeCatalogueText does not just copy.
-constexpr auto isMark = [](char character) { return character == '\r' || character == '"' || character == '\\'; };
+// Characters that UnescapeCatalogueText does not just copy, as a table, because every byte of a catalogue is looked up.
+constexpr std::array<bool, 256> marks = [] {
+  std::array<bool, 256> table{};
+  for (const unsigned char mark : {'\r', '"', '\\'}) table[mark] = true;
+  return table;
+}();
+constexpr auto isMark = [](unsigned char character) { return marks[character]; };
 
 // The character that a backslash and this one stand for; nothing if they stand for themselves.
 std::optional<char> EscapedCharacter(char escape) {
