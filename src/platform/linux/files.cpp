@@ -126,6 +126,8 @@ Descriptor OpenRegularFile(const NativePath& path, int flags, mode_t rights = 0)
   struct stat status {};
   if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) return {};
   Descriptor file(open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, rights));
+  // What took its place meanwhile does no harm to who reads it, but must not be written to.
+  if ((flags & O_ACCMODE) == O_RDONLY) return file;
   if (file && (fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))) file.reset();
   return file;
 }
