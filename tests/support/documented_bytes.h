@@ -2,7 +2,6 @@
 #ifndef NVSUPPORT_TESTS_SUPPORT_DOCUMENTED_BYTES_H
 #define NVSUPPORT_TESTS_SUPPORT_DOCUMENTED_BYTES_H
 
-#include <algorithm>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -10,7 +9,7 @@
 namespace nvsupport::testing {
 
 // The bytes of the fenced block ```name of the document at a path. Each line holds two-digit hexadecimal numbers, then,
-// behind two blanks or a '#', a comment. Empty when there is no such block.
+// behind two blanks, a comment. Empty when there is no such block.
 inline std::string DocumentedBytes(const std::string& path, const std::string& name) {
   std::ifstream stream(path);
   std::string bytes;
@@ -18,8 +17,8 @@ inline std::string DocumentedBytes(const std::string& path, const std::string& n
   while (std::getline(stream, line) && line != "```" + name) {
   }
   while (std::getline(stream, line) && line != "```") {
-    std::istringstream numbers(line.substr(0, std::min(line.find("  "), line.find('#'))));
-    for (std::string number; numbers >> number;) bytes += static_cast<char>(std::stoi(number, nullptr, 16));
+    std::istringstream numbers(line.substr(0, line.find("  ")));
+    for (int number; numbers >> std::hex >> number;) bytes += static_cast<char>(number);
   }
   return bytes;
 }

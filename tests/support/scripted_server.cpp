@@ -37,10 +37,6 @@ Reply HttpReply(int status, std::string_view body, std::string_view headers) {
   return {.bytes = std::move(bytes), .end = Reply::End::keep};
 }
 
-Reply NoReply() {
-  return {.bytes = {}, .end = Reply::End::hold};
-}
-
 Reply CutAfter(Reply reply, std::size_t count) {
   return {.bytes = reply.bytes.substr(0, count)};
 }
@@ -50,38 +46,22 @@ Script::Script(std::vector<Reply> replies)
         return replies.at(std::min(next++, replies.size() - 1));
       }) {}
 
-ScriptedServer::ScriptedServer(Script answers, const std::string& host, const TlsIdentity& identity)
-    : script(std::move(answers)) {
-  if (identity.key) {
-    context = {SSL_CTX_new(TLS_server_method()), SSL_CTX_free};
-    SSL_CTX_use_certificate(context.get(), identity.certificate.get());
-    SSL_CTX_use_PrivateKey(context.get(), identity.key.get());
-  }
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t size = sizeof address;
-  listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  if (bind(listener, reinterpret_cast<sockaddr*>(&address), size) != 0 || listen(listener, 64) != 0 ||
-      getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
-    close(listener);
+ScriptedServer::ScriptedServer(Script answers, const std::string& host, TlsIdentity shown)
+    : script(std::move(answers)), identity(std::move(shown)), listener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+  sockaddr_in place{.sin_family = AF_INET, .sin_port = 0, .sin_addr = {htonl(INADDR_LOOPBACK)}, .sin_zero = {}};
+  socklen_t size = sizeof place;
+  auto* const address = reinterpret_cast<sockaddr*>(&place);
+  if (bind(listener, address, size) != 0 || listen(listener, 64) != 0 || getsockname(listener, address, &size) != 0) {
     throw std::runtime_error("no port to listen on");
   }
-  port = ntohs(address.sin_port);
-  const std::string here = ":127.0.0.1:" + std::to_string(port) + ",";
-  route = host + ":443" + here + (context ? "" : host + ":80" + here);
+  const std::string here = ":127.0.0.1:" + std::to_string(ntohs(place.sin_port)) + ",";
+  route = host + ":443" + here + (identity ? "" : host + ":80" + here);
   setenv("NV_CONNECT_TO", (route + Routes()).c_str(), 1);
   thread = std::thread(&ScriptedServer::Serve, this);
 }
 
 ScriptedServer::~ScriptedServer() {
-  {
-    const std::lock_guard lock(mutex);
-    stopping = true;
-    // Wakes the thread wherever it waits.
-    shutdown(listener, SHUT_RDWR);
-    if (current >= 0) shutdown(current, SHUT_RDWR);
-  }
+  shutdown(listener, SHUT_RDWR);  // wakes the thread
   thread.join();
   close(listener);
   std::string others = Routes();
@@ -94,43 +74,29 @@ std::vector<std::string> ScriptedServer::Requests() const {
   return requests;
 }
 
-int ScriptedServer::Connections() const {
-  const std::lock_guard lock(mutex);
-  return connections;
-}
-
-bool ScriptedServer::Accept() {
-  const int accepted = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
-  const std::lock_guard lock(mutex);
-  if (accepted >= 0) ++connections;
-  current = accepted;
-  return accepted >= 0 && !stopping;
-}
-
 void ScriptedServer::Serve() {
   // A client that goes in the middle ends the connection, not the test.
-  sigset_t pipeSignal;
-  sigemptyset(&pipeSignal);
-  sigaddset(&pipeSignal, SIGPIPE);
-  pthread_sigmask(SIG_BLOCK, &pipeSignal, nullptr);
-  while (Accept()) {
-    BIO* channel = BIO_new_socket(current, BIO_NOCLOSE);
-    if (context) channel = BIO_push(BIO_new_ssl(context.get(), 0), channel);
+  sigset_t signals;
+  sigfillset(&signals);
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  for (int client; (client = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC)) >= 0; close(client)) {
+    ++connections;
+    BIO* channel = BIO_new_socket(client, BIO_NOCLOSE);
+    if (identity) channel = BIO_push(BIO_new_ssl(identity.get(), 0), channel);
     Reply::End end = Reply::End::keep;
-    while (end == Reply::End::keep && WaitForClient()) end = Answer(channel);
+    while (end == Reply::End::keep && WaitForClient(client)) end = Answer(channel);
     // Closing with unread bytes would take back what was sent.
     char rest[4096];
-    while (end != Reply::End::reset && WaitForClient() && read(current, rest, sizeof rest) > 0) {
+    while (end != Reply::End::reset && WaitForClient(client) && read(client, rest, sizeof rest) > 0) {
     }
+    shutdown(client, SHUT_RD);  // TLS would wait for the client's goodbye
     BIO_free_all(channel);
-    const std::lock_guard lock(mutex);
-    close(std::exchange(current, -1));
   }
-  if (current >= 0) close(current);
 }
 
-bool ScriptedServer::WaitForClient() const {
-  pollfd events[] = {{.fd = current, .events = POLLIN, .revents = 0}, {.fd = listener, .events = POLLIN, .revents = 0}};
+bool ScriptedServer::WaitForClient(int connection) const {
+  pollfd events[] = {{.fd = connection, .events = POLLIN, .revents = 0},
+                     {.fd = listener, .events = POLLIN, .revents = 0}};
   poll(events, 2, -1);
   return events[0].revents != 0;
 }
@@ -156,12 +122,13 @@ Reply::End ScriptedServer::Answer(BIO* channel) {
     rest.remove_prefix(piece.size());
     std::this_thread::sleep_for(reply.pause);
   }
+  const int connection = static_cast<int>(BIO_get_fd(channel, nullptr));
   if (reply.end == Reply::End::reset) {
     const linger atOnce{.l_onoff = 1, .l_linger = 0};
-    setsockopt(current, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+    setsockopt(connection, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
   } else if (reply.end == Reply::End::close) {
-    if (context) BIO_ssl_shutdown(channel);
-    shutdown(current, SHUT_WR);
+    if (identity) BIO_ssl_shutdown(channel);
+    shutdown(connection, SHUT_WR);
   }
   return reply.end;
 }

@@ -4,6 +4,7 @@
 #ifndef NVSUPPORT_TESTS_SUPPORT_SCRIPTED_SERVER_H
 #define NVSUPPORT_TESTS_SUPPORT_SCRIPTED_SERVER_H
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <functional>
@@ -16,9 +17,7 @@
 
 // Of OpenSSL.
 struct bio_st;
-struct evp_pkey_st;
 struct ssl_ctx_st;
-struct x509_st;
 
 namespace nvsupport::testing {
 
@@ -31,12 +30,11 @@ struct Reply {
   std::string bytes;                   // as they go out, head and body
   End end = End::close;                // what happens behind the last byte
   std::size_t piece = 0;               // bytes sent at a time; 0: all at once
-  std::chrono::milliseconds pause{0};  // before each piece but the first, and before the end
+  std::chrono::milliseconds pause{0};  // behind each piece
 };
 
 // A reply with a Content-Length, behind which the connection is kept. headers: further lines, each with its line end.
 Reply HttpReply(int status, std::string_view body, std::string_view headers = {});
-Reply NoReply();
 // The first `count` bytes of a reply, then the connection's end.
 Reply CutAfter(Reply reply, std::size_t count);
 
@@ -50,46 +48,36 @@ struct Script : std::function<Reply(const std::string& request)> {
 };
 
 // What a TLS server shows of itself; nothing for a plain one.
-struct TlsIdentity {
-  std::shared_ptr<x509_st> certificate;
-  std::shared_ptr<evp_pkey_st> key;
-};
+using TlsIdentity = std::shared_ptr<ssl_ctx_st>;
 
 class ScriptedServer {
  public:
   // As long as the object lives it stands for the host: on the port of TLS, and a plain one on that of HTTP, too. Of
   // several for one host the last one made counts.
-  explicit ScriptedServer(Script script, const std::string& host = serverName, const TlsIdentity& identity = {});
+  explicit ScriptedServer(Script script, const std::string& host = serverName, TlsIdentity identity = {});
   ~ScriptedServer();
   ScriptedServer(const ScriptedServer&) = delete;
   ScriptedServer& operator=(const ScriptedServer&) = delete;
 
-  int Port() const { return port; }
   // All requests so far, head and body, each as far as it was read when its reply begins.
   std::vector<std::string> Requests() const;
   // Connections so far, those without a complete request (or handshake) included.
-  int Connections() const;
+  int Connections() const { return connections; }
 
  private:
   void Serve();
-  bool Accept();
   // Reads a request and replies.
   Reply::End Answer(bio_st* channel);
   // False if the client left the connection for another one.
-  bool WaitForClient() const;
+  bool WaitForClient(int connection) const;
 
   Script script;
-  std::shared_ptr<ssl_ctx_st> context;  // null: plain
-  int listener = -1;
-  int port = 0;
+  TlsIdentity identity;
+  int listener;
   std::string route;
-
+  std::atomic<int> connections = 0;
   mutable std::mutex mutex;  // guards what follows
   std::vector<std::string> requests;
-  int connections = 0;
-  int current = -1;  // descriptor of the connection that is being served
-  bool stopping = false;
-
   std::thread thread;
 };
 

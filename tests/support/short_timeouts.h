@@ -2,28 +2,19 @@
 #ifndef NVSUPPORT_TESTS_SUPPORT_SHORT_TIMEOUTS_H
 #define NVSUPPORT_TESTS_SUPPORT_SHORT_TIMEOUTS_H
 
-#include <chrono>
-#include <cstddef>
-#include <utility>
-
 #include "web_limits.h"
 
 namespace nvsupport::testing {
 
-class ShortTimeouts {
- public:
-  static constexpr std::size_t replySize = 1'000'000;
+struct ShortTimeouts {
+  ShortTimeouts() {
+    platform::webLimits = {
+        .connect = brief, .head = brief, .silence = brief, .exchange = 2 * brief, .replySize = replySize};
+  }
+  ~ShortTimeouts() { platform::webLimits = {}; }
 
-  ShortTimeouts() = default;
-  ~ShortTimeouts() { platform::webLimits = former; }
-  ShortTimeouts(const ShortTimeouts&) = delete;
-  ShortTimeouts& operator=(const ShortTimeouts&) = delete;
-
- private:
   static constexpr std::chrono::milliseconds brief{600};
-  platform::WebLimits former =
-      std::exchange(platform::webLimits,
-                    {.connect = brief, .head = brief, .silence = brief, .exchange = 2 * brief, .replySize = replySize});
+  static constexpr std::size_t replySize = 1'000'000;
 };
 
 }  // namespace nvsupport::testing

@@ -1,10 +1,12 @@
-// A throw-away certificate authority for tests of TLS, which the client trusts while the object lives, and no other
-// one. Every object is another authority.
+// What servers of the tests show over TLS: certificates that the client trusts while the object lives, and no others.
 #ifndef NVSUPPORT_TESTS_SUPPORT_TEST_AUTHORITY_H
 #define NVSUPPORT_TESTS_SUPPORT_TEST_AUTHORITY_H
 
+#include <openssl/ssl.h>
+
 #include <string>
 
+#include "support/run_program.h"
 #include "support/scripted_server.h"
 #include "support/temporary_home.h"
 
@@ -12,17 +14,23 @@ namespace nvsupport::testing {
 
 class TestAuthority {
  public:
-  TestAuthority();
-
-  // For a server of that name; valid for a day before and after `now`, which is in seconds from the present time.
-  TlsIdentity Issue(const std::string& host, long now = 0) const;
-  // For a server of that name, vouched for by nobody.
-  static TlsIdentity SelfSigned(const std::string& host);
+  // For a server of that name. To be had before the client first looks at the certificates.
+  TlsIdentity Issue(const std::string& host) const {
+    const std::string file = folder / host;
+    RunProgram({"sh", "-c",
+                "openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -subj /CN=" + host +
+                    " -addext subjectAltName=DNS:" + host + " -keyout " + file + " -out " + file + " 2>&1 && cat " +
+                    file + " >>" + trusted});
+    const TlsIdentity identity(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
+    SSL_CTX_use_certificate_file(identity.get(), file.c_str(), SSL_FILETYPE_PEM);
+    SSL_CTX_use_PrivateKey_file(identity.get(), file.c_str(), SSL_FILETYPE_PEM);
+    return identity;
+  }
 
  private:
-  const TemporaryFolder folder;
-  const ScopedVariable trust{"SSL_CERT_FILE", folder / "ca.pem"};
-  const TlsIdentity own;
+  const TemporaryFolder folder{};
+  const std::string trusted = folder / "trusted.pem";
+  const ScopedVariable trust{"SSL_CERT_FILE", trusted};
 };
 
 }  // namespace nvsupport::testing
