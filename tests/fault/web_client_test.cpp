@@ -66,7 +66,7 @@ TEST(WebClientFaults, GivesAServerUpThatDoesNotComeToThePoint) {
     SCOPED_TRACE(entry.name);
     const ScriptedServer server(std::vector{HttpReply(200, "well"), entry.reply});
     // Then the connection is a kept one.
-    if (entry.target.flags == 0) EXPECT_EQ(Exchange().Fetch(), "well");
+    if (entry.target.flags == 0) Exchange().Fetch();
     std::string body;
     const double seconds = SecondsOf([&] { body = Exchange(entry.target).Fetch(); });
     EXPECT_TRUE(std::regex_match(body, std::regex(entry.body))) << body;
@@ -144,8 +144,8 @@ TEST(WebClientFaults, FollowsARedirectIntoTlsButThenNeverOffTheHostOrOutOfTls) {
     redirect.piece = redirect.bytes.size() - 5;  // the body comes when the head is long there
     redirect.pause = 10ms;
     Exchange exchange({.path = "dir/old", .flags = entry.flags, .verb = "POST"});
-    EXPECT_EQ(exchange.Fetch("body"), entry.reply) << entry.status << " " << entry.place;
-    if (entry.reply == "!") EXPECT_EQ(exchange.Body(), "!") << "a request that failed has no body: " << entry.place;
+    EXPECT_EQ(exchange.Send({}, "body"), entry.reply != "!") << entry.status << " " << entry.place;
+    EXPECT_EQ(exchange.Body(), entry.reply) << entry.status << " " << entry.place;
   }
 }
 
