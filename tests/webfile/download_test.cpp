@@ -109,7 +109,8 @@ TEST_F(WebDownload, LeavesWhatTheTableOfFailuresSays) {
 TEST_F(WebDownload, StopsAtAnyCallOfTheCallbackAndAtAnException) {
   const ScriptedServer server(HttpReply(200, std::string(5000, 'b')));
   for (std::size_t call = 1; call <= 3; ++call) {
-    Watcher watcher{.stopAt = call};
+    Watcher watcher;
+    watcher.stopAt = call;
     EXPECT_FALSE(Download(watcher)) << call;
     EXPECT_EQ(watcher.done.size(), call);
     EXPECT_EQ(Left(), absent) << call;
