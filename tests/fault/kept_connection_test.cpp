@@ -110,10 +110,10 @@ TEST(KeptConnectionThatIdles, ServesForALimitedTime) {
 }
 
 TEST(KeptConnectionOverTls, CountsNoMoreThanANewOneWhenTheTrustIsGone) {
-  const TestAuthority authority{};
+  const TestAuthority authority;
   const ScriptedServer server(HttpReply(200, "body"), serverName, authority.Issue(serverName));
   EXPECT_EQ(Exchange({.flags = INTERNET_FLAG_SECURE}).Fetch(), "body");
-  const TestAuthority other{};
+  const TestAuthority other;
   static_cast<void>(other.Issue("other.example"));
   EXPECT_EQ(Exchange({.flags = INTERNET_FLAG_SECURE}).Fetch(), "!");
 }

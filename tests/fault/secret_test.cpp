@@ -77,7 +77,7 @@ TEST(SecretsInMemory, AreGoneWithTheSession) {
     return HttpReply(200, Int(0) + (std::exchange(signedIn, true) ? Text(Reveal(sessionToken)) : Int(0)));
   };
   const TemporaryHome home;
-  const TestAuthority authority{};
+  const TestAuthority authority;
   const ScriptedServer service(answers, NV_SERVICE_HOST, authority.Issue(NV_SERVICE_HOST));
   // The service is not in the process that is searched.
   if (const pid_t child = fork(); child != 0) {

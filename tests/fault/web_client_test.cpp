@@ -134,7 +134,7 @@ TEST(WebClientFaults, FollowsARedirectIntoTlsButThenNeverOffTheHostOrOutOfTls) {
       return HttpReply(200, name + ": " + request.substr(0, request.find("HTTP")) + body);
     };
   };
-  const TestAuthority authority{};
+  const TestAuthority authority;
   const ScriptedServer plain(answerAs("plain"), "");  // of every name
   const ScriptedServer secure(answerAs("tls"), serverName, authority.Issue(serverName));
   const ScriptedServer other(answerAs("other"), "other.example", authority.Issue("other.example"));

@@ -14,13 +14,15 @@ namespace nvsupport::testing {
 
 class TestAuthority {
  public:
-  // For a server of that name. To be had before the client first looks at the certificates.
+  TestAuthority() {}
+
+  // For a server of that name, the same each time. To be had before the client first looks at the certificates.
   TlsIdentity Issue(const std::string& host) const {
     const std::string file = folder / host;
-    RunProgram({"sh", "-c",
-                "openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -subj /CN=" + host +
-                    " -addext subjectAltName=DNS:" + host + " -keyout " + file + " -out " + file + " 2>&1 && cat " +
-                    file + " >>" + trusted});
+    constexpr const char* make =
+        R"(test -e "$2" || openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes \
+        -subj "/CN=$1" -addext "subjectAltName=DNS:$1" -keyout "$2" -out "$2" 2>&1 && cat "$2" >>"$3")";
+    RunProgram({"sh", "-c", make, "sh", host, file, trusted});
     const TlsIdentity identity(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
     SSL_CTX_use_certificate_file(identity.get(), file.c_str(), SSL_FILETYPE_PEM);
     SSL_CTX_use_PrivateKey_file(identity.get(), file.c_str(), SSL_FILETYPE_PEM);
@@ -28,7 +30,7 @@ class TestAuthority {
   }
 
  private:
-  const TemporaryFolder folder{};
+  const TemporaryFolder folder;
   const std::string trusted = folder / "trusted.pem";
   const ScopedVariable trust{"SSL_CERT_FILE", trusted};
 };
