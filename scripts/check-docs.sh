@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Checks the words in documents and comments, the links between documents, and that the manuals know every option and
-# exit code of the programs. usage: scripts/check-docs.sh [BUILD]   BUILD: where the programs are, else build/release
+# Checks the words in documents and comments, the links between documents, the files that the architecture page names,
+# and that the manuals know every option and exit code of the programs.
+# usage: scripts/check-docs.sh [BUILD]   BUILD: where the programs are, else build/release
 set -euo pipefail
 cd "$(dirname "$0")/.."
 readonly build=${1:-build/release}
@@ -22,6 +23,10 @@ while IFS=: read -r document link; do
     complain "$document: no heading is at $link"
   fi
 done < <(git ls-files '*.md' | xargs grep -oP '\]\(\K[^)]+(?=\))' | grep -vE ':(https?|mailto):')
+
+for file in $(grep -oP '`\K[a-z_/]+\.(cpp|h|rc|sh)(?=`)' docs/architecture.md | sort -u); do
+  git ls-files src tests | grep -q "/$file\$" || complain "docs/architecture.md: there is no $file"
+done
 
 # The options and exit codes that a program's help tells.
 for program in nvhost nvcatalogue; do

@@ -5,7 +5,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <string>
 
 #include "service/local_service.h"
@@ -56,20 +55,6 @@ TEST(Documents, CommandsDoWhatTheyShow) {
     ExpectCommandsWork(document);
   const std::string minimal = ReadWholeFile(NV_SOURCE_FOLDER "/examples/minimal/minimal.c");
   EXPECT_NE(ReadWholeFile(NV_SOURCE_FOLDER "/README.md").find("```c\n" + minimal + "```\n"), std::string::npos);
-}
-
-TEST(Documents, NameFilesThatAreThere) {
-  std::string files;
-  for (const char* folder : {"/src", "/tests"}) {
-    for (const auto& entry : fs::recursive_directory_iterator(NV_SOURCE_FOLDER + std::string(folder))) {
-      files += entry.path().string() + "\n";
-    }
-  }
-  const std::string page = ReadWholeFile(NV_SOURCE_FOLDER "/docs/architecture.md");
-  const std::regex fileName("`([a-z_/]+\\.(cpp|h|rc|sh))`");
-  for (std::sregex_iterator name(page.begin(), page.end(), fileName); name != std::sregex_iterator(); ++name) {
-    EXPECT_NE(files.find("/" + name->str(1) + "\n"), std::string::npos) << name->str(1);
-  }
 }
 
 }  // namespace

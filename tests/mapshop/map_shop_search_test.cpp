@@ -80,10 +80,12 @@ TEST(MapShopSearch, MarksPackagesByTheSuffixOfTheirFileAndCutsTexts) {
       {"nvpkg", "Sea", "Sea"},
       {"folder/a.NvPkG", "Sea", "Package: Sea"},
       {"a-nvpkg", "Sea", "Sea"},
-      {"a.nvpkg2", "Sea", "Sea"},
       {"a.nvpkg", title(190), "Package: " + title(190)},
       {"a.nvpkg", title(191), "Package: " + title(190)},
       {"a.map", title(2000), title(199)},
+      {"a.map", title(196) + "\u20ac", title(196) + "\u20ac"},
+      {"a.map", title(198) + "\u20ac", title(198)},
+      {"a.map", title(198) + "\xff\u00e9", title(198) + "\xff"},
       {std::string(993, 'f') + ".nvpkg", "Sea", "Package: Sea"},
       {std::string(994, 'f') + ".nvpkg", "Sea", "Sea"},
   };

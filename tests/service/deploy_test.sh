@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Starts one of the configurations that operators get, as installed, with paths and ports of the test's own: the
-# examples of the protocol page and the account page have to go through it, no account operation without TLS, and no log
-# holds a secret.
+# examples of the protocol page and the account page have to go through it, no account operation without TLS, and neither
+# logs nor accounts hold a secret. Last come requests to a program that web servers would not let through.
 #
 # deploy_test.sh BUILD-FOLDER SOURCE-FOLDER lighttpd|nginx
 set -euo pipefail
@@ -10,12 +10,12 @@ PATH=$PATH:/usr/sbin
 
 root=$(mktemp -d)
 servers=()
-finish() {
-  ((${#servers[@]})) && kill -- "${servers[@]/#/-}" 2>/dev/null # each with its children
+stop() {
+  ((${#servers[@]} == 0)) || kill -- "${servers[@]/#/-}" 2>/dev/null || true # each with its children
+  servers=()
   wait
-  rm -rf "$root"
 }
-trap finish EXIT
+trap 'stop; rm -rf "$root"' EXIT
 fail() { echo "$server: $*" >&2; tail -n 20 "$root"/logs/* >&2; exit 1; }
 
 cmake --install "$build" --component service --prefix "$root/usr" >/dev/null
@@ -85,13 +85,35 @@ expect http sign-in svcapp.cgi 01000000
 [[ $(stat -c %a "$root"/state/accounts.sqlite*) == 600$'\n'600 ]] || fail "others can read the accounts"
 token=$(post https session-token svcapp.cgi | cut -c 17- | sed -E 's/(..)../\1/g' | xxd -r -p)
 [[ ${#token} == 19 ]] || fail "no session token"
-get "https://service.norvane.example/cgi-bin/svcuser.cgi?session=$token" | grep -q 'Desk at home' || fail "no account page"
-# The log is written behind the replies.
-for ((i = 0; i < 300; ++i)); do
-  grep -q "GET /cgi-bin/svcuser.cgi 200" "$root/logs/access.log" && break
-  sleep 0.1
-done
-grep -q "POST /cgi-bin/svcapp.cgi 200" "$root/logs/access.log" || fail "the log does not tell of the sign-in"
+page() { get -w ' %{http_code}' "${@:2}" "$1://service.norvane.example/cgi-bin/svcuser.cgi?session=$token"; }
+[[ $(page https) == *'<b>Zoë Map</b>'*'<li>Desk &lt;A &amp; B&gt;</li>'*' 200' ]] || fail "no account page"
+[[ $(page http -d '') == *' 403' ]] || fail "the account page opens without TLS"
+[[ $(page https -d '') == *'All sessions have ended'*' 200' ]] || fail "the sessions are not ended"
+[[ $(page https) == *'This session has ended'*' 403' ]] || fail "the account page opens after the end of the session"
+stop # and so write the logs
+grep -q "GET /cgi-bin/svcuser.cgi 200" "$root/logs/access.log" || fail "the log does not tell of the account page"
 status=0
 grep -rqi -e "$token" -e secret "$root/logs" "$root/state" || status=$?
 ((status == 1)) || fail "a log or the accounts hold a secret, or cannot be read"
+
+svcapp() {
+  example 'sign-in request' | xxd -r -p | env -i "$@" "$root/usr/lib/nvservice/cgi-bin/svcapp.cgi" 2>"$root/logs/svcapp" |
+    tr -d '\0'
+}
+while read -r status method https length; do
+  [[ $(svcapp REQUEST_METHOD="$method" HTTPS="$https" CONTENT_LENGTH="$length") == "Status: $status"*$'\r\n\r\n\1' ]] ||
+    fail "another answer to $method, TLS $https, length $length"
+done <<CASES
+405 GET on 48
+403 POST off 48
+411 POST on
+411 POST on -1
+411 POST on 48x
+411 POST on 99999999999999999999x
+413 POST on 99999999999999999999
+413 POST on 16385
+400 POST on 49
+CASES
+reply=$(svcapp REQUEST_METHOD=POST HTTPS=on CONTENT_LENGTH=48 NV_SERVICE_DATABASE=/nowhere/accounts.sqlite)
+[[ $reply == 'Status: 200'*$'\r\n\r\n\24' ]] || fail "another answer without accounts"
+grep -q /nowhere/accounts.sqlite "$root/logs/svcapp" || fail "the log does not tell what is wrong with the accounts"

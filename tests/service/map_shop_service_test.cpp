@@ -5,24 +5,30 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <filesystem>
 #include <vector>
 
-#include "request.h"
 #include "support/temporary_home.h"
+#include "support/wire_items.h"
 
 namespace {
 
-using nvsupport::service::AnswerSearch;
-using nvsupport::service::ProductIndex;
-using nvsupport::testing::TemporaryFolder;
-using nvsupport::testing::WriteWholeFile;
+using namespace nvsupport::service;
+using namespace nvsupport::testing;
 using Numbers = std::vector<std::uint32_t>;
 
 struct Point {
   double latitude;
   double longitude;
 };
+
+// A word of a reply; a value that no test expects if the reply ends before it.
+std::uint32_t WordAt(const std::string& reply, std::size_t index) {
+  std::uint32_t value = 0xBADBAD;
+  if (reply.size() >= 4 * index + sizeof value) std::memcpy(&value, reply.data() + 4 * index, sizeof value);
+  return value;
+}
 
 std::string Search(const std::vector<Point>& points) {
   const std::string block(reinterpret_cast<const char*>(points.data()), points.size() * sizeof(Point));
