@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <filesystem>
 #include <vector>
 
@@ -16,19 +15,11 @@ namespace {
 
 using namespace nvsupport::service;
 using namespace nvsupport::testing;
-using Numbers = std::vector<std::uint32_t>;
 
 struct Point {
   double latitude;
   double longitude;
 };
-
-// A word of a reply; a value that no test expects if the reply ends before it.
-std::uint32_t WordAt(const std::string& reply, std::size_t index) {
-  std::uint32_t value = 0xBADBAD;
-  if (reply.size() >= 4 * index + sizeof value) std::memcpy(&value, reply.data() + 4 * index, sizeof value);
-  return value;
-}
 
 std::string Search(const std::vector<Point>& points) {
   const std::string block(reinterpret_cast<const char*>(points.data()), points.size() * sizeof(Point));
@@ -40,6 +31,13 @@ std::string Line(int number, const std::string& area = "0\t0\t0\t0", const std::
   return std::to_string(number) + '\t' + title + "\t\t\t0\t" + area + '\n';
 }
 
+// The reply to a search that finds these products, of so many on offer.
+std::string Finding(const std::vector<int>& numbers, int offered) {
+  std::string reply = Int(0) + Int(0) + Int(numbers.size());
+  for (const int number : numbers) reply += Text("") + Int(number) + Text("") + Text("") + Int(0);
+  return reply + Int(offered);
+}
+
 // A product file and its index in a folder of their own.
 struct Shop {
   explicit Shop(const std::string& lines = "") { Offer(lines); }
@@ -49,14 +47,6 @@ struct Shop {
     std::filesystem::rename(folder / "new", products);
   }
   std::string Answer(const std::string& request) const { return AnswerSearch(request, ProductIndex(products, index)); }
-  // The numbers of the products that a search finds.
-  Numbers Found(const std::vector<Point>& points) const {
-    const std::string reply = Answer(Search(points));
-    EXPECT_EQ(WordAt(reply, 0), 0U);
-    Numbers numbers;
-    for (std::size_t i = 0; i < WordAt(reply, 2); ++i) numbers.push_back(WordAt(reply, 3 + 5 * i + 1));
-    return numbers;
-  }
 
   const TemporaryFolder folder;
   const std::string products = folder / "products.tsv";
@@ -69,7 +59,7 @@ TEST(MapShopSearch, FindsWhatMeetsTheBoxAroundThePoints) {
   const struct {
     const char* what;
     std::vector<Point> points;
-    Numbers found;
+    std::vector<int> found;
   } cases[] = {
       {"a point on the northeastern corner", {{46, 7}}, {1, 3}},
       {"a point on the southwestern corner", {{45, 6}}, {1, 3}},
@@ -87,40 +77,41 @@ TEST(MapShopSearch, FindsWhatMeetsTheBoxAroundThePoints) {
       {"poles", {{90, 0}, {-90, 0}}, {3}},
       {"no points", {}, {1, 2, 3, 4}},
   };
-  for (const auto& row : cases) EXPECT_EQ(shop.Found(row.points), row.found) << row.what;
+  for (const auto& row : cases) EXPECT_EQ(shop.Answer(Search(row.points)), Finding(row.found, 4)) << row.what;
 }
 
 TEST(MapShopSearch, FollowsTheProductFile) {
+  const std::string all = Search({});
   const Shop shop(Line(1));
-  EXPECT_EQ(shop.Found({}), Numbers{1});
+  EXPECT_EQ(shop.Answer(all), Finding({1}, 1));
   const auto made = std::filesystem::last_write_time(shop.index);
-  EXPECT_EQ(shop.Found({}), Numbers{1});
+  EXPECT_EQ(shop.Answer(all), Finding({1}, 1));
   EXPECT_EQ(std::filesystem::last_write_time(shop.index), made) << "made anew without need";
 
   WriteWholeFile(shop.index + "-new", "what a killed process left");
   shop.Offer(Line(2) + Line(3));
-  EXPECT_EQ(shop.Found({}), (Numbers{2, 3}));
+  EXPECT_EQ(shop.Answer(all), Finding({2, 3}, 2));
 
   shop.Offer(Line(4) + "5\tno area\n");
   testing::internal::CaptureStderr();
-  EXPECT_EQ(shop.Found({}), (Numbers{2, 3}));
-  EXPECT_EQ(shop.Found({}), (Numbers{2, 3}));
+  EXPECT_EQ(shop.Answer(all), Finding({2, 3}, 2));
+  EXPECT_EQ(shop.Answer(all), Finding({2, 3}, 2));
   const std::string log = testing::internal::GetCapturedStderr();
   EXPECT_TRUE(log.ends_with("products.tsv: line 2\n")) << log;
   EXPECT_EQ(std::ranges::count(log, '\n'), 1) << "told more than once: " << log;
 
   shop.Offer(Line(6));
   WriteWholeFile(shop.index, "no index");
-  EXPECT_EQ(shop.Found({}), Numbers{6});
-  EXPECT_EQ(AnswerSearch(Search({}), ProductIndex(shop.products, "")), shop.Answer(Search({}))) << "without an index";
+  EXPECT_EQ(shop.Answer(all), Finding({6}, 1));
+  EXPECT_EQ(AnswerSearch(all, ProductIndex(shop.products, "")), Finding({6}, 1)) << "without an index";
   EXPECT_THROW(ProductIndex(shop.folder / "none", shop.index), std::runtime_error);
 }
 
 TEST(MapShopSearch, GivesNoMoreThanFitsIntoAReply) {
-  const Shop shop(Line(1, "0\t0\t0\t0", std::string(900, 't')) + Line(2) + Line(3));
+  const std::string title(900, 't');
+  const Shop shop(Line(1, "0\t0\t0\t0", title) + Line(2) + Line(3));
   const std::string reply = AnswerSearch(Search({}), ProductIndex(shop.products, shop.index), 1000);
-  EXPECT_EQ(WordAt(reply, 2), 1U);
-  EXPECT_EQ(reply.substr(reply.size() - 4), Int(3)) << "whole to its end";
+  EXPECT_EQ(reply, Int(0) + Int(0) + Int(1) + Text(title) + Int(1) + Text("") + Text("") + Int(0) + Int(3));
 }
 
 TEST(MapShopSearch, IsNotUnderstoodWhenItIsCutOrNoArea) {
