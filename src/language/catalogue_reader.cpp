@@ -11,7 +11,7 @@ namespace {
 // Characters that UnescapeCatalogueText does not just copy, as a table, because every byte of a catalogue is looked up.
 constexpr std::array<bool, 256> marks = [] {
   std::array<bool, 256> table{};
-  for (const unsigned char mark : {'\r', '"', '\\'}) table[mark] = true;
+  for (const char mark : {'\r', '"', '\\'}) table[static_cast<unsigned char>(mark)] = true;
   return table;
 }();
 constexpr auto isMark = [](unsigned char character) { return marks[character]; };
