@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "nvsupport/nvsupport.h"
@@ -56,10 +57,17 @@ class WebDownload : public ::testing::Test {
 TEST_F(WebDownload, AsksForTheFileOnceIfItHasAllNames) {
   const ScriptedServer server(HttpReply(200, "new"));
   WriteWholeFile(file, old);
-  EXPECT_FALSE(x77fc64c7("", "x", file.c_str(), nullptr, nullptr));
-  EXPECT_FALSE(x77fc64c7(nullptr, "x", file.c_str(), nullptr, nullptr));
+  const std::pair<const char*, const char*> refused[] = {
+      {nullptr, "x"},         {"", "x"},
+      {"web.example/x", ""},  {"a@web.example", "x"},
+      {"web.example:80", ""}, {"web.example?", "x"},
+      {"web.exam\rple", "x"}, {serverName, "x HTTP/1.1\r\nX-Evil: 1"},
+      {serverName, "x\x7F"},
+  };
+  for (const auto& [host, path] : refused) {
+    EXPECT_FALSE(x77fc64c7(host, path, file.c_str(), nullptr, nullptr)) << host << " " << path;
+  }
   EXPECT_FALSE(x77fc64c7(serverName, "x", nullptr, nullptr, nullptr));
-  EXPECT_FALSE(x77fc64c7(serverName, "x HTTP/1.1\r\nX-Evil: 1", file.c_str(), nullptr, nullptr));
   EXPECT_EQ(Left(), old);
   WriteWholeFile(temporary, "what a run that was killed has left");
   EXPECT_TRUE(Download());
