@@ -3,6 +3,7 @@
 #include <malloc.h>
 #include <nvsupport/nvsupport_module.h>
 
+#include <QtTest>
 #include <QtWidgets>
 #include <functional>
 #include <string>
@@ -24,7 +25,7 @@ struct Host {
   // Runs the event loop and in it the work; meanwhile the user acts on each dialog.
   void Run(const std::function<void()>& work, const std::function<void(QWidget&)>& act) {
     QTimer user;
-    QObject::connect(&user, &QTimer::timeout, [&act] {
+    user.callOnTimeout([&act] {
       if (QWidget* dialog = QApplication::activeModalWidget()) act(*dialog);
     });
     user.start(1);
@@ -35,15 +36,12 @@ struct Host {
     QApplication::exec();
   }
 
-  int argc = 1;
-  char name[5] = "host";
-  char* argv[2] = {name, nullptr};
-  QApplication application{argc, argv};
+  int argc = 0;
+  QApplication application{argc, nullptr};
 };
 
 void PressEscape(QWidget& dialog) {
-  QKeyEvent press(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
-  QCoreApplication::sendEvent(&dialog, &press);
+  QTest::keyClick(&dialog, Qt::Key_Escape);
 }
 
 void PostWork() {
@@ -66,18 +64,15 @@ TEST(HostWithQt, HasNothingLeftOfDialogs) {
 }
 
 TEST(HostWithQt, EndsItsDialogWhenItIsNeverIdleOrQuits) {
-  const struct {
-    const char* name;
-    std::function<void(QWidget&)> act;
-  } ways[] = {
+  const std::pair<const char*, std::function<void(QWidget&)>> ways[] = {
       {"the user presses Esc", PressEscape},
       {"the host quits", [](QWidget&) { QCoreApplication::quit(); }},
       {"the host exits without asking its windows", [](QWidget&) { QCoreApplication::exit(0); }},
   };
-  for (const auto& way : ways) {
+  for (const auto& [name, act] : ways) {
     Host host;
     PostWork();
-    host.Run([&way] { EXPECT_FALSE(AskForToken()) << way.name; }, way.act);
+    host.Run([way = name] { EXPECT_FALSE(AskForToken()) << way; }, act);
   }
 }
 

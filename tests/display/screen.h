@@ -25,13 +25,6 @@ auto Own(Reply* reply) {
   return std::unique_ptr<Reply, decltype(&std::free)>(reply, &std::free);
 }
 
-struct Area {
-  int x = 0;
-  int y = 0;
-  int width = 0;
-  int height = 0;
-};
-
 class Screen {
  public:
   Screen() {
@@ -86,7 +79,7 @@ class Screen {
   }
 
   // Its client area on the screen.
-  Area AreaOf(xcb_window_t window) const {
+  xcb_rectangle_t AreaOf(xcb_window_t window) const {
     const auto askSize = xcb_get_geometry(connection, window);
     const auto askPlace = xcb_translate_coordinates(connection, window, root, 0, 0);
     const auto size = Own(xcb_get_geometry_reply(connection, askSize, nullptr));
@@ -120,12 +113,10 @@ class Screen {
     if (xcb_connection_has_error(opened) != 0) throw std::runtime_error("no X server");
     return opened;
   }
-  xcb_window_t MakeWindow(const Area& area, xcb_window_t parent) const {
+  xcb_window_t MakeWindow(const xcb_rectangle_t& area, xcb_window_t parent) const {
     const xcb_window_t window = xcb_generate_id(connection);
-    xcb_create_window(connection, XCB_COPY_FROM_PARENT, window, parent, static_cast<std::int16_t>(area.x),
-                      static_cast<std::int16_t>(area.y), static_cast<std::uint16_t>(area.width),
-                      static_cast<std::uint16_t>(area.height), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
-                      0, nullptr);
+    xcb_create_window(connection, XCB_COPY_FROM_PARENT, window, parent, area.x, area.y, area.width, area.height, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
     return window;
   }
 

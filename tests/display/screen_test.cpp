@@ -67,16 +67,16 @@ TEST_F(OnScreen, ADialogStaysWithTheHostsWindowWhereTheUserMovedItTo) {
   RunProgram({"xrandr", "--setmonitor", "right", "1024/270x768/200+1024+0", "none"});
   const Module module;
   const auto offset = [&](xcb_window_t dialog) {
-    const Area from = screen.AreaOf(screen.hostWindow);
-    const Area to = screen.AreaOf(dialog);
+    const xcb_rectangle_t from = screen.AreaOf(screen.hostWindow);
+    const xcb_rectangle_t to = screen.AreaOf(dialog);
     return std::pair(to.x - from.x, to.y - from.y);
   };
   std::pair<int, int> moved;
   module.AskForToken(screen.partOfHostWindow, [&] {
     const xcb_window_t dialog = screen.Await(signInTitle);
     EXPECT_EQ(screen.Property(dialog, "WM_TRANSIENT_FOR"), std::vector{screen.hostWindow});
-    const Area area = screen.AreaOf(dialog);
-    const Area owner = screen.AreaOf(screen.hostWindow);
+    const xcb_rectangle_t area = screen.AreaOf(dialog);
+    const xcb_rectangle_t owner = screen.AreaOf(screen.hostWindow);
     constexpr int frame = 30;
     EXPECT_NEAR(offset(dialog).first, (owner.width - area.width) / 2, frame);
     EXPECT_NEAR(offset(dialog).second, (owner.height - area.height) / 2, frame);
@@ -107,7 +107,7 @@ TEST_F(OnScreen, TheWaitCursorIsThereWhileTheThreadIsBlocked) {
       host, authority.Issue(host));
   Module().AskForToken(0, [&] {
     const xcb_window_t dialog = screen.Await(signInTitle);
-    const Area area = screen.AreaOf(dialog);
+    const xcb_rectangle_t area = screen.AreaOf(dialog);
     const std::string userId = std::to_string(area.width * 120 / 295) + " " + std::to_string(area.height * 70 / 162);
     screen.Do("mousemove 0 0");
     const auto arrow = screen.ShownCursor();

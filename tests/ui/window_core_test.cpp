@@ -90,28 +90,22 @@ TEST_F(WindowCore, SendsADialogItsMessagesInTheirOrder) {
 }
 
 TEST_F(WindowCore, ChangesACheckBoxBeforeItTellsTheDialog) {
-  const struct {
-    const char* what;
-    LONG_PTR style;
-    std::string states;  // after each click, and the largest
-  } cases[] = {{"two states", windowing::styleAutoCheckBox, "1 0 1 largest 1"},
-               {"three states", windowing::styleAutoThreeState, "1 2 0 largest 2"},
-               {"by hand", windowing::styleCheckBox, "0 0 0 largest 1"}};
-  for (const auto& row : cases) {
-    std::string states;
-    react = [&](HWND, UINT message, WPARAM wParam, LPARAM lParam) {
-      if (message != WM_COMMAND || wParam != IDC_KEEP_INFORMED) return;
-      states += std::to_string(SendMessageA(reinterpret_cast<HWND>(lParam), BM_GETCHECK, 0, 0)) + ' ';
-    };
-    Within([&](HWND dialog) {
-      const HWND box = Item(dialog, IDC_KEEP_INFORMED);
-      SetWindowLongPtrA(box, GWL_STYLE, row.style);
+  std::string states;  // clicked three times, then set to 7
+  react = [&](HWND, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != WM_COMMAND || wParam != IDC_KEEP_INFORMED) return;
+    states += std::to_string(SendMessageA(reinterpret_cast<HWND>(lParam), BM_GETCHECK, 0, 0));
+  };
+  Within([&](HWND dialog) {
+    const HWND box = Item(dialog, IDC_KEEP_INFORMED);
+    for (const LONG_PTR style :
+         {windowing::styleAutoCheckBox, windowing::styleAutoThreeState, windowing::styleCheckBox}) {
+      SetWindowLongPtrA(box, GWL_STYLE, style);
       for (int i = 0; i < 3; ++i) PlayedUser::Clicks(IDC_KEEP_INFORMED)(dialog);
       SendMessageA(box, BM_SETCHECK, 7, 0);
-      states += "largest " + std::to_string(SendMessageA(box, BM_GETCHECK, 0, 0));
-      EXPECT_EQ(states, row.states) << row.what;
-    });
-  }
+      states += ":" + std::to_string(SendMessageA(box, BM_GETCHECK, 0, 0)) + " ";
+    }
+  });
+  EXPECT_EQ(states, "101:1 201:2 222:1 ") << "two states, three states, set by hand";
 }
 
 TEST_F(WindowCore, KeepsTextsInStepWithTheDisplay) {
