@@ -82,17 +82,6 @@ TEST_F(AccountChain, IsDoneOnlyWhenItsEndIsReached) {
 }
 
 TEST_F(AccountChain, GivesATokenThatFitsAndShowsNothingElse) {
-  const std::string whole(19, 't');
-  const struct {
-    const char* what;
-    std::string body;
-    std::string token;
-  } cases[] = {
-      {"19 characters", Int(0) + Text(whole), whole},
-      {"20 characters", Int(0) + Text(whole + 't'), ""},
-      {"ends inside the token", Int(0) + Int(10) + std::string("a\0b\0c\0", 6), "abc"},
-      {"a zero byte for a token", Int(0) + Text(std::string(3, '\0')), ""},
-  };
   const auto expectToken = [](const std::string& token) {
     char buffer[36];
     std::memset(buffer, '#', sizeof buffer);
@@ -102,10 +91,11 @@ TEST_F(AccountChain, GivesATokenThatFitsAndShowsNothingElse) {
   };
   // A password without a user ID needs no sign-in; it stays through all of this, so no dialog opens.
   OpenSession({"", "secret1"});
-  for (const auto& row : cases) {
-    SCOPED_TRACE(row.what);
-    Serve({row.body});
-    expectToken(row.token);
+  for (const std::size_t length : {0u, 19u, 20u}) {
+    SCOPED_TRACE(length);
+    const std::string token(length, 't');
+    Serve({Int(0) + Text(token)});
+    expectToken(length < 20 ? token : "");
     EXPECT_EQ(Requests(), (std::vector<std::string>{Int(11) + Int(0) + Text("secret1")}));
   }
   server.reset();

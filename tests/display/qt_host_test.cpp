@@ -3,11 +3,12 @@
 #include <malloc.h>
 #include <nvsupport/nvsupport_module.h>
 
-#include <QtTest>
 #include <QtWidgets>
 #include <functional>
 #include <string>
 #include <thread>
+
+#include "support/temporary_home.h"
 
 namespace {
 
@@ -41,7 +42,8 @@ struct Host {
 };
 
 void PressEscape(QWidget& dialog) {
-  QTest::keyClick(&dialog, Qt::Key_Escape);
+  QKeyEvent press(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+  QCoreApplication::sendEvent(&dialog, &press);
 }
 
 void PostWork() {
@@ -49,18 +51,16 @@ void PostWork() {
 }
 
 TEST(HostWithQt, HasNothingLeftOfDialogs) {
-  long long grown = 0;
-  Host().Run(
-      [&grown] {
-        for (int i = 0; i < 10; ++i) AskForToken();
-        const std::size_t before = mallinfo2().uordblks;
-        for (int i = 0; i < 30; ++i) AskForToken();
-        grown = static_cast<long long>(mallinfo2().uordblks - before);
-        EXPECT_TRUE(QApplication::allWidgets().empty());
-        EXPECT_TRUE(QGuiApplication::allWindows().empty());
-      },
-      PressEscape);
-  EXPECT_LT(grown, 30 * 1024) << "bytes in 30 dialogs";
+  const auto openDialogs = [] {
+    for (int i = 0; i < 10; ++i) AskForToken();
+    const std::size_t before = mallinfo2().uordblks;
+    for (int i = 0; i < 30; ++i) AskForToken();
+    // A dialog that stays takes some 20 kB; what Qt keeps for itself is less than one kB a dialog.
+    EXPECT_LT(static_cast<long long>(mallinfo2().uordblks - before), 120 * 1024) << "bytes in 30 dialogs";
+    EXPECT_TRUE(QApplication::allWidgets().empty());
+    EXPECT_TRUE(QGuiApplication::allWindows().empty());
+  };
+  Host().Run(openDialogs, PressEscape);
 }
 
 TEST(HostWithQt, EndsItsDialogWhenItIsNeverIdleOrQuits) {
@@ -76,7 +76,9 @@ TEST(HostWithQt, EndsItsDialogWhenItIsNeverIdleOrQuits) {
   }
 }
 
-TEST(HostWithQt, OwnsADialogByItsTopLevelWindow) {
+TEST(HostWithQt, OwnsADialogByItsTopLevelWindowAndKeepsItsOwnTexts) {
+  nvsupport::testing::TemporaryHome home;
+  home.WriteUserRegistry("[HKEY_CURRENT_USER\\Software\\Norvane]\n\"Language\"=\"Deutsch\"\n");
   Host host;
   QPixmap picture(16, 16);
   picture.fill(Qt::red);
@@ -88,6 +90,7 @@ TEST(HostWithQt, OwnsADialogByItsTopLevelWindow) {
            [&window](QWidget& dialog) {
              EXPECT_EQ(dialog.windowHandle()->transientParent(), window.windowHandle());
              EXPECT_EQ(dialog.windowIcon().cacheKey(), QApplication::windowIcon().cacheKey());
+             EXPECT_EQ(qApp->findChild<QTranslator*>(), nullptr);
              EXPECT_FALSE(dialog.testAttribute(Qt::WA_QuitOnClose)) << "the host lives on, its windows hidden or not";
              PressEscape(dialog);
            });

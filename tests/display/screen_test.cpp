@@ -17,6 +17,7 @@ namespace nvsupport::testing {
 namespace {
 
 constexpr const char* signInTitle = "Sign in to Your Account";
+constexpr const char* serviceHost = "service.norvane.example";
 constexpr const char* messageTitle = "Account Manager";
 
 struct Module : NVSupportModule {
@@ -78,8 +79,9 @@ TEST_F(OnScreen, ADialogStaysWithTheHostsWindowWhereTheUserMovedItTo) {
     const xcb_rectangle_t area = screen.AreaOf(dialog);
     const xcb_rectangle_t owner = screen.AreaOf(screen.hostWindow);
     constexpr int frame = 30;
-    EXPECT_NEAR(offset(dialog).first, (owner.width - area.width) / 2, frame);
-    EXPECT_NEAR(offset(dialog).second, (owner.height - area.height) / 2, frame);
+    const auto isNear = [](int value, int expected) { return std::abs(value - expected) < frame; };
+    EXPECT_TRUE(WaitUntil([&] { return isNear(offset(dialog).first, (owner.width - area.width) / 2); }));
+    EXPECT_TRUE(WaitUntil([&] { return isNear(offset(dialog).second, (owner.height - area.height) / 2); }));
     screen.Move(dialog, 1290, 130);
     moved = offset(dialog);
     screen.Type("\033");
@@ -98,13 +100,12 @@ TEST_F(OnScreen, ADialogStaysWithTheHostsWindowWhereTheUserMovedItTo) {
 TEST_F(OnScreen, TheWaitCursorIsThereWhileTheThreadIsBlocked) {
   std::atomic<bool> isSilent = false;
   const TestAuthority authority;
-  const std::string host = "service.norvane.example";
   const ScriptedServer service(
       [&](const std::string&) {
         EXPECT_TRUE(WaitUntil([&] { return !isSilent; })) << "the service goes on";
         return HttpReply(200, Int(5));
       },
-      host, authority.Issue(host));
+      serviceHost, authority.Issue(serviceHost));
   Module().AskForToken(0, [&] {
     const xcb_window_t dialog = screen.Await(signInTitle);
     const xcb_rectangle_t area = screen.AreaOf(dialog);
@@ -155,7 +156,7 @@ TEST_F(OnScreen, AHostWithAWindowOwnsTheDialogsAndStaysAwakeWhileAServerIsSilent
         if (request.starts_with("POST")) return HttpReply(200, ReplyWith({{"Map", 1, "", "f", 2}}, 7));
         return Reply{.bytes = "HTTP/1.1 200 OK\r\nContent-Length: 1000000\r\n\r\n12345", .end = Reply::End::hold};
       },
-      "service.norvane.example");
+      serviceHost);
   const std::string file = home.folder / "map";
   Process host({NV_HOST_WINDOW});
   const xcb_window_t window = screen.Await("nvhost");
