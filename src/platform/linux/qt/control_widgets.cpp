@@ -105,15 +105,6 @@ QWidget* MakeControl(const ControlView& view, QDialog& dialog) {
   return widget;
 }
 
-void SetTabOrder(const std::vector<QWidget*>& widgets) {
-  QWidget* before = nullptr;
-  for (QWidget* widget : widgets) {
-    if (widget->focusPolicy() == Qt::NoFocus) continue;
-    if (before != nullptr) QWidget::setTabOrder(before, widget);
-    before = widget;
-  }
-}
-
 void NameEdits(const std::vector<QWidget*>& widgets) {
   for (std::size_t i = 1; i < widgets.size(); ++i) {
     auto* label = qobject_cast<QLabel*>(widgets[i - 1]);
@@ -126,8 +117,8 @@ void NameEdits(const std::vector<QWidget*>& widgets) {
 std::vector<QWidget*> MakeControlWidgets(const std::vector<ControlView>& controls, QDialog& dialog) {
   std::vector<QWidget*> widgets;
   widgets.reserve(controls.size());
+  // In the order of the template, which makes it the tab order.
   for (const ControlView& view : controls) widgets.push_back(MakeControl(view, dialog));
-  SetTabOrder(widgets);
   NameEdits(widgets);
   for (std::size_t i = 0; i < controls.size(); ++i) ShowControlText(*widgets[i], controls[i].text);
   return widgets;
