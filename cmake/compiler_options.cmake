@@ -6,6 +6,8 @@ if(MSVC)
 else()
   target_compile_options(nv_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
                                               $<$<BOOL:${NV_WERROR}>:-Werror>)
+  # Objects do not tell in which folder they were built, so that a compiler cache serves every build.
+  target_compile_options(nv_options INTERFACE -fdebug-prefix-map=${PROJECT_BINARY_DIR}=.)
 endif()
 # Hardened as Debian does it, where the compiler can. The sanitizers watch in ways of their own.
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux" AND NOT NV_SANITIZE)

@@ -14,7 +14,8 @@ expect() {
 
 rm -rf $build
 mkdir -p $build
-cmake -S . -B $build -G Ninja -DNV_SERVICE=OFF -DNV_EXAMPLES=OFF -DNV_TOOLS=OFF -DNV_QT=OFF -DBUILD_TESTING=OFF \
+cmake -S . -B $build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+  -DNV_SERVICE=OFF -DNV_EXAMPLES=OFF -DNV_TOOLS=OFF -DNV_QT=OFF -DBUILD_TESTING=OFF \
   --trace-format=json-v1 --trace-redirect=$build/trace.json >/dev/null
 asked_for() {
   grep -F "\"file\":\"$PWD/" $build/trace.json | grep -oP "\"args\":\[\"\K[^\"]+(?=.*\"cmd\":\"$1\")" | sort -u

@@ -8,6 +8,9 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+# Some steps compile the same sources alike, each in a folder of its own.
+export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_DIR=$PWD/build/ccache
+
 check_format() {
   git ls-files '*.h' '*.cpp' '*.c' | xargs clang-format --dry-run --Werror
 }
@@ -34,9 +37,9 @@ test_all() {
 readonly steps=(
   "format check_format"                # every source as clang-format leaves it
   "lint scripts/lint.sh --fast"        # clang-tidy, where it is fast
+  "release build_release"              # optimised build of all programs, with the module's exports
   "windows scripts/test_windows.sh"    # cross build of the DLL, and the trial of it in Wine
   "bare scripts/check-bare.sh"         # the module alone, and what its build asks for
-  "release build_release"              # optimised build of all programs, with the module's exports
   "documents scripts/check-docs.sh"    # spelling, links, and manuals against the programs
   "install scripts/test_install.sh"    # an installation, with hosts built against it
   "packages scripts/test_packages.sh"  # the Debian packages, tried in a root of their own
