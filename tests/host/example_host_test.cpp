@@ -37,7 +37,6 @@ TEST(ExampleHost, ShowsWhatTheServiceOffersAndTellsFailuresApartByItsExitCode) {
       {"download " + fiji + file, 0, "fiji: "},
       {"", 2, "subcommand"},
       {"serach 45,6", 2, "no command serach"},
-      {"search here", 2, "LATITUDE,LONGITUDE"},
       {"search 45,6x", 2, "LATITUDE,LONGITUDE"},
       {"--library /nowhere/nvsupport.so whoami --product P", 3, "/nowhere/nvsupport.so"},
       {"--library " NV_NO_MODULE " whoami --product P", 3, "lacks the function x3e491215"},
@@ -58,8 +57,6 @@ TEST(ExampleHost, ShowsWhatTheServiceOffersAndTellsFailuresApartByItsExitCode) {
   EXPECT_EQ(ReadWholeFile(file), served);
   EXPECT_EQ(RunHost("read " + fiji + "7 1000").output, served.substr(7, 1000));
   EXPECT_EQ(RunHost("read " + fiji + "7 10 2>/dev/null >/dev/full").exitCode, 9);
-  EXPECT_EQ(RunProgram({NV_MINIMAL_HOST}).output,
-            "Chamonix and Mont Blanc: files/maps/chamonix.nvmap\nPackage: The Alps: files/packages/alps.nvpkg\n");
 
   const ScopedVariable nowhere("NV_CONNECT_TO", serviceHost + ":80:127.0.0.1:1");
   EXPECT_EQ(RunHost("search 2>/dev/null").exitCode, 6);

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include "support/played_user.h"
 #include "support/temporary_home.h"
 
 namespace nvsupport {
@@ -82,6 +83,9 @@ TEST_F(Catalogue, TakesTheLanguageOfTheUserBeforeTheInstallers) {
     home.WriteMachineRegistry("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Norvane]\n\"inst_language\"=\"" + installer + "\"\n");
     catalogue.emplace().Init(static_cast<HINSTANCE>(dlsym(loaded, "nvsupportTestModule")));
     EXPECT_EQ(catalogue->Language(), inForce) << user << " | " << installer;
+    const PlayedUser person;
+    MessageBoxA(nullptr, "", "", MB_OK);
+    EXPECT_EQ(person.language, inForce) << "of its buttons";
   }
 }
 

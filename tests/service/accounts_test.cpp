@@ -95,27 +95,12 @@ TEST_F(Accounts, GetTheStatusesThatTheDialogsKnow) {
       {"the first password stays", SignIn("again", "another"), 5},
       {"sent again too late", CreateAccount("Again", "again@norvane.example"), 2, 2},
       {"an unknown operation", Int(12) + Text("mapreader") + Text("six6six"), 1},
-      {"a length without end", Int(11) + Int(0x80000000) + Text("mapreader") + Text("six6six"), 1},
   };
   for (const auto& row : cases) {
     now += row.later;
     EXPECT_EQ(StatusOf(row.request), row.status) << row.what;
-  }
-}
-
-TEST_F(Accounts, TakeWholeRequestsAlone) {
-  const std::string user = Text("zomap") + Text("Secret-7");
-  const std::pair<const char*, std::string> cases[] = {
-      {"create", CreateAccount("zomap", "a@b.c", "Secret-7")},
-      {"sign in", SignIn("zomap", "Secret-7")},
-      {"name", Int(9) + user + Text("desk") + Int(1) + Int(124) + Int(0)},
-      {"token", Int(11) + user},
-  };
-  for (const auto& [operation, request] : cases) {
-    for (std::size_t length = 0; length < request.size(); ++length) {
-      EXPECT_EQ(StatusOf(request.substr(0, length)), 1U) << operation << " cut behind byte " << length;
-    }
-    EXPECT_EQ(StatusOf(request + '\0'), 1U) << operation << " with a byte too many";
+    EXPECT_EQ(StatusOf(row.request + '\0'), 1U) << row.what << ", with a byte too many";
+    EXPECT_EQ(StatusOf(row.request.substr(0, row.request.size() - 1)), 1U) << row.what << ", with a byte too few";
   }
 }
 
@@ -245,8 +230,10 @@ TEST(AccountSettings, AreReadFromTheirVariables) {
     const ScopedVariable set(name, "77");
     EXPECT_EQ(ReadAccountSettings().*setting, 77) << name;
   }
-  const ScopedVariable none("NV_SERVICE_SLOW_SECONDS", "0");
-  EXPECT_THROW(ReadAccountSettings(), std::runtime_error);
+  for (const char* wrong : {"0", "12x"}) {
+    const ScopedVariable set("NV_SERVICE_SLOW_SECONDS", wrong);
+    EXPECT_THROW(ReadAccountSettings(), std::runtime_error) << wrong;
+  }
 }
 
 TEST(FileQueue, LetsNobodyBackInBeforeWhoWaits) {

@@ -65,6 +65,7 @@ class PlayedUser final : public windowing::Display {
   // What the core made the display do. Windows stand here once that was said of them.
   std::map<HWND, bool> enabled;
   HWND selectedWhole = nullptr;  // the control focused last, if it was selected whole
+  std::string language;          // of what the display says by itself
   std::atomic<int> waitCursorsShown = 0;
   std::atomic<int> cursorsRestored = 0;
 
@@ -81,7 +82,7 @@ class PlayedUser final : public windowing::Display {
     return control;
   }
 
-  void SetLanguage(const std::string&) override {}
+  void SetLanguage(const std::string& name) override { language = name; }
   POINT BaseUnits() override { return {7, 13}; }
   RECT ScreenArea() override { return screenArea; }
   int ScreenOf(const RECT&) override { return 0; }
