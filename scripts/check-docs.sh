@@ -25,7 +25,7 @@ while IFS=: read -r document link; do
 done < <(git ls-files '*.md' | xargs grep -oP '\]\(\K[^)]+(?=\))' | grep -vE ':(https?|mailto):')
 
 for file in $(grep -oP '`\K[a-z_/]+\.(cpp|h|rc|sh)(?=`)' docs/architecture.md | sort -u); do
-  git ls-files src tests | grep -q "/$file\$" || complain "docs/architecture.md: there is no $file"
+  git ls-files src tests | grep -qE "(^|/)$file\$" || complain "docs/architecture.md: there is no $file"
 done
 
 # The options and exit codes that a program's help tells.

@@ -117,6 +117,7 @@ TEST(MapShopSearch, TakesWhatIsSoundInABrokenReply) {
   } cases[] = {
       {"whole", whole, 2, 9},
       {"ends before the closing value", without(4), 2, 0},
+      {"ends in the second item's last value", without(7), 2, 0},
       {"ends before the second item's last value", without(8), 1, 0},
       {"ends in the second item's title", without(item.size()), 1, 0},
       {"ends in the first item", without(4 + item.size() + 8), 0, 0},
