@@ -14,17 +14,7 @@
 #include "support/scripted_server.h"
 #include "support/temporary_home.h"
 
-static int webClientStarts = 0;
 static int callsOfHostsOwn = 0;
-
-// Stands in front of the library's own, so that the host sees when the web client is set to work.
-extern "C" __attribute__((visibility("default"))) int curl_global_init(long flags) {
-  ++webClientStarts;
-  void* const library = dlopen("libcurl.so.4", RTLD_LAZY | RTLD_NOLOAD);
-  const auto function = reinterpret_cast<int (*)(long)>(dlsym(library, "curl_global_init"));
-  dlclose(library);
-  return function(flags);
-}
 
 // A function of the host's own that is called like an export. The module calls what it means.
 extern "C" __attribute__((visibility("default"))) bool NSDownloadWebFileProgress(const char*, const char*, const char*,
@@ -77,7 +67,6 @@ TEST_F(Module, SetsNothingToWorkAtLoadAndLeavesAtUnload) {
   const Holdings loaded;
   EXPECT_EQ(loaded.files, before.files);
   EXPECT_EQ(loaded.threads, before.threads);
-  EXPECT_EQ(webClientStarts, 0);
   NVSupportClose(&module);
   EXPECT_EQ(dlopen(NV_MODULE, RTLD_NOW | RTLD_NOLOAD), nullptr);
   for (const auto& entry : fs::recursive_directory_iterator(home.folder.path)) {
@@ -95,7 +84,6 @@ TEST_F(Module, NeedsNoMemoryToKeepAnError) {
 TEST_F(Module, ServesAHostThatHasTheNameOfAnExportAndNeverUnloads) {
   Use(Load());
   EXPECT_EQ(callsOfHostsOwn, 0);
-  EXPECT_EQ(webClientStarts, 1);
 }
 
 TEST_F(Module, HoldsNothingMoreAfterManyLoadsInUse) {

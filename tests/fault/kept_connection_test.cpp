@@ -73,7 +73,7 @@ TEST_P(KeptConnection, SurvivesAServerThatGoesWhileItIsSentTo) {
 }
 
 TEST_P(KeptConnection, IsReplacedWhenTheServerHasClosedIt) {
-  const ScriptedServer server(CutAfter(HttpReply(200, "once"), SIZE_MAX), serverName, shown);
+  const ScriptedServer server(Reply{.bytes = HttpReply(200, "once").bytes}, serverName, shown);
   for (int i = 0; i < 20; ++i) EXPECT_EQ(Open().Fetch(), "once");
 }
 

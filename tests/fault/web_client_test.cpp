@@ -149,14 +149,5 @@ TEST(WebClientFaults, FollowsARedirectIntoTlsButThenNeverOffTheHostOrOutOfTls) {
   }
 }
 
-TEST(WebClientFaults, TakesAReplyThatComesBeforeTheWholeRequestIsSent) {
-  const ScriptedServer server(HttpReply(413, "too much"));
-  Exchange exchange({.verb = "POST"});
-  // The body is the test's own and gone when the reply is read.
-  EXPECT_TRUE(exchange.Send({}, std::string(8'000'000, 'b')));
-  EXPECT_EQ(exchange.Status(), 413u);
-  EXPECT_EQ(exchange.Body().substr(0, 8), "too much");
-}
-
 }  // namespace
 }  // namespace nvsupport::testing

@@ -11,7 +11,7 @@
 namespace nvsupport::testing {
 
 struct ProgramResult {
-  int exitCode = -1;  // -1: not started, or ended by a signal
+  int exitCode = -1;  // -1: ended by a signal
   std::string output;
 };
 
@@ -21,7 +21,6 @@ inline ProgramResult RunProgram(const std::vector<std::string>& command) {
   for (const std::string& argument : command) line += " '" + argument + "'";
   ProgramResult result;
   std::FILE* const pipe = popen(line.c_str(), "r");
-  if (pipe == nullptr) return result;
   char buffer[4096];
   for (std::size_t length; (length = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) {
     result.output.append(buffer, length);

@@ -37,10 +37,6 @@ Reply HttpReply(int status, std::string_view body, std::string_view headers) {
   return {.bytes = std::move(bytes), .end = Reply::End::keep};
 }
 
-Reply CutAfter(Reply reply, std::size_t count) {
-  return {.bytes = reply.bytes.substr(0, count)};
-}
-
 Script::Script(std::vector<Reply> replies)
     : function([replies = std::move(replies), next = std::size_t{0}](const std::string&) mutable {
         return replies.at(std::min(next++, replies.size() - 1));

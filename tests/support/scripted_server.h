@@ -35,8 +35,6 @@ struct Reply {
 
 // A reply with a Content-Length, behind which the connection is kept. headers: further lines, each with its line end.
 Reply HttpReply(int status, std::string_view body, std::string_view headers = {});
-// The first `count` bytes of a reply, then the connection's end.
-Reply CutAfter(Reply reply, std::size_t count);
 
 // Chooses the answer to a request. Called on the server's thread.
 struct Script : std::function<Reply(const std::string& request)> {
