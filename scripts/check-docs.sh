@@ -24,8 +24,9 @@ while IFS=: read -r document link; do
   fi
 done < <(git ls-files '*.md' | xargs grep -oP '\]\(\K[^)]+(?=\))' | grep -vE ':(https?|mailto):')
 
+files=$(git ls-files src tests)
 for file in $(grep -oP '`\K[a-z_/]+\.(cpp|h|rc|sh)(?=`)' docs/architecture.md | sort -u); do
-  git ls-files src tests | grep -qE "(^|/)$file\$" || complain "docs/architecture.md: there is no $file"
+  grep -qE "(^|/)$file\$" <<<"$files" || complain "docs/architecture.md: there is no $file"
 done
 
 # The options and exit codes that a program's help tells.
