@@ -14,7 +14,7 @@ namespace nvsupport::testing {
 
 class TestAuthority {
  public:
-  TestAuthority() {}
+  TestAuthority() {}  // so that one may be constant
 
   // For a server of that name, the same each time. To be had before the client first looks at the certificates.
   TlsIdentity Issue(const std::string& host) const {
