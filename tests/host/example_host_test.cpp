@@ -18,7 +18,7 @@ const std::string serviceHost = "service.norvane.example";
 
 // The host by the shell: arguments behind its name.
 ProgramResult RunHost(const std::string& arguments) {
-  return RunProgram({"sh", "-c", NV_HOST " " + arguments});
+  return RunProgram({"sh", "-c", "exec \"$0\" " + arguments, NV_HOST});
 }
 
 TEST(ExampleHost, ShowsWhatTheServiceOffersAndTellsFailuresApartByItsExitCode) {
@@ -39,7 +39,7 @@ TEST(ExampleHost, ShowsWhatTheServiceOffersAndTellsFailuresApartByItsExitCode) {
       {"serach 45,6", 2, "no command serach"},
       {"search 45,6x", 2, "LATITUDE,LONGITUDE"},
       {"--library /nowhere/nvsupport.so whoami --product P", 3, "/nowhere/nvsupport.so"},
-      {"--library " NV_NO_MODULE " whoami --product P", 3, "lacks the function x3e491215"},
+      {"--library \"" NV_NO_MODULE "\" whoami --product P", 3, "lacks the function x3e491215"},
       {"search 90.1,0", 4, "out of range"},
       {"search 0,400.1", 4, "out of range"},
       {"search 0,-30 --trace", 5, " web POST http://service.norvane.example/cgi-bin/mapstore2.cgi"},

@@ -14,7 +14,7 @@ TEST_F(Trace, TellsWhatHappenedButNoSecret) {
   Serve({Int(0) + Text("secret-token")});
   const ScriptedServer web(HttpReply(200, "secret body"));
   const auto traceOf = [](const std::string& arguments) {
-    return RunProgram({"sh", "-c", "exec " NV_HOST " " + arguments + " 2>&1 >/dev/null"}).output;
+    return RunProgram({"sh", "-c", "exec \"$0\" " + arguments + " 2>&1 >/dev/null", NV_HOST}).output;
   };
   const std::string token = "token --product \"Test Product\"";
   EXPECT_EQ(traceOf(token), "");
