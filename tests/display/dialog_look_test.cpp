@@ -122,8 +122,8 @@ std::string Faults(const QWidget& window) {
     const std::string name = control->objectName().toStdString() + "\n";
     if (!control->toolTip().isEmpty()) faults += "text cut, told by a tool tip: " + name;
     const bool isButton = control->inherits("QPushButton");  // whose style asks for more than its text takes
-    const int least = isButton ? control->fontMetrics().height() : control->minimumSizeHint().height();
-    if (control->height() < least) faults += "text cut in its height: " + name;
+    const QSize least = isButton ? QSize(0, control->fontMetrics().height()) : control->minimumSizeHint();
+    if (least.boundedTo(control->size()) != least) faults += "text cut: " + name;
     if (!window.rect().contains(control->pos())) faults += "outside: " + name;
     const bool isInFront = window.childAt(control->geometry().center()) == control;
     if (!isInFront && !control->inherits("QLabel")) faults += "covered: " + name;
