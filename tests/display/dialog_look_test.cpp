@@ -116,7 +116,8 @@ std::string Faults(const QWidget& window) {
   caption.setBold(true);
   const bool isNarrow = window.width() < QFontMetrics(caption).horizontalAdvance(window.windowTitle());
   std::string faults = isNarrow ? "caption cut\n" : "";
-  if (window.windowIcon().isNull()) faults += "no icon\n";
+  const bool hasPin = window.windowIcon().pixmap(48, 48).toImage().pixelColor(16, 19) == Qt::white;
+  if (!hasPin) faults += "no icon\n";
   if (window.inherits("QMessageBox")) return faults;  // whose layout sees to the rest
   for (const QWidget* control : window.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
     const std::string name = control->objectName().toStdString() + "\n";
