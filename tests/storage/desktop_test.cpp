@@ -52,12 +52,12 @@ TEST(Registry, ReadsEveryFormOfValueAndSkipsBrokenLines) {
       {unterminated + "\n", "Unterminated", std::string(261, 'y')},
   };
   for (const auto& row : cases) {
-    home.WriteUserRegistry(
-        "; a comment\r\n[HKEY_CURRENT_USER\\Other]\r\n\"Language\"=\"wrong\"\r\n"
-        "  [hkey_current_user\\SOFTWARE\\norvane]  \r\n" +
-        row.lines +
-        "[HKEY_CURRENT_USER\\Software\\Norvane\n\"Behind\"=\"no\"\n"
-        "[HKEY_CURRENT_USER\\Software\\Norvane]\n\"TWICE\"=\"second\"");
+    home.WriteUserRegistry("; a comment" + std::string(10'000, '.') +
+                           "\r\n[HKEY_CURRENT_USER\\Other]\r\n\"Language\"=\"wrong\"\r\n"
+                           "  [hkey_current_user\\SOFTWARE\\norvane]  \r\n" +
+                           row.lines +
+                           "[HKEY_CURRENT_USER\\Software\\Norvane\n\"Behind\"=\"no\"\n"
+                           "[HKEY_CURRENT_USER\\Software\\Norvane]\n\"TWICE\"=\"second\"");
     EXPECT_EQ(GetRegistryText(HKEY_CURRENT_USER, key, row.name, "default"), row.text) << row.name;
   }
 }
