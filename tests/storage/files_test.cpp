@@ -79,6 +79,7 @@ TEST(TempFiles, TheFirstNameOfAProcessSweepsWhatEarlierOnesLeft) {
   std::vector<std::string> left = {"before"};
   EXPECT_TRUE(ListFiles(folder, "t*.*", left));
   EXPECT_FALSE(ListFiles(folder, "none*", left));
+  EXPECT_FALSE(ListFiles(folder + "\\none", "*", left));
   EXPECT_EQ(left, std::vector<std::string>({"before", folder + "\\Tfuture"}));
   EXPECT_TRUE(fs::exists(place + "kept"));
   fs::last_write_time(place + "Tfuture", now - std::chrono::hours(1));
