@@ -4,10 +4,12 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <filesystem>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "display/process.h"
 #include "support/exchange.h"
 #include "support/run_program.h"
 #include "support/short_timeouts.h"
@@ -77,11 +79,21 @@ TEST_P(KeptConnection, IsReplacedWhenTheServerHasClosedIt) {
   for (int i = 0; i < 20; ++i) EXPECT_EQ(Open().Fetch(), "once");
 }
 
+bool OtherThreadsSleep() {
+  for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+    const bool isThis = task.path().filename() == std::to_string(gettid());
+    if (!isThis && ReadWholeFile(task.path() / "stat").find(") S ") == std::string::npos) return false;
+  }
+  return true;
+}
+
 // A child that used or closed the connection would disturb its parent's.
 TEST_P(KeptConnection, IsLeftAloneByAForkedChild) {
   const ScriptedServer server(HttpReply(200, "body"), serverName, shown);
   const ScriptedServer another(HttpReply(200, "body"), "other.example");
   const auto fetchInChild = [](const Target& target) {
+    // A child for which a sanitizer's lock is held would wait for it forever.
+    EXPECT_TRUE(WaitUntil(OtherThreadsSleep));
     const pid_t child = fork();
     if (child == 0) _exit(Exchange(target).Fetch() == "body" ? 0 : 1);
     int status = -1;
