@@ -229,8 +229,7 @@ std::size_t WebExchange::OnBody(char* data, std::size_t unit, std::size_t size, 
   // With an allocator that is not the standard one, a vector inserts and moves one byte at a time, so the bytes are
   // copied here, and there is room for them from the start.
   if (self->window.capacity() == 0) {
-    self->window.reserve(
-        std::min<std::size_t>(static_cast<std::size_t>(self->ContentLength().value_or(0)), largestWindow));
+    self->window.reserve(std::min(static_cast<std::size_t>(self->ContentLength().value_or(0)), largestWindow));
   }
   const std::size_t unread = self->window.size();
   self->window.resize(unread + taken);
