@@ -22,18 +22,6 @@ void nvsupport::fuzz::AnswerWith(std::string_view reply) {
   answer = reply;
 }
 
-BOOL InternetGetConnectedState(LPDWORD, DWORD) {
-  return TRUE;
-}
-
-BOOL InternetAutodial(DWORD, HWND) {
-  return TRUE;
-}
-
-BOOL InternetAutodialHangup(DWORD) {
-  return TRUE;
-}
-
 HINTERNET InternetOpenA(LPCSTR, DWORD, LPCSTR, LPCSTR, DWORD) {
   return AnyHandle();
 }

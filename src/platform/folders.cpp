@@ -1,4 +1,5 @@
-// Folders, on every system: what the published operations leave to their caller.
+#include "platform/folders.h"
+
 #include "platform/platform.h"
 
 namespace platform {

@@ -13,6 +13,7 @@
 #include <string>
 
 #include "base/scoped_handle.h"
+#include "platform/folders.h"
 #include "platform/secret.h"
 
 // The module's entry, defined by the library: reason DLL_PROCESS_ATTACH after its process-wide objects came to life,
@@ -40,29 +41,8 @@ class ModuleEntry {
   ModuleEntry& operator=(const ModuleEntry&) = delete;
 };
 
-// A dial-up connection that a transfer brings up where none is there, hung up again with the object.
-class DialUp {
- public:
-  DialUp() = default;
-  ~DialUp();
-  DialUp(const DialUp&) = delete;
-  DialUp& operator=(const DialUp&) = delete;
-
-  void ConnectIfNeeded();
-
- private:
-  bool dialled = false;  // asked for; whether that led to a connection is not told
-};
-
 // A number that stands for this computer: the same on every run and for every product, never the raw machine id.
 std::uint32_t GetComputerDeviceId();
-
-// What ends an element of a path.
-inline constexpr char pathSeparators[] = "/\\:";
-
-bool IsFolder(const std::string& path);
-// Creates a folder with its parents; true if the folder exists at the end.
-bool CreatePath(const std::string& path);
 
 // fopen on a path as the library composes it (either separator). Null when the file cannot be opened. A file opened
 // for writing is readable by its owner alone.

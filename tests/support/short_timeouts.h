@@ -2,7 +2,7 @@
 #ifndef NVSUPPORT_TESTS_SUPPORT_SHORT_TIMEOUTS_H
 #define NVSUPPORT_TESTS_SUPPORT_SHORT_TIMEOUTS_H
 
-#include "web_limits.h"
+#include "web/web_limits.h"
 
 namespace nvsupport::testing {
 

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "base/ascii.h"
+#include "files/read_file.h"
 #include "platform/platform.h"
-#include "read_file.h"
 #include "sip_hash.h"
 
 namespace {

@@ -1,27 +1,16 @@
-// Module loader over the dynamic linker, and the calling thread's last error.
+// Over the dynamic linker.
 #include "module.h"
 
 #include <dlfcn.h>
-#include <nvsupport/nvsupport.h>
 #include <unistd.h>
 
 #include <climits>
-#include <cstdio>
 #include <cstring>
-#include <exception>
 #include <string_view>
 
 #include "platform/platform.h"
-#include "windowing/display_selection.h"
 
 namespace {
-
-// For who looks into the file.
-[[gnu::used]] constexpr char version[] = "nvsupport " NVSUPPORT_VERSION;
-
-// Initial-exec: there from the thread's beginning on. Made at its first touch, it would need memory when the error to
-// be kept is the lack of it.
-[[gnu::tls_model("initial-exec")]] thread_local DWORD lastError = 0;
 
 // The path of this module, kept from when it was loaded: the host may load it by a relative path and change its folder
 // afterwards. A plain array, because process-wide objects still ask for it while they go.
@@ -58,7 +47,11 @@ DWORD CopyLoadedFile(const void* address, LPSTR buffer, DWORD size) {
   return CopyPath(length > 0 ? std::string_view(program, static_cast<std::size_t>(length)) : name, buffer, size);
 }
 
-void RememberThisModule() {
+}  // namespace
+
+namespace platform {
+
+void RememberModulePath() {
   char path[PATH_MAX];
   if (CopyLoadedFile(reinterpret_cast<const void*>(&DllMain), path, sizeof path) == 0) return;
   DWORD folder = 0;
@@ -67,22 +60,6 @@ void RememberThisModule() {
     thisModulePath[folder++] = '/';
   }
   if (CopyPath(path, thisModulePath + folder, sizeof thisModulePath - folder) == 0) thisModulePath[0] = '\0';
-}
-
-}  // namespace
-
-namespace platform {
-
-ModuleEntry::ModuleEntry() {
-  // What the loading thread needs for its first exception: made with that, it would need memory when it is about the
-  // lack of it.
-  [[maybe_unused]] const volatile int touched = std::uncaught_exceptions();
-  RememberThisModule();
-  DllMain(ThisModule(), DLL_PROCESS_ATTACH, nullptr);
-}
-ModuleEntry::~ModuleEntry() {
-  DllMain(ThisModule(), DLL_PROCESS_DETACH, nullptr);
-  windowing::CloseDisplay();
 }
 
 }  // namespace platform
@@ -98,17 +75,4 @@ HMODULE GetModuleHandleA(LPCSTR name) {
 
 HMODULE LoadLibraryA(LPCSTR name) {
   return static_cast<HMODULE>(dlopen(name, RTLD_NOW | RTLD_LOCAL));
-}
-
-DWORD GetLastError() {
-  return lastError;
-}
-
-void SetLastError(DWORD error) {
-  lastError = error;
-}
-
-void FatalAppExitA(UINT, LPCSTR text) {
-  std::fputs(text, stderr);
-  _exit(1);
 }

@@ -8,11 +8,11 @@
 #include <string>
 #include <string_view>
 
-#include "files.h"
-#include "native_path.h"
+#include "files/files.h"
+#include "files/native_path.h"
+#include "files/xdg_folders.h"
 #include "platform/platform.h"
 #include "viewer.h"
-#include "xdg_folders.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-// The system's own headers, and that is all.
+// The system's own headers, and dial-up connections, which only Windows has.
 #ifndef NVSUPPORT_PLATFORM_WINDOWS_SYSTEM_H
 #define NVSUPPORT_PLATFORM_WINDOWS_SYSTEM_H
 
@@ -11,5 +11,7 @@
 #include <shellapi.h>
 #include <shlobj.h>
 #include <wininet.h>
+
+#include "dial_up.h"
 
 #endif

@@ -1,5 +1,5 @@
 // Each open key reads its root's file anew: the files are small, few keys are read, and there is no state to go stale.
-#include "registry.h"
+#include "registry/registry.h"
 
 #include <unistd.h>
 
@@ -8,11 +8,11 @@
 #include <string>
 
 #include "base/ascii.h"
-#include "module.h"
-#include "read_file.h"
-#include "registry_file.h"
+#include "files/read_file.h"
+#include "files/xdg_folders.h"
+#include "last_error.h"
+#include "registry/registry_file.h"
 #include "trace.h"
-#include "xdg_folders.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "web_request.h"
+#include "web/web_request.h"
 
 namespace platform {
 

@@ -1,5 +1,4 @@
-// The current time and time stamps of files.
-#include "file_time.h"
+#include "files/file_time.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,4 +1,6 @@
-// Walks the entries of a folder that match a pattern, as the published interface matches names.
+// Matches names as the published interface does.
+#include "files/file_search.h"
+
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -10,9 +12,8 @@
 
 #include "base/ascii.h"
 #include "base/scoped_handle.h"
-#include "file_time.h"
-#include "files.h"
-#include "native_path.h"
+#include "files/files.h"
+#include "files/native_path.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The options of a transfer.
-#include "web_options.h"
+#include "web/web_options.h"
 
 #include <sys/auxv.h>
 #include <sys/socket.h>
@@ -10,7 +10,7 @@
 #include <sstream>
 
 #include "trace.h"
-#include "web_limits.h"
+#include "web/web_limits.h"
 
 namespace platform {
 namespace {

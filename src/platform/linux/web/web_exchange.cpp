@@ -1,5 +1,5 @@
 // HTTP exchanges on libcurl's multi interface.
-#include "web_exchange.h"
+#include "web/web_exchange.h"
 
 #include <algorithm>
 #include <cstring>
@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "trace.h"
-#include "web_limits.h"
+#include "web/web_limits.h"
 
 namespace platform {
 namespace {

@@ -1,4 +1,4 @@
-#include "registry_file.h"
+#include "registry/registry_file.h"
 
 #include <algorithm>
 #include <charconv>

@@ -11,7 +11,6 @@ inline constexpr DWORD INTERNET_OPEN_TYPE_PRECONFIG = 0;
 inline constexpr DWORD INTERNET_SERVICE_HTTP = 3;
 inline constexpr INTERNET_PORT INTERNET_DEFAULT_HTTP_PORT = 80;
 inline constexpr INTERNET_PORT INTERNET_DEFAULT_HTTPS_PORT = 443;
-inline constexpr DWORD INTERNET_AUTODIAL_FORCE_UNATTENDED = 2;
 
 inline constexpr DWORD INTERNET_FLAG_PRAGMA_NOCACHE = 0x00000100;
 inline constexpr DWORD INTERNET_FLAG_RESYNCHRONIZE = 0x00000800;
@@ -25,9 +24,6 @@ inline constexpr DWORD HTTP_QUERY_CONTENT_LENGTH = 5;
 inline constexpr DWORD HTTP_QUERY_STATUS_CODE = 19;
 inline constexpr DWORD HTTP_QUERY_FLAG_NUMBER = 0x20000000;
 
-BOOL InternetGetConnectedState(LPDWORD flags, DWORD reserved);
-BOOL InternetAutodial(DWORD flags, HWND parent);
-BOOL InternetAutodialHangup(DWORD reserved);
 HINTERNET InternetOpenA(LPCSTR agent, DWORD accessType, LPCSTR proxy, LPCSTR proxyBypass, DWORD flags);
 HINTERNET InternetConnectA(HINTERNET internet, LPCSTR host, INTERNET_PORT port, LPCSTR user, LPCSTR password,
                            DWORD service, DWORD flags, DWORD_PTR context);

@@ -1,5 +1,5 @@
-// Files and folders over POSIX, and the handles of files.
-#include "files.h"
+// Files and folders over POSIX, and the handles of files that are written.
+#include "files/files.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -17,8 +17,8 @@
 #include <utility>
 
 #include "blocked_signals.h"
+#include "files/native_path.h"
 #include "handle_object.h"
-#include "native_path.h"
 #include "platform/platform.h"
 #include "trace.h"
 
@@ -224,12 +224,6 @@ auto Traced(const char* what, const NativePath& path, Action action) {
 
 namespace platform {
 
-NativePath::NativePath(const char* path) {
-  const std::size_t length = path != nullptr ? strnlen(path, sizeof text) : 0;
-  char* const end = length < sizeof text ? std::replace_copy(path, path + length, text, '\\', '/') : text;
-  *end = '\0';
-}
-
 FileStream OpenFileStream(const char* path, const char* mode) {
   const NativePath native(path);
   if (mode[0] == 'w') return Traced("write", native, [&] { return OpenForWriting(native, mode); });
@@ -275,14 +269,4 @@ BOOL WriteFile(HANDLE handle, LPCVOID data, DWORD size, LPDWORD written, struct 
   if (file == nullptr || !file->Write(static_cast<const char*>(data), size)) return FALSE;
   *written = size;
   return TRUE;
-}
-
-BOOL CloseHandle(HANDLE handle) {
-  if (handle == nullptr || handle == INVALID_HANDLE_VALUE) return FALSE;
-  const std::unique_ptr<HandleObject> object(static_cast<HandleObject*>(handle));
-  return object->Close();
-}
-
-DWORD GetCurrentProcessId() {
-  return static_cast<DWORD>(getpid());
 }

@@ -1,4 +1,5 @@
-// Dial-up connections, on every system.
+#include "dial_up.h"
+
 #include "platform/platform.h"
 
 namespace platform {

@@ -1,5 +1,5 @@
 // The pool of idle transfer engines.
-#include "web_engine.h"
+#include "web/web_engine.h"
 
 #include <dirent.h>
 #include <dlfcn.h>
@@ -18,8 +18,8 @@
 #include <vector>
 
 #include "base/scoped_handle.h"
-#include "web_limits.h"
-#include "web_options.h"
+#include "web/web_limits.h"
+#include "web/web_options.h"
 
 namespace platform {
 namespace {

@@ -1,5 +1,5 @@
 // The published names of the web client: handles of a session, a connection and a request.
-#include "web_client.h"
+#include "web/web_client.h"
 
 #include <charconv>
 #include <cstring>
@@ -11,15 +11,14 @@
 #include <unordered_map>
 #include <utility>
 
-#include "web_exchange.h"
-#include "web_request.h"
+#include "web/web_exchange.h"
+#include "web/web_request.h"
 
 namespace {
 
 using platform::WebExchange;
 using platform::WebRequest;
 
-constexpr DWORD connectedByNetwork = 2;
 constexpr DWORD zeroTerminated = 0xFFFFFFFF;
 
 // What a handle stands for. Each has all that its parent knew, so handles may be closed in any order.
@@ -72,19 +71,6 @@ WebExchange* FindExchange(HINTERNET request) {
 }
 
 }  // namespace
-
-BOOL InternetGetConnectedState(LPDWORD flags, DWORD) {
-  if (flags != nullptr) *flags = connectedByNetwork;
-  return TRUE;
-}
-
-BOOL InternetAutodial(DWORD, HWND) {
-  return FALSE;
-}
-
-BOOL InternetAutodialHangup(DWORD) {
-  return FALSE;
-}
 
 HINTERNET InternetOpenA(LPCSTR agent, DWORD, LPCSTR, LPCSTR, DWORD) try {
   WebObject session{.kind = WebObject::Kind::session, .description = {}, .exchange = nullptr};

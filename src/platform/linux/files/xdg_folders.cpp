@@ -1,5 +1,5 @@
 // Reads the environment at each call: a host may set its variables before it loads the module or after.
-#include "xdg_folders.h"
+#include "files/xdg_folders.h"
 
 #include <pwd.h>
 #include <unistd.h>
@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "read_file.h"
+#include "files/read_file.h"
 
 namespace {
 

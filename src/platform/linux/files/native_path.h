@@ -1,4 +1,4 @@
-// How a path of the library becomes one of this system.
+// How a path of the library becomes one of this system: a '\' is turned to '/' here and nowhere else.
 #ifndef NVSUPPORT_PLATFORM_LINUX_NATIVE_PATH_H
 #define NVSUPPORT_PLATFORM_LINUX_NATIVE_PATH_H
 

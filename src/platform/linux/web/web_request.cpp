@@ -1,5 +1,5 @@
 // URL and header lines of an HTTP request.
-#include "web_request.h"
+#include "web/web_request.h"
 
 #include <curl/curl.h>
 

@@ -14,9 +14,9 @@
 #include <vector>
 
 #include "platform/secret.h"
-#include "web_engine.h"
-#include "web_options.h"
-#include "web_request.h"
+#include "web/web_engine.h"
+#include "web/web_options.h"
+#include "web/web_request.h"
 
 namespace platform {
 

@@ -1,0 +1,13 @@
+// Dial-up connections, of which this system's programs know nothing: the network is there or it is not.
+#ifndef NVSUPPORT_PLATFORM_LINUX_DIAL_UP_H
+#define NVSUPPORT_PLATFORM_LINUX_DIAL_UP_H
+
+namespace platform {
+
+struct DialUp {
+  void ConnectIfNeeded() {}
+};
+
+}  // namespace platform
+
+#endif
