@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "core/service_manager.h"
+#include "account/service_manager.h"
 #include "fuzz.h"
 #include "resources/resource_ids.h"
 #include "support/played_user.h"

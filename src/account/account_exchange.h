@@ -20,6 +20,9 @@ inline constexpr std::int32_t statusSuccess = 0;
 inline constexpr std::int32_t statusWrongUserId = 4;
 inline constexpr std::int32_t statusWrongPassword = 5;
 
+// What the user is told about any other status.
+inline constexpr char exchangeFailed[] = "A problem occured communicating with the server";
+
 // What the user is told about a status.
 struct StatusMessage {
   std::int32_t status;

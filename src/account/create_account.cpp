@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "account/account_exchange.h"
-#include "core/service_manager.h"
+#include "account/service_manager.h"
 #include "resources/resource_ids.h"
 #include "storage/desktop.h"
 #include "ui/dialog.h"

@@ -1,8 +1,6 @@
 #include "account/credentials.h"
 
 #include "base/ascii.h"
-#include "core/service_manager.h"
-#include "storage/settings_file.h"
 
 namespace nvsupport {
 namespace {
@@ -12,12 +10,6 @@ constexpr std::string_view codedCharacters = "0123456789abcdefghijklmnopqrstuvwx
 // 0 for a character that does not count.
 std::uint8_t CodeOf(char c) {
   return static_cast<std::uint8_t>(codedCharacters.find(base::ToLower(c)) + 1);
-}
-
-std::string HexDigits(const Credential& bytes) {
-  std::string digits;
-  for (const std::uint8_t byte : bytes) base::AppendHexByte(digits, byte);
-  return digits;
 }
 
 }  // namespace
@@ -48,15 +40,6 @@ Credential MaskCredential(const Credential& bytes) {
   Credential result = bytes;
   for (std::size_t at = 0; at < result.size(); ++at) result[at] ^= credentialMask[at];
   return result;
-}
-
-void CVServiceManager::SaveProfile() const {
-  const std::string path = GetSettingsPath();
-  if (!HasFolder(path)) return;
-  CSettingsFile settings;
-  settings.SetText("UserID", m_userId);
-  if (m_savePassword) settings.SetText("Passwd", HexDigits(MaskCredential(EncodeCredential(m_password.view()))));
-  settings.Save(path);
 }
 
 }  // namespace nvsupport

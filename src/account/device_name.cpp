@@ -1,6 +1,6 @@
 // The computer's name at the account service: the dialog that asks for it, and operation 9 that stores it.
 #include "account/account_exchange.h"
-#include "core/service_manager.h"
+#include "account/service_manager.h"
 #include "resources/resource_ids.h"
 #include "storage/desktop.h"
 #include "ui/dialog.h"
@@ -11,7 +11,6 @@ namespace {
 
 constexpr std::int32_t operation = 9;
 
-constexpr char exchangeFailed[] = "A problem occured communicating with the server";
 constexpr StatusMessage refusals[] = {
     {statusWrongUserId, "The User ID is not correct"},
     {statusWrongPassword, "The Password is not correct"},

@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "account/account_exchange.h"
-#include "core/service_manager.h"
+#include "account/service_manager.h"
 #include "nvsupport/nvsupport.h"
 
 namespace nvsupport {

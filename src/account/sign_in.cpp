@@ -1,6 +1,6 @@
 // Sign-in: the dialog that asks for user ID and password, and operation 8 that proves them to the account service.
 #include "account/account_exchange.h"
-#include "core/service_manager.h"
+#include "account/service_manager.h"
 #include "resources/resource_ids.h"
 #include "storage/desktop.h"
 #include "ui/dialog.h"
@@ -16,7 +16,6 @@ constexpr std::int32_t stateComputerUnnamed = 1;
 constexpr char forgotPage[] = "https://" NV_SERVICE_HOST "/forgot.htm";
 
 constexpr char credentialMissing[] = "You must provide a user name and password to access your account.";
-constexpr char exchangeFailed[] = "A problem occured communicating with the server";
 constexpr StatusMessage refusals[] = {
     {statusWrongUserId,
      "The User ID is not correct. If you have lost your ID, click the \"I Forgot\" button. Do not create more than "

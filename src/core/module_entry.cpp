@@ -1,7 +1,7 @@
 // What happens when the platform loads and unloads the module.
 #include <exception>
 
-#include "core/service_manager.h"
+#include "account/service_manager.h"
 #include "language/translation_catalogue.h"
 #include "platform/platform.h"
 #include "ui/dialog.h"

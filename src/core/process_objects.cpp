@@ -1,6 +1,6 @@
 // All process-wide objects, in the order in which they come to life; they go in the reverse order. Their
 // declarations stand in the headers of their owners.
-#include "core/service_manager.h"
+#include "account/service_manager.h"
 #include "language/translation_catalogue.h"
 #include "platform/platform.h"
 #include "ui/dialog.h"

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/service_manager.h"
+#include "account/service_manager.h"
 #include "nvsupport/nvsupport.h"
 #include "resources/resource_ids.h"
 #include "support/played_user.h"

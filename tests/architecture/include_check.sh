@@ -15,8 +15,6 @@ platform/.* > base/.*
 mapshop/.* > wire/.*
 account/.* > resources/.*
 core/.* > (webfile|account)/.*
-# The session class is declared in core, and its account operations are defined in account.
-account/(create_account|credentials|device_name|session_token|sign_in)\.cpp > core/service_manager\.h
 # An exchange shows the wait cursor while it waits.
 wire/web_binary_cgi\.cpp > ui/busy_cursor\.h'
 rules=$(grep '>' <<<"$rules")

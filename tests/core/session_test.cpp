@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "core/service_manager.h"
+#include "account/service_manager.h"
 #include "nvsupport/nvsupport.h"
 #include "support/run_program.h"
 #include "support/temporary_home.h"

@@ -15,7 +15,7 @@
 #include <map>
 #include <memory>
 
-#include "core/service_manager.h"
+#include "account/service_manager.h"
 #include "language/translation_catalogue.h"
 #include "platform/linux/windowing/display_selection.h"
 #include "resources/resource_ids.h"

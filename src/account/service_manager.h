@@ -1,6 +1,6 @@
 // The session object: the signed-in user on this computer for one product, and the account operations on it.
-#ifndef NVSUPPORT_CORE_SERVICE_MANAGER_H
-#define NVSUPPORT_CORE_SERVICE_MANAGER_H
+#ifndef NVSUPPORT_ACCOUNT_SERVICE_MANAGER_H
+#define NVSUPPORT_ACCOUNT_SERVICE_MANAGER_H
 
 #include <cstdint>
 #include <string>
@@ -39,9 +39,6 @@ class CVServiceManager {
  protected:
   // Starts with what was saved for the product.
   CVServiceManager(const std::string& productName, std::uint32_t platform, std::uint32_t deviceId);
-  // False where the platform gives no folder for the settings: then nothing is read, and nothing is written in the
-  // root.
-  static bool HasFolder(const std::string& settingsPath);
 
   std::uint32_t m_platform;  // platform code that computers are registered with
   std::string m_userId;

@@ -1,8 +1,9 @@
-#include "core/service_manager.h"
+#include "account/service_manager.h"
 
 #include <utility>
 
 #include "account/credentials.h"
+#include "base/ascii.h"
 #include "nvsupport/nvsupport.h"
 #include "storage/files.h"
 #include "storage/settings_file.h"
@@ -13,7 +14,23 @@ namespace {
 constexpr std::uint32_t personalComputer = 0x10000000;
 constexpr DWORD maxComputerName = 256;
 
+// The keys of settings.ini.
+constexpr char userIdKey[] = "UserID";
+constexpr char passwordKey[] = "Passwd";
+
 CVServiceManager* sessionInUse = nullptr;  // by the account operation that runs
+
+// False where the platform gives no folder for the settings: then nothing is read, and nothing is written in the
+// root.
+bool HasFolder(const std::string& settingsPath) {
+  return !GetFolderOf(settingsPath).empty();
+}
+
+std::string HexDigits(const Credential& bytes) {
+  std::string digits;
+  for (const std::uint8_t byte : bytes) base::AppendHexByte(digits, byte);
+  return digits;
+}
 
 }  // namespace
 
@@ -22,15 +39,20 @@ CVServiceManager::CVServiceManager(const std::string& productName, std::uint32_t
   const std::string path = GetSettingsPath();
   CSettingsFile settings;
   if (!HasFolder(path) || !settings.Load(path)) return;
-  m_userId = settings.GetText("UserID");
-  if (!settings.HasValue("Passwd")) return;
+  m_userId = settings.GetText(userIdKey);
+  if (!settings.HasValue(passwordKey)) return;
   Credential masked = credentialMask;  // bytes that the file does not give stand for no character
-  settings.GetHex("Passwd", masked);
+  settings.GetHex(passwordKey, masked);
   m_password = DecodeCredential(masked);
 }
 
-bool CVServiceManager::HasFolder(const std::string& settingsPath) {
-  return !GetFolderOf(settingsPath).empty();
+void CVServiceManager::SaveProfile() const {
+  const std::string path = GetSettingsPath();
+  if (!HasFolder(path)) return;
+  CSettingsFile settings;
+  settings.SetText(userIdKey, m_userId);
+  if (m_savePassword) settings.SetText(passwordKey, HexDigits(MaskCredential(EncodeCredential(m_password.view()))));
+  settings.Save(path);
 }
 
 std::string CVServiceManager::GetSettingsPath() const {
