@@ -17,7 +17,7 @@ check_format() {
 
 build_release() {
   cmake --preset release >/dev/null
-  cmake --build --preset release --target programs nvsupport-bench
+  cmake --build --preset release
   scripts/check-exports.sh build/release/nvsupport.so
 }
 
@@ -37,12 +37,12 @@ test_all() {
 readonly steps=(
   "format check_format"                # every source as clang-format leaves it
   "lint scripts/lint.sh --fast"        # clang-tidy, where it is fast
-  "release build_release"              # optimised build of all programs, with the module's exports
+  "release build_release"              # optimised build of everything, with the module's exports
   "windows scripts/test_windows.sh"    # cross build of the DLL, and the trial of it in Wine
   "bare scripts/check-bare.sh"         # the module alone, and what its build asks for
   "documents scripts/check-docs.sh"    # spelling, links, and manuals against the programs
   "install scripts/test_install.sh"    # an installation, with hosts built against it
-  "packages scripts/test_packages.sh"  # the Debian packages, tried in a root of their own
+  "packages scripts/test_packages.sh"  # the Debian packages, made twice and tried in a root of their own
   "threads test_threads"               # what has threads, under ThreadSanitizer
   "tests test_all"                     # every test, under AddressSanitizer and UndefinedBehaviorSanitizer
   "fuzz scripts/fuzz.sh"               # every fuzz target, five seconds each

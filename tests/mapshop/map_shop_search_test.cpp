@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <limits>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "map_shop_reply.h"
@@ -72,7 +73,7 @@ TEST(MapShopSearch, AsksNobodyAboutAnAreaOutOfRange) {
 }
 
 TEST(MapShopSearch, MarksPackagesByTheSuffixOfTheirFileAndCutsTexts) {
-  const auto title = [](std::size_t length) { return std::string(length, 'T'); };
+  const auto text = [](std::size_t length, std::string_view end = {}) { return std::string(length, 'T').append(end); };
   const struct {
     std::string file, title, shown;
   } cases[] = {
@@ -80,14 +81,14 @@ TEST(MapShopSearch, MarksPackagesByTheSuffixOfTheirFileAndCutsTexts) {
       {"nvpkg", "Sea", "Sea"},
       {"folder/a.NvPkG", "Sea", "Package: Sea"},
       {"a-nvpkg", "Sea", "Sea"},
-      {"a.nvpkg", title(190), "Package: " + title(190)},
-      {"a.nvpkg", title(191), "Package: " + title(190)},
-      {"a.map", title(2000), title(199)},
-      {"a.map", title(196) + "\u20ac", title(196) + "\u20ac"},
-      {"a.map", title(198) + "\u20ac", title(198)},
-      {"a.map", title(198) + "\xff\u00e9", title(198) + "\xff"},
-      {std::string(993, 'f') + ".nvpkg", "Sea", "Package: Sea"},
-      {std::string(994, 'f') + ".nvpkg", "Sea", "Sea"},
+      {"a.nvpkg", text(190), "Package: " + text(190)},
+      {"a.nvpkg", text(191), "Package: " + text(190)},
+      {"a.map", text(2000), text(199)},
+      {"a.map", text(196, "\u20ac"), text(196, "\u20ac")},
+      {"a.map", text(198, "\u20ac"), text(198)},
+      {"a.map", text(198, "\xff\u00e9"), text(198, "\xff")},
+      {text(993, ".nvpkg"), "Sea", "Package: Sea"},
+      {text(994, ".nvpkg"), "Sea", "Sea"},
   };
   for (const auto& row : cases) {
     const ScriptedServer service(HttpReply(200, ReplyWith({{row.title, 0, row.file, row.file, 0}}, 0)),
