@@ -1,6 +1,21 @@
 # A root of Debian's base alone, for scripts that source this file and try something on a machine with nothing else.
-# Needs root and the package mmdebstrap.
-readonly release=bookworm
+# Needs root and the package mmdebstrap. The caller may set `release`; else it is this machine's own.
+this_release=$(. /etc/os-release && echo "$VERSION_CODENAME")
+: "${release:=$this_release}"
+
+# Ends a script that this machine gives no right to go on; scripts/test.sh shows the reason.
+skip() {
+  echo "skipped: $*"
+  mkdir -p build
+  echo "$*" >build/left_out
+  exit 77
+}
+
+# Ends a script that cannot have a root of its own.
+needs_own_root() {
+  ((EUID == 0)) || skip "what needs a root of its own: this is not the user root"
+  unshare --mount --pid --fork true 2>/dev/null || skip "what needs a root of its own: no mounts of one's own are allowed here"
+}
 
 # Runs a command that sees its own mounts and processes; they end with it, and nothing but files is left to remove.
 apart_pid=
@@ -18,16 +33,16 @@ make_work() {
   trap 'exit 143' TERM
 }
 
-# make_root FOLDER PACKAGES: packages separated by commas, beside Debian's base.
+# make_root FOLDER PACKAGES [OPTION...]: packages separated by commas, beside Debian's base; options are mmdebstrap's.
 make_root() {
   local mirror
-  ((EUID == 0)) || { echo "only root makes such a root" >&2; exit 1; }
+  needs_own_root
   command -v mmdebstrap >/dev/null || { echo "mmdebstrap is missing" >&2; exit 1; }
-  mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' "Codename: $release" | head -1)
-  [[ -n $mirror ]] || { echo "the package sources of this machine name no $release" >&2; exit 1; }
-  printf '== A bare root from %s\n' "$mirror"
-  apart mmdebstrap --mode=root --variant=minbase --skip=cleanup/apt/lists --include="$2" "$release" "$1" "$mirror" \
-    >"$1.log" 2>&1 ||
+  mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' "Codename: $this_release" | head -1)
+  [[ -n $mirror ]] || { echo "the package sources of this machine name no $this_release" >&2; exit 1; }
+  printf '== A bare root of %s from %s\n' "$release" "$mirror"
+  apart mmdebstrap --mode=root --variant=minbase --skip=cleanup/apt/lists --dpkgopt=force-unsafe-io --include="$2" \
+    "${@:3}" "$release" "$1" "$mirror" >"$1.log" 2>&1 ||
     { tail -20 "$1.log" >&2; exit 1; }
   # A package that is installed there starts no service here.
   printf '#!/bin/sh\nexit 101\n' >"$1/usr/sbin/policy-rc.d"

@@ -13,8 +13,8 @@ readonly build_packages=(
   fcgiwrap fonts-dejavu-core lighttpd lighttpd-mod-openssl openssl xdotool xvfb
 )
 readonly test_packages=(
-  ccache clang clang-format clang-tidy codespell curl dpkg-dev file g++-mingw-w64-i686 g++-mingw-w64-x86-64
-  iproute2 libclang-rt-14-dev lintian locales mmdebstrap nginx openbox postgresql python3 wine wine64 xxd
+  ccache clang clang-format clang-tidy codespell curl debhelper dpkg-dev file g++-mingw-w64-i686 g++-mingw-w64-x86-64
+  iproute2 libclang-rt-dev lintian locales mmdebstrap nginx openbox postgresql python3 wine wine64 xxd
   fonts-cantarell fonts-liberation fonts-noto-cjk fonts-noto-core qt6-translations-l10n x11-xserver-utils
 )
 

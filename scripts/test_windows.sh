@@ -25,7 +25,7 @@ if [[ ${1:-} != in-own-network ]]; then
   cmake --build --preset release --target svcapp svcuser mapstore2
   own_network=(unshare --map-current-user --keep-caps --net --mount)
   "${own_network[@]}" true 2>/dev/null && exec "${own_network[@]}" scripts/test_windows.sh in-own-network
-  echo "This machine allows no network of one's own: what needs the service is left out."
+  echo "what needs the service: no network of one's own is allowed here" | tee build/left_out
 fi
 readonly network=${1:-}
 

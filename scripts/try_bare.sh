@@ -3,10 +3,12 @@
 # temporary folder, clones what is committed here into it, runs them there and removes it. Needs root and the packages
 # mmdebstrap and git.
 #
-# try_bare.sh                the commands of the README (half an hour on two cores)
-# try_bare.sh COMMAND...     this command instead, in the clone, for example `scripts/install-packages.sh test`
+# try_bare.sh [RELEASE]              the commands of the README (half an hour on two cores), on bookworm, trixie or what
+#                                    this machine has
+# try_bare.sh [RELEASE] COMMAND...   this command instead, in the clone, for example `scripts/install-packages.sh test`
 set -euo pipefail
 cd "$(dirname "$0")/.."
+case ${1:-} in bookworm | trixie) release=$1 && shift ;; esac
 source scripts/bare_root.sh
 
 make_work
