@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Plants what the include check must see, one after the other, in a copy of the tree.
-# usage: include_check_trial.sh SOURCE_FOLDER
+# usage: check_includes_test.sh SOURCE_FOLDER
 set -euo pipefail
 copy=$(mktemp -d)
 trap 'rm -r "$copy"' EXIT
@@ -10,7 +10,7 @@ cp -r "$1/src" "$1/include" "$copy"
 while IFS=';' read -r file line complaint; do
   cp "$1/docs/architecture.md" "$copy/docs"
   sed -i "1i $line" "$copy/$file"
-  if found=$("${0%_trial.sh}.sh" "$copy") || [[ $found != *"$complaint"* ]]; then
+  if found=$("$1/scripts/check-includes.sh" "$copy") || [[ $found != *"$complaint"* ]]; then
     echo "not seen in $file: $line" >&2
     exit 1
   fi

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Prints every include of src/ that the table of docs/architecture.md does not allow, and all that the table allows and
 # nothing needs.
-# usage: include_check.sh SOURCE_FOLDER
+# usage: scripts/check-includes.sh SOURCE_FOLDER
 set -euo pipefail
 cd "$1"
 
