@@ -14,7 +14,7 @@ void Attach(HINSTANCE module) {
   g_moduleHandle = module;
   try {
     translations.Init(module);
-    SetMessageCaption(Translate("Account Manager"));
+    SetMessageCaption(std::string(Translate("Account Manager")));
   } catch (const std::exception&) {
     // Out of memory: the texts that are there stay in force, and loading goes on.
   }

@@ -33,23 +33,23 @@ std::optional<char> EscapedCharacter(char escape) {
 }
 
 // Undoes the mark at the front of a text; returns how many characters it takes up.
-std::size_t TakeMark(std::string_view text, std::string& plain) {
+std::size_t TakeMark(std::string_view text, char*& plain) {
   const bool last = text.size() == 1;
   if (text[0] == '\r') return 1;
   if (text[0] == '"') {
     // Two quotes of a quoted cell are one quote of its text; a quote alone encloses the cell.
     if (last || text[1] != '"') return 1;
-    plain += '"';
+    *plain++ = '"';
     return 2;
   }
   if (last) {
-    plain += '\\';
+    *plain++ = '\\';
     return 1;
   }
   if (const std::optional<char> escaped = EscapedCharacter(text[1])) {
-    plain += *escaped;
+    *plain++ = *escaped;
   } else {
-    plain += text.substr(0, 2);
+    plain = std::copy_n(text.begin(), 2, plain);
   }
   return 2;
 }
@@ -120,12 +120,16 @@ bool CatalogueReader::TakeColumn(std::size_t end, std::string& column) {
 }
 
 std::string UnescapeCatalogueText(std::string_view text) {
-  std::string plain;
-  plain.reserve(text.size());
+  std::string plain(text.size(), '\0');
+  plain.resize(static_cast<std::size_t>(UnescapeCatalogueText(text, plain.data()) - plain.data()));
+  return plain;
+}
+
+char* UnescapeCatalogueText(std::string_view text, char* plain) {
   while (true) {
     // Texts are long and marks are few, so what lies between them is copied in one piece.
     const auto mark = std::find_if(text.begin(), text.end(), isMark);
-    plain.append(text.begin(), mark);
+    plain = std::copy(text.begin(), mark, plain);
     if (mark == text.end()) return plain;
     text.remove_prefix(static_cast<std::size_t>(mark - text.begin()));
     text.remove_prefix(TakeMark(text, plain));

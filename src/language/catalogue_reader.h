@@ -58,6 +58,8 @@ class CatalogueReader {
 
 // Undoes the quotes and escapes of a column.
 std::string UnescapeCatalogueText(std::string_view text);
+// The same, to a place that has room for the text as it stands; returns where the plain text, never longer, ends.
+char* UnescapeCatalogueText(std::string_view text, char* plain);
 
 }  // namespace nvsupport
 

@@ -47,8 +47,7 @@ void CTranslationCatalogue::WriteMissFile() {
     if (!file) return;
     std::fwrite(bytes.data(), 1, bytes.size(), file.get());
   }
-  misses.clear();
-  entries.clear();
+  Clear();
 }
 
 }  // namespace nvsupport

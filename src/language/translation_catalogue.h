@@ -3,9 +3,11 @@
 #ifndef NVSUPPORT_LANGUAGE_TRANSLATION_CATALOGUE_H
 #define NVSUPPORT_LANGUAGE_TRANSLATION_CATALOGUE_H
 
-#include <map>
+#include <cstdint>
 #include <set>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "platform/platform.h"
 
@@ -29,7 +31,7 @@ class CTranslationCatalogue {
 
   // The text to show for an English source text; the same text, noted as a miss, when there is no entry. Valid until
   // the next load or the unload.
-  const std::string& Translate(const std::string& text);
+  std::string_view Translate(const std::string& text);
 
   // Empty if the module's path cannot be read.
   std::string GetCatalogueFileName(const std::string& name) const;
@@ -40,11 +42,24 @@ class CTranslationCatalogue {
   void WriteMissFile();
 
  private:
+  // A source text and, right behind it, its translation.
+  struct Entry {
+    std::string_view Source() const { return {text, sourceSize}; }
+    std::string_view Translation() const { return {text + sourceSize, translationSize}; }
+
+    const char* text;
+    std::uint32_t sourceSize;
+    std::uint32_t translationSize;
+  };
+
+  // Empties the catalogue.
+  void Clear();
   // Empty if the platform does not give the path or it has more than 259 characters.
   std::string GetModulePath() const;
 
   std::string language;
-  std::map<std::string, std::string> entries;
+  std::string texts;           // of all entries
+  std::vector<Entry> entries;  // in byte order of their sources, each there once
   std::set<std::string> misses;
   HINSTANCE module = nullptr;
 };
@@ -53,7 +68,7 @@ class CTranslationCatalogue {
 extern CTranslationCatalogue translations;
 
 // Translate of the process-wide catalogue.
-const std::string& Translate(const std::string& text);
+std::string_view Translate(const std::string& text);
 
 // Translate of a printf format. A translation whose conversions differ from the source's is not used, so no
 // catalogue can make formatting read arguments that are not there.

@@ -18,7 +18,7 @@ const unsigned char* MultibyteText(const char* text) {
 BOOL CALLBACK TranslateWindowText(HWND window, LPARAM) {
   char text[windowTextSize];
   if (GetWindowTextA(window, text, windowTextSize) <= 0) return 1;
-  const std::string translated = Translate(text);
+  const std::string translated(Translate(text));
   if (_mbscmp(MultibyteText(text), MultibyteText(translated.c_str())) != 0) SetWindowTextA(window, translated.c_str());
   return 1;
 }

@@ -10,7 +10,7 @@ void SetMessageCaption(const std::string& text) {
 }
 
 int ShowMessage(HWND parent, UINT type, const std::string& text) {
-  return MessageBoxA(parent, Translate(text).c_str(), messageCaption.c_str(), type);
+  return MessageBoxA(parent, std::string(Translate(text)).c_str(), messageCaption.c_str(), type);
 }
 
 int ShowMessageFormat(HWND parent, UINT type, const char* format, ...) {

@@ -146,7 +146,7 @@ TEST_F(DialogLooks, AreWholeInEveryFontStyleAndLanguage) {
   for (const std::string language : {"English", "Deutsch", "Francais", "Nederlands"}) {
     const std::string texts = NV_SOURCE_FOLDER "/src/resources/catalogues/nvsupport." + language + ".txt";
     EXPECT_EQ(translations.LoadCatalogueFile(texts), language != "English") << texts;
-    SetMessageCaption(Translate("Account Manager"));
+    SetMessageCaption(std::string(Translate("Account Manager")));
     for (const char* family : {"DejaVu Sans", "Noto Sans", "Cantarell", "Liberation Sans", "Noto Sans CJK JP"}) {
       EXPECT_TRUE(QFontDatabase::hasFamily(QString::fromLatin1(family))) << family << " is not installed";
       for (const int points : {9, 11, 15}) {

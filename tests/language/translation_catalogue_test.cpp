@@ -3,6 +3,8 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include "support/played_user.h"
 #include "support/temporary_home.h"
 
@@ -58,6 +60,22 @@ TEST_F(Catalogue, ChangesOverOnlyToALanguageThatHasEntries) {
   ASSERT_TRUE(catalogue->LoadCatalogueFile(catalogue->GetCatalogueFileName("Deutsch")));
   EXPECT_TRUE(catalogue->SetLanguage("English"));
   EXPECT_EQ(catalogue->Translate("Yes"), "Yes") << "English needs no file and keeps nothing of another";
+}
+
+TEST_F(Catalogue, FindsEachTextOfAFileInAnyOrder) {
+  WriteLanguage("Deutsch", "b\t1\n\\ta\\n\t\"say \"\"2\"\"\"\r\nB\t3\nb\t4\nno tab\nba\t5\n\"\t6\nb\t7\nlast\t8");
+  ASSERT_TRUE(catalogue->SetLanguage("Deutsch"));
+  for (const auto& [source, translation] : std::map<std::string, std::string>{{"b", "7"},
+                                                                              {"\ta\n", "say \"2\""},
+                                                                              {"B", "3"},
+                                                                              {"ba", "5"},
+                                                                              {"", "6"},
+                                                                              {"last", "8"},
+                                                                              {"no tab", "no tab"},
+                                                                              {"a", "a"},
+                                                                              {"z", "z"}}) {
+    EXPECT_EQ(catalogue->Translate(source), translation) << source;
+  }
 }
 
 TEST_F(Catalogue, TakesTheLanguageOfTheUserBeforeTheInstallers) {
