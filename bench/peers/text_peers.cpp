@@ -1,9 +1,13 @@
 // The jobs of text_bench.cpp done by GNU gettext, std::map, GLib and protobuf, on the same files.
 #include <glib.h>
+#include <google/protobuf/io/coded_stream.h>
+#include <google/protobuf/io/zero_copy_stream_impl_lite.h>
+#include <google/protobuf/wire_format_lite.h>
 #include <libintl.h>
 
 #include <clocale>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -15,6 +19,7 @@ namespace nvsupport::bench {
 namespace {
 
 namespace fs = std::filesystem;
+using google::protobuf::internal::WireFormatLite;
 
 std::string Catalogue(std::int64_t size) {
   return DataFile("catalogue-" + std::to_string(size) + ".txt");
@@ -108,21 +113,52 @@ void KeyFileSave(benchmark::State& state, std::int64_t size) {
   g_key_file_free(keys);
 }
 
+std::vector<std::string> Texts() {
+  return LinesOf(DataFile("strings.txt"));
+}
+
 peers::Strings Message() {
   peers::Strings message;
-  for (const std::string& line : LinesOf(DataFile("strings.txt"))) message.add_texts(line);
+  for (const std::string& text : Texts()) message.add_texts(text);
   return message;
 }
 
-void ProtobufWrite(benchmark::State& state) {
-  const peers::Strings source = Message();
+// Straight from the texts into a body that is kept, tag and length before each.
+void CodedStreamWrite(benchmark::State& state) {
+  const std::vector<std::string> texts = Texts();
   std::string bytes;
   for (auto _ : state) {
     for (int i = 0; i < 1000; ++i) {
-      peers::Strings message;  // filled anew each time, as the library writes from texts of its caller
-      for (const std::string& text : source.texts()) message.add_texts(text);
-      message.SerializeToString(&bytes);
+      bytes.clear();
+      google::protobuf::io::StringOutputStream stream(&bytes);
+      google::protobuf::io::CodedOutputStream coded(&stream);
+      for (const std::string& text : texts) WireFormatLite::WriteBytes(peers::Strings::kTextsFieldNumber, text, &coded);
     }
+    benchmark::DoNotOptimize(bytes.data());
+  }
+}
+
+// The bytes of the library's own encoding, put down by a loop in a body that is kept.
+void LoopWrite(benchmark::State& state) {
+  const std::vector<std::string> texts = Texts();
+  std::vector<char> bytes;
+  for (auto _ : state) {
+    for (int i = 0; i < 1000; ++i) {
+      bytes.clear();
+      for (const std::string& text : texts) {
+        const auto length = static_cast<std::uint32_t>(text.size());
+        const std::size_t start = bytes.size();
+        bytes.resize(start + sizeof length + 2 * text.size());
+        char* to = bytes.data() + start;
+        std::memcpy(to, &length, sizeof length);
+        to += sizeof length;
+        for (const char character : text) {
+          *to++ = character;
+          *to++ = static_cast<signed char>(character) < 0 ? '\xFF' : '\0';
+        }
+      }
+    }
+    benchmark::DoNotOptimize(bytes.data());
   }
 }
 
@@ -136,7 +172,8 @@ void ProtobufRead(benchmark::State& state) {
   }
 }
 
-BENCHMARK(ProtobufWrite)->Name("write_string:protobuf")->Unit(benchmark::kMillisecond);
+BENCHMARK(LoopWrite)->Name("write_string:loop")->Unit(benchmark::kMillisecond);
+BENCHMARK(CodedStreamWrite)->Name("write_string:protobuf coded stream")->Unit(benchmark::kMillisecond);
 BENCHMARK(ProtobufRead)->Name("read_string:protobuf")->Unit(benchmark::kMillisecond);
 
 [[maybe_unused]] const bool registered = [] {

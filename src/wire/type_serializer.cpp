@@ -31,19 +31,33 @@ void CTypeSerializer::WriteBlock(const void* data, std::int32_t size) {
 }
 
 void CTypeSerializer::WriteString(std::string_view text) {
-  WriteValue(static_cast<std::uint32_t>(text.size()));
-  std::array<char16_t, 256> units;
-  for (std::string_view rest = text; !rest.empty();) {
-    const std::string_view piece = rest.substr(0, units.size());
-    rest.remove_prefix(piece.size());
-    // Widened with its sign, whatever the sign of char is here.
-    const auto widen = [](char character) { return static_cast<char16_t>(static_cast<signed char>(character)); };
-    std::transform(piece.begin(), piece.end(), units.begin(), widen);
-    const void* const bytes = wide != 0 ? static_cast<const void*>(units.data()) : piece.data();
-    WriteBlock(bytes, static_cast<std::int32_t>(piece.size() * UnitSize()));
-  }
+  // The length and the text leave in one Write, the rest of a long text in more.
+  std::array<char, 512> piece;
+  const auto length = static_cast<std::uint32_t>(text.size());
+  std::memcpy(piece.data(), &length, sizeof length);
+  std::size_t used = sizeof length;
+  std::size_t wipe = 0;
+  do {
+    const std::string_view part = text.substr(0, (piece.size() - used) / UnitSize());
+    text.remove_prefix(part.size());
+    used += Encode(part, piece.data() + used);
+    WriteBlock(piece.data(), static_cast<std::int32_t>(used));
+    wipe = std::max(wipe, used);
+    used = 0;
+  } while (!text.empty());
   // The text may be a secret, which must not stay behind on the stack.
-  std::fill_n(static_cast<volatile char16_t*>(units.data()), std::min(text.size(), units.size()), u'\0');
+  SecureZeroMemory(piece.data(), wipe);
+}
+
+std::size_t CTypeSerializer::Encode(std::string_view text, char* to) const {
+  if (wide == 0) return text.copy(to, text.size());
+  for (const char character : text) {
+    // Widened with its sign, whatever the sign of char is here.
+    const auto unit = static_cast<std::uint16_t>(static_cast<signed char>(character));
+    std::memcpy(to, &unit, sizeof unit);
+    to += sizeof unit;
+  }
+  return text.size() * sizeof(std::uint16_t);
 }
 
 void CTypeSerializer::ReadValue(std::int32_t& value) {

@@ -57,6 +57,8 @@ class CTypeSerializer {
 
  private:
   std::uint32_t UnitSize() const { return wide != 0 ? 2 : 1; }
+  // Puts down the units of a text; returns the bytes that they take up.
+  std::size_t Encode(std::string_view text, char* to) const;
   // Appends the units that were read ahead, up to the length of the text.
   void AppendReadAhead(std::string& text, std::size_t length);
 };
