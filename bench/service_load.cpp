@@ -2,10 +2,10 @@
 // A request whose process is killed is sent again, as a client would. Afterwards nothing that was acknowledged may be
 // missing, and nothing half done may be there. scripts/service_load.sh is the command for it.
 //
-// nvservice-load SERVER-PID REQUESTS AT-A-TIME KILL-EACH
+// nvservice-load SERVER-PID REQUESTS AT-A-TIME KILLS
 //
-// KILL-EACH n kills one in n of the CGI processes in the middle of its work, 0 none. The environment is that of
-// "service.sh env", and NV_SERVICE_DATABASE.
+// KILLS is how many processes of the pools are killed in a second, in the middle of their work. The environment is that
+// of "service.sh env", and NV_SERVICE_DATABASE.
 #include <curl/curl.h>
 #include <signal.h>
 
@@ -36,10 +36,11 @@ using Clock = std::chrono::steady_clock;
 const std::string host = NV_SERVICE_HOST;
 constexpr long clientPatience = 60;  // seconds that a client waits
 
-// The processes of the service: looks at them every few milliseconds, and kills some.
+// The processes of the service, children of those that the web server starts: looks at them every few milliseconds, and
+// kills one now and then.
 class Watch {
  public:
-  Watch(pid_t serverPid, int killEach) : server(serverPid), each(killEach) {}
+  Watch(pid_t serverPid, int killsInASecond) : server(serverPid), kills(killsInASecond) {}
 
   void Start() {
     mostProcesses = 0;
@@ -50,7 +51,7 @@ class Watch {
   }
   void Stop() { thread = {}; }
 
-  int mostProcesses = 0;  // of CGI programs
+  int mostProcesses = 0;
   double mostMebibytes = 0;
 
  private:
@@ -73,33 +74,27 @@ class Watch {
 
   void Look() {
     double mebibytes = Mebibytes(server);
-    std::map<pid_t, Clock::time_point> present;
-    for (const pid_t worker : Children(server)) {
-      mebibytes += Mebibytes(worker);
-      for (const pid_t program : Children(worker)) {
-        mebibytes += Mebibytes(program);
-        const auto known = killAt.find(program);
-        present[program] = known == killAt.end() ? WhenToKill() : known->second;
-        if (Clock::now() >= present[program]) kill(program, SIGKILL);
+    std::vector<pid_t> processes;
+    for (const pid_t pool : Children(server)) {
+      mebibytes += Mebibytes(pool);
+      for (const pid_t process : Children(pool)) {
+        mebibytes += Mebibytes(process);
+        processes.push_back(process);
       }
     }
-    killAt = present;
-    mostProcesses = std::max(mostProcesses, static_cast<int>(present.size()));
+    mostProcesses = std::max(mostProcesses, static_cast<int>(processes.size()));
     mostMebibytes = std::max(mostMebibytes, mebibytes);
+    if (kills > 0 && !processes.empty() && Clock::now() >= nextKill) {
+      kill(processes[std::uniform_int_distribution<std::size_t>(0, processes.size() - 1)(random)], SIGKILL);
+      nextKill = Clock::now() + std::chrono::microseconds(1'000'000 / kills);
+    }
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
   }
 
-  // For a process that is seen for the first time.
-  Clock::time_point WhenToKill() {
-    if (each == 0 || ++seen % each != 0) return Clock::time_point::max();
-    return Clock::now() + std::chrono::milliseconds(std::uniform_int_distribution(0, 60)(random));
-  }
-
   const pid_t server;
-  const int each;
-  int seen = 0;
+  const int kills;
   std::mt19937 random{1};
-  std::map<pid_t, Clock::time_point> killAt;
+  Clock::time_point nextKill;
   std::jthread thread;
 };
 
@@ -277,7 +272,7 @@ bool Run(int requests, int atATime, Watch& watch) {
 
 int main(int argc, char** argv) {
   if (argc != 5) {
-    std::fputs("usage: nvservice-load SERVER-PID REQUESTS AT-A-TIME KILL-EACH\n", stderr);
+    std::fputs("usage: nvservice-load SERVER-PID REQUESTS AT-A-TIME KILLS\n", stderr);
     return 2;
   }
   curl_global_init(CURL_GLOBAL_DEFAULT);

@@ -46,11 +46,11 @@ if(TARGET nvhost AND TARGET nvcatalogue)
   nv_package(tools nvsupport-tools "tools" "This package holds the example host for the command line and the translators'\ntool."
              PACKAGE_DEPENDS "libnvsupport1 ${same}" PACKAGE_RECOMMENDS "libnvsupport1-qt ${same}" PACKAGE_SECTION utils)
 endif()
-# The programs run behind any web server that knows CGI, so none is required; those of the guide come along unless they
+# The programs run behind any web server that knows FastCGI or CGI, so none is required; those of the guide come along unless they
 # are refused. libpq is for a PostgreSQL address alone.
 if(TARGET svcapp)
   nv_package(service nvsupport-service "account and map shop service"
-             "This package holds the CGI programs of the service, its pages, and what runs\nthem behind lighttpd or nginx."
-             PACKAGE_RECOMMENDS "fcgiwrap, lighttpd-mod-openssl | nginx" PACKAGE_SUGGESTS libpq5 PACKAGE_SECTION web)
+             "This package holds the programs of the service, its pages, and what runs them\nbehind lighttpd or nginx."
+             PACKAGE_RECOMMENDS "lighttpd-mod-openssl | nginx" PACKAGE_SUGGESTS libpq5 PACKAGE_SECTION web)
 endif()
 include(CPack)

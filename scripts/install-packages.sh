@@ -7,14 +7,14 @@ set -euo pipefail
 
 readonly build_packages=(
   ca-certificates cmake g++ llvm ninja-build pkg-config
-  libbenchmark-dev libcli11-dev libcurl4-openssl-dev libgtest-dev libpq-dev libsodium-dev libsqlite3-dev libssl-dev
-  nlohmann-json3-dev
+  libbenchmark-dev libcli11-dev libcurl4-openssl-dev libfcgi-dev libgtest-dev libpq-dev libsodium-dev libsqlite3-dev
+  libssl-dev nlohmann-json3-dev
   libx11-dev libxcb-cursor-dev libxcb-xfixes0-dev libxcb1-dev qt6-base-dev
-  fcgiwrap fonts-dejavu-core lighttpd lighttpd-mod-openssl openssl xdotool xvfb
+  fonts-dejavu-core lighttpd lighttpd-mod-openssl openssl xdotool xvfb
 )
 readonly test_packages=(
   ccache clang clang-format clang-tidy codespell curl debhelper dpkg-dev file g++-mingw-w64-i686 g++-mingw-w64-x86-64
-  iproute2 libclang-rt-dev lintian locales mmdebstrap nginx openbox postgresql python3 wine wine64 xxd
+  iproute2 libclang-rt-dev lintian locales mmdebstrap nginx openbox postgresql python3 spawn-fcgi wine wine64 xxd
   fonts-cantarell fonts-liberation fonts-noto-cjk fonts-noto-core qt6-translations-l10n x11-xserver-utils
 )
 
@@ -42,7 +42,7 @@ if ((EUID != 0)); then
 fi
 
 # Some packages start a server of their own, now and at every boot; only the programs are wanted.
-readonly servers=(fcgiwrap.service fcgiwrap.socket lighttpd.service nginx.service postgresql.service)
+readonly servers=(lighttpd.service nginx.service postgresql.service)
 readonly policy=/usr/sbin/policy-rc.d # asked before a package starts a server
 if [[ ! -e $policy ]]; then
   trap '"${as_root[@]}" rm -f "$policy"' EXIT

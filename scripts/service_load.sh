@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Puts load on the local service: searches, new accounts, sign-ins, tokens and account pages, many at a time, with the
-# accounts in SQLite and in PostgreSQL, at peace and with one in ten of the processes killed in the middle of its work.
+# accounts in SQLite and in PostgreSQL, at peace and with ten processes a second killed in the middle of their work.
 # Shows how many were answered, and fails if one was not or if something that was acknowledged is missing.
 #
 # service_load.sh [REQUESTS [AT-A-TIME]]   1000 of each kind and 200 at a time unless told
@@ -39,11 +39,11 @@ export -f load
 export build work requests at_a_time
 
 result=0
-for kill_each in 0 10; do
-  ((kill_each)) && how="one process in $kill_each is killed" || how="at peace"
+for kills in 0 10; do
+  ((kills)) && how="$kills processes a second are killed" || how="at peace"
   echo "SQLite, $how"
-  NV_SERVICE_DATABASE=$work/service/accounts.sqlite load $kill_each || result=1
+  NV_SERVICE_DATABASE=$work/service/accounts.sqlite load $kills || result=1
   echo "PostgreSQL, $how"
-  scripts/private_postgres.sh bash -euc "load $kill_each" || result=1
+  scripts/private_postgres.sh bash -euc "load $kills" || result=1
 done
 exit $result

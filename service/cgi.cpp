@@ -1,16 +1,29 @@
 #include "service/cgi.h"
 
+#include <fcgiapp.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/epoll.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/time.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <charconv>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <exception>
 #include <optional>
-#include <stdexcept>
+#include <system_error>
 
-#include "service/wire_items.h"
+#include "service/client_address.h"
+#include "service/counters.h"
+#include "service/process_pool.h"
+#include "service/settings.h"
 
 namespace nvsupport::service {
 namespace {
@@ -21,7 +34,39 @@ constexpr int forbidden = 403;
 constexpr int methodNotAllowed = 405;
 constexpr int lengthRequired = 411;
 constexpr int tooLarge = 413;
-constexpr std::string_view replyType = "application/octet-stream";
+
+constexpr std::int64_t usualProcesses = 4;
+constexpr std::int64_t usualRequests = 10'000;
+// A web server that neither sends nor takes anything for so long does not hold a process.
+constexpr timeval idleLimit = {10, 0};
+
+class CgiRequest final : public Request {
+ public:
+  std::size_t Read(char* to, std::size_t size) override { return std::fread(to, 1, size, stdin); }
+  bool Write(std::string_view bytes) override { return std::fwrite(bytes.data(), 1, bytes.size(), stdout) != 0; }
+
+ private:
+  const char* Find(const char* name) const override { return std::getenv(name); }
+};
+
+class FastCgiRequest final : public Request {
+ public:
+  explicit FastCgiRequest(FCGX_Request& accepted) : request(accepted) {
+    setsockopt(request.ipcFd, SOL_SOCKET, SO_RCVTIMEO, &idleLimit, sizeof idleLimit);
+    setsockopt(request.ipcFd, SOL_SOCKET, SO_SNDTIMEO, &idleLimit, sizeof idleLimit);
+  }
+  std::size_t Read(char* to, std::size_t size) override {
+    return static_cast<std::size_t>(FCGX_GetStr(to, static_cast<int>(size), request.in));
+  }
+  bool Write(std::string_view bytes) override {
+    return FCGX_PutStr(bytes.data(), static_cast<int>(bytes.size()), request.out) >= 0;
+  }
+
+ private:
+  const char* Find(const char* name) const override { return FCGX_GetParam(name, request.envp); }
+
+  FCGX_Request& request;
+};
 
 std::optional<std::size_t> ParseLength(std::string_view text) {
   std::size_t length = 0;
@@ -33,59 +78,147 @@ std::optional<std::size_t> ParseLength(std::string_view text) {
 }
 
 // Reads the body of a POST request; the result is the HTTP status, 200 if `body` is complete.
-int ReadPost(std::size_t limit, Transport transport, std::string& body) {
-  if (Variable("REQUEST_METHOD") != "POST") return methodNotAllowed;
-  const auto length = ParseLength(Variable("CONTENT_LENGTH"));
+int ReadPost(Request& request, std::size_t limit, Transport transport, std::string& body) {
+  const auto length = ParseLength(request.Variable("CONTENT_LENGTH"));
   if (!length) return lengthRequired;
   if (*length > limit) return tooLarge;
   body.resize(*length);
-  if (std::fread(body.data(), 1, body.size(), stdin) != body.size()) return badRequest;
+  if (request.Read(body.data(), body.size()) != body.size()) return badRequest;
   // Not sooner: a web server that finds nobody reading the body answers in its own way.
-  return transport == Transport::secureOnly && !IsSecure() ? forbidden : ok;
+  return transport == Transport::secureOnly && !request.IsSecure() ? forbidden : ok;
 }
 
-}  // namespace
+// Nothing of a reply may be kept by a cache.
+void Send(Request& request, const Reply& reply) {
+  std::string head = "Status: " + std::to_string(reply.httpStatus) + "\r\nCache-Control: no-store\r\n";
+  for (const std::string& header : reply.headers) head += header + "\r\n";
+  head += "Content-Length: " + std::to_string(reply.body.size() + reply.restBytes) + "\r\n\r\n";
+  request.Write(head);
+  if (request.Variable("REQUEST_METHOD") == "HEAD") return;
+  request.Write(reply.body);
+  if (reply.rest) reply.rest([&](std::string_view bytes) { return request.Write(bytes); });
+}
 
-int AnswerPost(std::size_t limit, Transport transport, const std::function<std::string(std::string_view)>& answer) {
-  std::string body;
-  const int httpStatus = ReadPost(limit, transport, body);
-  std::string reply;
+void AnswerOne(const char* name, Request& request, const Handler& answer) {
+  using Clock = std::chrono::steady_clock;
+  const auto start = Clock::now();
+  Reply reply;
   try {
-    reply = httpStatus == ok ? answer(body) : ReplyWriter(Status::notUnderstood).Bytes();
+    reply = answer(request);
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "request failed: %s\n", error.what());
-    reply = ReplyWriter(Status::serviceFailed).Bytes();
+    reply = FailedReply(error.what());
   }
-  SendReply(httpStatus, replyType, reply);
-  return EXIT_SUCCESS;
+  Send(request, reply);
+  const std::chrono::duration<double> taken = Clock::now() - start;
+  CountRequest(name, reply.httpStatus, taken.count());
+  // Neither the address nor anything that the client wrote.
+  char time[] = "2000-01-01T00:00:00Z";
+  const std::time_t now = std::time(nullptr);
+  std::strftime(time, sizeof time, "%FT%TZ", std::gmtime(&now));
+  std::fprintf(stderr, "%s %s %d %.3f s %zu bytes: %s\n", time, name, reply.httpStatus, taken.count(),
+               reply.body.size() + reply.restBytes, reply.reason.c_str());
 }
 
-void SendReply(int httpStatus, std::string_view contentType, std::string_view body) {
-  std::printf("Status: %d\r\nContent-Type: %.*s\r\nContent-Length: %zu\r\nCache-Control: no-store\r\n\r\n", httpStatus,
-              static_cast<int>(contentType.size()), contentType.data(), body.size());
-  std::fwrite(body.data(), 1, body.size(), stdout);
-  std::fflush(stdout);
+// The socket on which requests come. Several processes wait at it, and one of them is woken for each request.
+class Listener {
+ public:
+  Listener() {
+    epoll_event event = {};
+    event.events = EPOLLIN | EPOLLEXCLUSIVE;
+    // One that was woken in vain is not to be held by the socket, but by Wait.
+    if (fcntl(socket, F_SETFL, O_NONBLOCK) != 0 || poller < 0 ||
+        epoll_ctl(poller, EPOLL_CTL_ADD, socket, &event) != 0) {
+      throw std::system_error(errno, std::generic_category(), "waiting for requests");
+    }
+    sigprocmask(SIG_SETMASK, nullptr, &waiting);
+    sigdelset(&waiting, SIGTERM);
+  }
+  Listener(const Listener&) = delete;
+  Listener& operator=(const Listener&) = delete;
+  ~Listener() { close(poller); }
+
+  // False when the process is to end.
+  bool Wait() const {
+    epoll_event event = {};
+    return epoll_pwait(poller, &event, 1, -1, &waiting) > 0;
+  }
+
+  static constexpr int socket = STDIN_FILENO;
+
+ private:
+  const int poller = epoll_create1(EPOLL_CLOEXEC);
+  sigset_t waiting = {};
+};
+
+void AnswerByFastCgi(const char* name, const Handler& answer, std::int64_t requests) {
+  const Listener listener;
+  FCGX_Init();
+  FCGX_Request accepted;
+  FCGX_InitRequest(&accepted, Listener::socket, FCGI_FAIL_ACCEPT_ON_INTR);
+  while (requests > 0 && listener.Wait()) {
+    if (FCGX_Accept_r(&accepted) != 0) continue;
+    --requests;
+    FastCgiRequest request(accepted);
+    AnswerOne(name, request, answer);
+    FCGX_Finish_r(&accepted);
+  }
 }
 
+// No memory image after a crash, and what the program creates is readable by its owner alone.
 void KeepSecrets() {
   const rlimit none = {0, 0};
   setrlimit(RLIMIT_CORE, &none);
   umask(S_IRWXG | S_IRWXO);
 }
 
-std::string Variable(const char* name) {
-  const char* const value = std::getenv(name);
+}  // namespace
+
+std::string Request::Variable(const char* name) const {
+  const char* const value = Find(name);
   return value ? value : "";
 }
 
-std::string RequiredVariable(const char* name) {
-  std::string value = Variable(name);
-  if (value.empty()) throw std::runtime_error(std::string(name) + " is not set");
-  return value;
+bool Request::IsSecure() const {
+  if (!IsTrustedProxy(Variable("REMOTE_ADDR"))) return Variable("HTTPS") == "on";
+  return Variable("HTTP_X_FORWARDED_PROTO") == "https";
 }
 
-bool IsSecure() {
-  return Variable("HTTPS") == "on";
+std::string Request::Address() const {
+  return ClientAddress(Variable("REMOTE_ADDR"), Variable("HTTP_X_FORWARDED_FOR"));
+}
+
+int Serve(const char* name, const Handler& answer) try {
+  KeepSecrets();
+  if (FCGX_IsCGI() != 0) {
+    CgiRequest request;
+    AnswerOne(name, request, answer);
+    return EXIT_SUCCESS;
+  }
+  const std::int64_t processes = NumberSetting("NV_SERVICE_PROCESSES", usualProcesses);
+  const std::int64_t requests = NumberSetting("NV_SERVICE_REQUESTS_PER_PROCESS", usualRequests);
+  RunPool(processes, [&] { AnswerByFastCgi(name, answer, requests); });
+  return EXIT_SUCCESS;
+} catch (const std::exception& error) {
+  std::fprintf(stderr, "%s: %s\n", name, error.what());
+  return EXIT_FAILURE;
+}
+
+Reply AnswerPost(Request& request, std::size_t limit, Transport transport,
+                 const std::function<Reply(std::string_view)>& answer) {
+  if (request.Variable("REQUEST_METHOD") != "POST") return MethodReply("POST");
+  std::string body;
+  const int httpStatus = ReadPost(request, limit, transport, body);
+  if (httpStatus == ok) return answer(body);
+  Reply reply = StatusReply(Status::notUnderstood);
+  reply.httpStatus = httpStatus;
+  return reply;
+}
+
+Reply MethodReply(const std::string& allowed) {
+  Reply reply = StatusReply(Status::notUnderstood);
+  reply.httpStatus = methodNotAllowed;
+  reply.headers.push_back("Allow: " + allowed);
+  return reply;
 }
 
 }  // namespace nvsupport::service

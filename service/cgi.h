@@ -1,4 +1,5 @@
-// What the CGI programs share: one request from the environment and standard input, one reply to standard output.
+// What the programs share: a request as the web server hands it over, by CGI or by FastCGI, and the reply to it. One
+// binary speaks both: FastCGI when its standard input is a listening socket.
 #ifndef NVSUPPORT_SERVICE_CGI_H
 #define NVSUPPORT_SERVICE_CGI_H
 
@@ -7,28 +8,50 @@
 #include <string>
 #include <string_view>
 
+#include "service/reply.h"
+
 namespace nvsupport::service {
+
+class Request {
+ public:
+  virtual ~Request() = default;
+
+  // What the web server tells of the request, such as REQUEST_METHOD; empty if it does not.
+  std::string Variable(const char* name) const;
+  // True when the client sent the request over TLS, to the web server or to a proxy that is trusted.
+  bool IsSecure() const;
+  // The network address of the client, as far as proxies that are trusted tell it.
+  std::string Address() const;
+
+  // Returns how many bytes of the body came.
+  virtual std::size_t Read(char* to, std::size_t size) = 0;
+  // False when nobody takes the reply any more.
+  virtual bool Write(std::string_view bytes) = 0;
+
+ private:
+  virtual const char* Find(const char* name) const = 0;
+};
+
+using Handler = std::function<Reply(Request&)>;
+
+// Answers the one request of a CGI program, or as many as come by FastCGI: with processes of its own, of which each
+// answers a number of them before a fresh one takes its place. Each request gives a line on standard error, the web
+// server's log or the journal, and is counted. What `answer` throws becomes a FailedReply. Returns the exit code.
+// `name` is the program's, for the log.
+//
+// NV_SERVICE_PROCESSES             how many processes there are (4)
+// NV_SERVICE_REQUESTS_PER_PROCESS  after so many requests a process is replaced (10000)
+int Serve(const char* name, const Handler& answer);
 
 enum class Transport { any, secureOnly };
 
 // Answers one POST request of at most `limit` bytes with what `answer` makes of its body. A request that does not get
 // as far gets an HTTP error whose body is a status like any other reply: clients do not look at the HTTP status.
-// `answer` may throw; the text of the exception goes to standard error, the web server's log. Returns the exit code.
-int AnswerPost(std::size_t limit, Transport transport, const std::function<std::string(std::string_view)>& answer);
+Reply AnswerPost(Request& request, std::size_t limit, Transport transport,
+                 const std::function<Reply(std::string_view)>& answer);
 
-// Writes headers and body of one reply; nothing of it may be kept by a cache.
-void SendReply(int httpStatus, std::string_view contentType, std::string_view body);
-
-// Keeps the secrets that the program handles out of files: no memory image after a crash, and what the program creates
-// is readable by its owner alone.
-void KeepSecrets();
-
-// A variable of the environment; empty if it is not set.
-std::string Variable(const char* name);
-// As above for what the program cannot do without: throws std::runtime_error if it is not set.
-std::string RequiredVariable(const char* name);
-// True when the web server received the request over TLS.
-bool IsSecure();
+// The reply to a method that is none of `allowed`, a list with commas.
+Reply MethodReply(const std::string& allowed);
 
 }  // namespace nvsupport::service
 

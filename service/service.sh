@@ -8,7 +8,7 @@ readonly service_host=${NV_SERVICE_HOST:-service.norvane.example}
 readonly web_host=${NV_WEB_HOST:-www.norvane.example}
 readonly session_seconds=${NV_SERVICE_SESSION_SECONDS:-3600}
 readonly kbytes_per_second=${NV_SERVICE_KBYTES_PER_SECOND:-0}
-readonly processes=${NV_SERVICE_PROCESSES:-8}
+readonly processes=${NV_SERVICE_PROCESSES:-4}
 readonly certificate_days=2
 readonly start_tries=20    # of finding two free ports
 readonly answer_tries=100  # tenths of a second
@@ -27,7 +27,7 @@ free ports of its own choosing, and needs no root. DIR is made if it is missing;
 others (mode 0700), because it holds keys and accounts, and what "env" prints is made from it.
 
 In DIR: ca.pem (throw-away certificate authority, made anew at each start, its key not kept), accounts.sqlite (the
-accounts), www/ (pages and files), log/ (access.log, error.log, cgi.log), lighttpd.conf, pid.
+accounts), www/ (pages and files), log/ (access.log, error.log, cgi.log), run/ (sockets, counters), lighttpd.conf, pid.
 
 Environment:
   NV_BUILD_DIR                  build tree with service/cgi-bin/svcapp.cgi (else build/release, build/dev)
@@ -38,7 +38,7 @@ Environment:
   NV_SERVICE_PORTS              the two ports of HTTP and HTTPS (else free ones of its own choosing)
   NV_SERVICE_SESSION_SECONDS    for how long a session token is good (now $session_seconds)
   NV_SERVICE_KBYTES_PER_SECOND  most that a connection gets, to have time to watch; 0: no limit (now $kbytes_per_second)
-  NV_SERVICE_PROCESSES          requests at work at a time; the rest wait (now $processes)
+  NV_SERVICE_PROCESSES          processes of each program, which answer as many requests at a time (now $processes)
 
 Exit code: 0 done, 1 failed, 2 wrong arguments, 3 the service does not run ("env").
 TEXT
@@ -101,6 +101,8 @@ write_configuration() {
   {
     cat <<CONFIGURATION
 var.state = "$dir"
+var.run = "$dir/run"
+var.spool = "$dir/run"
 var.logs = "$dir/log"
 var.pages = "$dir/www"
 var.programs = "$cgi_bin/"
@@ -110,13 +112,16 @@ var.address = "127.0.0.1"
 var.http_port = $http_port
 var.https_port = "$https_port"
 var.kbytes_per_second = $kbytes_per_second
-var.processes = $processes
 var.settings = (
+  "NV_SERVICE_PROCESSES" => "$processes",
   "NV_SERVICE_DATABASE" => "${NV_SERVICE_DATABASE:-$dir/accounts.sqlite}",
   "NV_SERVICE_PRODUCTS" => "${NV_SERVICE_PRODUCTS:-$here/data/products.tsv}",
   "NV_SERVICE_PRODUCTS_INDEX" => "$dir/products.index",
+  "NV_SERVICE_COUNTERS" => "$dir/run/counters",
   "NV_SERVICE_SESSION_SECONDS" => "$session_seconds"
 )
+var.proxies = ()
+var.monitors = "127.0.0.1"
 CONFIGURATION
     sed '1,/^$/d' "$here/deploy/lighttpd.conf"
   } >"$dir/lighttpd.conf"
@@ -190,12 +195,12 @@ print_environment() {
 
 start() {
   running_pid >/dev/null && { print_environment; return; }
-  for program in lighttpd fcgiwrap openssl; do
+  for program in lighttpd openssl; do
     command -v $program >/dev/null || fail "$program is missing; scripts/install-packages.sh installs it"
   done
   local cgi_bin http_port https_port try program
   cgi_bin=$(find_cgi_bin)
-  mkdir -p "$dir/log"
+  mkdir -p "$dir/log" "$dir/run"
   make_certificates
   make_www
   for ((try = 0; try < start_tries; ++try)); do

@@ -2,20 +2,18 @@
 // ("session=TOKEN"), over TLS. This is what a session token is good for. A POST ends all sessions of the account.
 //
 // NV_SERVICE_DATABASE  the accounts, as for svcapp.cgi
-#include <cstdio>
-#include <cstdlib>
 #include <ctime>
-#include <exception>
 
 #include "service/accounts/account_store.h"
 #include "service/cgi.h"
+#include "service/database/kept_database.h"
+#include "service/settings.h"
 
 namespace {
 
 using namespace nvsupport::service;
 
 constexpr std::string_view key = "session=";
-constexpr std::string_view pageType = "text/html; charset=utf-8";
 
 std::string Escape(std::string_view text) {
   std::string escaped;
@@ -44,43 +42,68 @@ std::string Page(std::string_view title, const std::string& content) {
          "</body></html>\n";
 }
 
-std::string AccountPage(AccountStore& store, std::int64_t account) {
+std::string AccountContent(AccountStore& store, std::int64_t account) {
   std::string content = "<p>Signed in as <b>" + Escape(store.UserId(account)) + "</b></p>\n<h2>Computers</h2>\n<ul>\n";
   for (const Computer& computer : store.Computers(account)) {
     content += "<li>" + (computer.name.empty() ? "(no name)" : Escape(computer.name)) + "</li>\n";
   }
   // Sent to the page's own address, which holds the token, so that no other page can have it sent.
-  return Page("Your account", content +
-                                  "</ul>\n<form method=\"post\"><button>End all sessions</button> Afterwards no page "
-                                  "that was opened for this account shows anything any more, on no computer.</form>\n");
+  return content +
+         "</ul>\n<form method=\"post\"><button>End all sessions</button> Afterwards no page that was opened for this "
+         "account shows anything any more, on no computer.</form>\n";
 }
 
-void Answer() {
-  const std::string query = Variable("QUERY_STRING");
+Reply HtmlReply(int httpStatus, std::string_view title, const std::string& content, std::string reason) {
+  Reply reply;
+  reply.httpStatus = httpStatus;
+  reply.headers = {"Content-Type: text/html; charset=utf-8",
+                   "Content-Security-Policy: default-src 'none'; form-action 'self'; frame-ancestors 'none';"
+                   " base-uri 'none'",
+                   "X-Content-Type-Options: nosniff", "Referrer-Policy: no-referrer"};
+  reply.body = Page(title, content);
+  reply.reason = std::move(reason);
+  return reply;
+}
+
+// A web server that keeps the query out of its log by rewriting the address leaves it in the one that was asked for.
+std::string Query(const Request& request) {
+  std::string query = request.Variable("QUERY_STRING");
+  if (!query.empty()) return query;
+  const std::string address = request.Variable("REQUEST_URI");
+  const std::size_t mark = address.find('?');
+  return mark == std::string::npos ? "" : address.substr(mark + 1);
+}
+
+Reply Answer(const Request& request, AccountStore& store) {
+  const std::string query = Query(request);
   const std::string token = query.starts_with(key) ? query.substr(key.size()) : "";
-  const auto database = OpenDatabase(RequiredVariable("NV_SERVICE_DATABASE"));
-  AccountStore store(*database);
-  const auto account = IsSecure() ? store.FindSession(token, std::time(nullptr)) : std::nullopt;
+  const auto account = request.IsSecure() ? store.FindSession(token, std::time(nullptr)) : std::nullopt;
   if (!account) {
-    SendReply(403, pageType,
-              Page("Please sign in", "<p>This session has ended. Open the page again from the application.</p>\n"));
-  } else if (Variable("REQUEST_METHOD") == "POST") {
-    store.EndSessions(*account);
-    SendReply(200, pageType, Page("All sessions have ended", "<p>Open the page again from the application.</p>\n"));
-  } else {
-    SendReply(200, pageType, AccountPage(store, *account));
+    return HtmlReply(403, "Please sign in",
+                     "<p>This session has ended. Open the page again from the application.</p>\n", "no session");
   }
+  if (request.Variable("REQUEST_METHOD") == "POST") {
+    store.EndSessions(*account);
+    return HtmlReply(200, "All sessions have ended", "<p>Open the page again from the application.</p>\n",
+                     "sessions ended");
+  }
+  return HtmlReply(200, "Your account", AccountContent(store, *account), "page shown");
 }
 
 }  // namespace
 
 int main() {
-  KeepSecrets();
-  try {
-    Answer();
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "request failed: %s\n", error.what());
-    SendReply(500, pageType, Page("Please try again later", ""));
-  }
-  return EXIT_SUCCESS;
+  std::optional<KeptDatabase<AccountStore>> accounts;
+  return Serve("svcuser", [&](Request& request) {
+    const std::string method = request.Variable("REQUEST_METHOD");
+    if (method != "GET" && method != "HEAD" && method != "POST") return MethodReply("GET, HEAD, POST");
+    try {
+      if (!accounts) accounts.emplace(RequiredSetting("NV_SERVICE_DATABASE"));
+      return accounts->Use([&](AccountStore& store) { return Answer(request, store); });
+    } catch (const std::exception& error) {
+      Reply reply = HtmlReply(503, "Please try again later", "", error.what());
+      reply.headers.emplace_back("Retry-After: 2");
+      return reply;
+    }
+  });
 }

@@ -38,19 +38,16 @@ std::string RequestReader::Text(std::size_t limit) {
 }
 
 void ReplyWriter::Word(std::uint32_t value) {
-  bytes.append(4, '\0');
-  WordAt(bytes.size() - 4, value);
-}
-
-void ReplyWriter::WordAt(std::size_t position, std::uint32_t value) {
-  for (std::size_t i = 0; i < 4; ++i) bytes[position + i] = static_cast<char>(value >> 8 * i & 0xFF);
+  for (int shift = 0; shift < 32; shift += 8) bytes.push_back(static_cast<char>(value >> shift & 0xFF));
 }
 
 void ReplyWriter::Text(std::string_view text) {
   Word(static_cast<std::uint32_t>(text.size()));
+  std::size_t at = bytes.size();
+  bytes.resize(at + 2 * text.size());
   for (const char c : text) {
-    bytes.push_back(c);
-    bytes.push_back(static_cast<unsigned char>(c) < 0x80 ? '\0' : '\xFF');
+    bytes[at++] = c;
+    bytes[at++] = static_cast<unsigned char>(c) < 0x80 ? '\0' : '\xFF';
   }
 }
 

@@ -37,17 +37,17 @@ class RequestReader {
   bool good = true;
 };
 
-// Puts a reply together.
+// Puts a reply together, or a piece of one.
 class ReplyWriter {
  public:
+  ReplyWriter() = default;
   explicit ReplyWriter(Status status) { Word(static_cast<std::uint32_t>(status)); }
 
   void Word(std::uint32_t value);
-  // Writes over four bytes that are there already.
-  void WordAt(std::size_t position, std::uint32_t value);
   // Each byte travels sign-extended to two bytes.
   void Text(std::string_view text);
   const std::string& Bytes() const { return bytes; }
+  void Clear() { bytes.clear(); }
 
  private:
   std::string bytes;

@@ -6,6 +6,7 @@
 #include <array>
 #include <stdexcept>
 
+#include "service/counters.h"
 #include "src/base/ascii.h"
 
 namespace nvsupport::service {
@@ -57,6 +58,7 @@ std::string NetworkKey(const std::string& address) {
 }
 
 std::string HashPassword(std::string_view credentialKey) {
+  const HashInProgress counted;
   std::array<char, crypto_pwhash_STRBYTES> hash;
   if (crypto_pwhash_str(hash.data(), credentialKey.data(), credentialKey.size(), hashPasses, hashMemory) != 0) {
     throw std::runtime_error("no memory to hash a password");
@@ -65,7 +67,12 @@ std::string HashPassword(std::string_view credentialKey) {
 }
 
 bool MatchesPassword(const std::string& hash, std::string_view credentialKey) {
+  const HashInProgress counted;
   return crypto_pwhash_str_verify(hash.c_str(), credentialKey.data(), credentialKey.size()) == 0;
+}
+
+bool NeedsNewHash(const std::string& hash) {
+  return crypto_pwhash_str_needs_rehash(hash.c_str(), hashPasses, hashMemory) != 0;
 }
 
 std::int64_t NewNumber() {

@@ -31,6 +31,8 @@ std::string NetworkKey(const std::string& address);
 std::string HashPassword(std::string_view credentialKey);
 // In a time that does not depend on where the two differ.
 bool MatchesPassword(const std::string& hash, std::string_view credentialKey);
+// True if the hash was made at another cost than HashPassword's.
+bool NeedsNewHash(const std::string& hash);
 
 // A number for a new account, by chance out of so many that no two are the same.
 std::int64_t NewNumber();

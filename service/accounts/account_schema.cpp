@@ -44,6 +44,19 @@ constexpr std::array versions = {
   CREATE INDEX attempt_address ON attempt (address);
   CREATE INDEX attempt_answered ON attempt (answered);
   UPDATE schema_version SET version = 2;
+)",
+    R"(
+  DROP TABLE attempt;
+  CREATE TABLE brake (
+    bucket TEXT PRIMARY KEY,
+    until BIGINT NOT NULL);
+  CREATE INDEX brake_until ON brake (until);
+  CREATE TABLE known_address (
+    account BIGINT NOT NULL REFERENCES account(id),
+    address TEXT NOT NULL,
+    seen BIGINT NOT NULL,
+    PRIMARY KEY (account, address));
+  UPDATE schema_version SET version = 3;
 )"};
 
 std::size_t Version(Database& database) {
@@ -61,6 +74,10 @@ void BringUpToDate(Database& database) {
   if (version > versions.size()) throw std::runtime_error("a newer program has made the database");
   for (std::size_t next = version; next < versions.size(); ++next) database.RunScript(versions[next]);
   transaction.Commit();
+}
+
+void TryToWrite(Database& database) {
+  database.Run("UPDATE schema_version SET version = version");
 }
 
 }  // namespace nvsupport::service

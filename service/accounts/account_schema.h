@@ -10,6 +10,9 @@ namespace nvsupport::service {
 // program has made.
 void BringUpToDate(Database& database);
 
+// Throws std::runtime_error if the database takes no changes.
+void TryToWrite(Database& database);
+
 }  // namespace nvsupport::service
 
 #endif

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "service/accounts/account_rules.h"
-#include "service/accounts/guess_limit.h"
+#include "service/accounts/brake.h"
 #include "service/utf8.h"
 
 namespace nvsupport::service {
@@ -13,51 +13,43 @@ enum Operation : std::uint32_t { signIn = 8, nameComputer = 9, createAccount = 1
 
 enum class ComputerState : std::uint32_t { named = 0, unnamed = 1 };
 
-std::string Reply(Status status) {
-  return ReplyWriter(status).Bytes();
-}
-
 std::string Text(RequestReader& request) {
   return ToUtf8(request.Text(AccountService::longestText));
 }
 
 }  // namespace
 
-AccountService::AccountService(Database& accounts, const AccountSettings& limits, Caller requester)
-    : database(accounts), settings(limits), caller(std::move(requester)), store(accounts) {}
-
-std::string AccountService::Answer(std::string_view request) {
+Reply AccountService::Answer(std::string_view request, const Caller& caller) {
   RequestReader reader(request);
   switch (reader.Word()) {
     case signIn:
-      return SignIn(reader);
+      return SignIn(reader, caller);
     case nameComputer:
-      return NameComputer(reader);
+      return NameComputer(reader, caller);
     case createAccount:
-      return CreateAccount(reader);
+      return CreateAccount(reader, caller);
     case openSession:
-      return OpenSession(reader);
+      return OpenSession(reader, caller);
     default:
-      return Reply(Status::notUnderstood);
+      return StatusReply(Status::notUnderstood);
   }
 }
 
-std::string AccountService::SignIn(RequestReader& request) {
+Reply AccountService::SignIn(RequestReader& request, const Caller& caller) {
   const std::string userId = Text(request);
   const std::string password = Text(request);
   const std::uint32_t device = request.Word();
-  if (!request.Complete()) return Reply(Status::notUnderstood);
+  if (!request.Complete()) return StatusReply(Status::notUnderstood);
 
-  std::int64_t account = 0;
-  const Status status = Verify(userId, password, account);
-  if (status != Status::done) return Reply(status);
+  const Proof proof = Prove(userId, password, device, caller);
+  if (!proof.user) return proof.refusal;
   ReplyWriter reply(Status::done);
-  const auto state = store.HasComputer(account, device) ? ComputerState::named : ComputerState::unnamed;
+  const auto state = proof.user->knowsDevice ? ComputerState::named : ComputerState::unnamed;
   reply.Word(static_cast<std::uint32_t>(state));
-  return reply.Bytes();
+  return StatusReply(Status::done, reply.Bytes());
 }
 
-std::string AccountService::NameComputer(RequestReader& request) {
+Reply AccountService::NameComputer(RequestReader& request, const Caller& caller) {
   const std::string userId = Text(request);
   const std::string password = Text(request);
   Computer computer;
@@ -65,14 +57,13 @@ std::string AccountService::NameComputer(RequestReader& request) {
   computer.device = request.Word();
   request.Word();  // the same in every client: tells nothing
   computer.platform = request.Word();
-  if (!request.Complete()) return Reply(Status::notUnderstood);
+  if (!request.Complete()) return StatusReply(Status::notUnderstood);
 
-  std::int64_t account = 0;
-  const Status status = Verify(userId, password, account);
-  return Reply(status == Status::done ? store.NameComputer(account, computer) : status);
+  const Proof proof = Prove(userId, password, computer.device, caller);
+  return proof.user ? StatusReply(store.NameComputer(proof.user->account, computer)) : proof.refusal;
 }
 
-std::string AccountService::CreateAccount(RequestReader& request) {
+Reply AccountService::CreateAccount(RequestReader& request, const Caller& caller) {
   NewAccount wanted;
   wanted.userId = Text(request);
   wanted.password = Text(request);
@@ -82,42 +73,69 @@ std::string AccountService::CreateAccount(RequestReader& request) {
   wanted.keepInformed = request.Byte() != 0;
   request.Word();  // the same in every client: tells nothing
   wanted.language = Text(request);
-  if (!request.Complete()) return Reply(Status::notUnderstood);
+  if (!request.Complete()) return StatusReply(Status::notUnderstood);
 
-  const Status status = store.Create(wanted, caller.now);
+  Status status = store.Check(wanted);
+  if (status == Status::done) {
+    Brake brake(database, settings.brakeSeconds,
+                {{"new " + NetworkKey(caller.networkAddress), settings.accountsPerAddress}});
+    const std::int64_t wait = brake.Wait(caller.now);
+    if (wait > 0) return RefusedReply(wait);
+    brake.Charge(caller.now);
+    status = store.Create(wanted, caller.now);
+  }
+  if (status == Status::done) {
+    const std::string network = NetworkKey(caller.networkAddress);
+    store.KnowNetwork(store.Find(wanted.userId, {}, caller.now).value().account, network, caller.now);
+    return StatusReply(Status::done);
+  }
   // A request that lost its connection is sent again, by the client's platform or by the user.
-  std::int64_t account = 0;
   const bool repeated = status == Status::userIdInUse && store.IsRepeated(wanted, caller.now - repeatSeconds) &&
-                        Verify(wanted.userId, wanted.password, account) == Status::done;
-  return Reply(repeated ? Status::done : status);
+                        Prove(wanted.userId, wanted.password, std::nullopt, caller).user;
+  return StatusReply(repeated ? Status::done : status);
 }
 
-std::string AccountService::OpenSession(RequestReader& request) {
+Reply AccountService::OpenSession(RequestReader& request, const Caller& caller) {
   const std::string userId = Text(request);
   const std::string password = Text(request);
-  if (!request.Complete()) return Reply(Status::notUnderstood);
+  if (!request.Complete()) return StatusReply(Status::notUnderstood);
 
-  std::int64_t account = 0;
-  const Status status = Verify(userId, password, account);
-  if (status != Status::done) return Reply(status);
+  const Proof proof = Prove(userId, password, std::nullopt, caller);
+  if (!proof.user) return proof.refusal;
   ReplyWriter reply(Status::done);
-  reply.Text(store.OpenSession(account, caller.now, settings.sessionSeconds, settings.sessionsPerAccount));
-  return reply.Bytes();
+  reply.Text(store.OpenSession(proof.user->account, caller.now, settings.sessionSeconds, settings.sessionsPerAccount));
+  return StatusReply(Status::done, reply.Bytes());
 }
 
-Status AccountService::Verify(const std::string& userId, const std::string& password, std::int64_t& account) {
-  GuessLimit limit(database, settings, CredentialKey(userId), NetworkKey(caller.networkAddress));
-  const auto seconds = limit.Wait(caller.now);
-  if (!seconds) return Status::serviceFailed;
-  if (*seconds > 0) caller.wait(*seconds);
-  caller.now += *seconds;
-  const Status status = store.Verify(userId, password, account);
-  if (status == Status::done) {
-    limit.Succeeded();
+AccountService::Proof AccountService::Prove(const std::string& userId, const std::string& password,
+                                            std::optional<std::uint32_t> device, const Caller& caller) {
+  const std::string network = NetworkKey(caller.networkAddress);
+  auto found = store.Find(userId, {device, network}, caller.now);
+  // Who comes from where the user has been before is not charged for the failures of others: the device and the
+  // address have buckets of their own, and an attacker's go to those of the account and of his address.
+  const std::string account = found ? std::to_string(found->account) : "";
+  const std::string place = "place " + account + ' ' + network;
+  std::vector<Bucket> buckets;
+  if (found && found->knowsDevice) {
+    buckets = {{"device " + account + ' ' + std::to_string(*device), settings.failuresPerAccount, true}};
+  } else if (found && found->knowsNetwork) {
+    buckets = {{place, settings.failuresPerAccount, true}};
   } else {
-    limit.Failed(caller.now);
+    buckets = {{"user " + CredentialKey(userId), settings.failuresPerAccount, true},
+               {"from " + network, settings.failuresPerAddress, false}};
   }
-  return status;
+  Brake brake(database, settings.brakeSeconds, std::move(buckets));
+  const std::int64_t wait = brake.Wait(caller.now);
+  if (wait > 0) return {std::nullopt, RefusedReply(wait)};
+  if (!found || !store.HasPassword(*found, password)) {
+    brake.Charge(caller.now);
+    return {std::nullopt, StatusReply(found ? Status::wrongPassword : Status::wrongUserId)};
+  }
+  brake.GiveBack();
+  // What follows a sign-in may not tell the device.
+  if (found->knowsDevice) Brake::Empty(database, place);
+  store.KnowNetwork(found->account, network, caller.now);
+  return {std::move(found), {}};
 }
 
 }  // namespace nvsupport::service

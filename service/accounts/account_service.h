@@ -3,13 +3,13 @@
 #define NVSUPPORT_SERVICE_ACCOUNTS_ACCOUNT_SERVICE_H
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
 
 #include "service/accounts/account_settings.h"
 #include "service/accounts/account_store.h"
 #include "service/database/database.h"
+#include "service/reply.h"
 #include "service/wire_items.h"
 
 namespace nvsupport::service {
@@ -21,28 +21,34 @@ class AccountService {
   static constexpr std::int64_t repeatSeconds =
       600;  // for so long a request for the same new account counts as sent again
 
-  // Where a request comes from, when it came (seconds since 1970), and how to wait for a number of seconds.
+  // Where a request comes from and when it came (seconds since 1970).
   struct Caller {
     std::string networkAddress;
     std::int64_t now = 0;
-    std::function<void(std::int64_t)> wait;
   };
 
-  AccountService(Database& accounts, const AccountSettings& limits, Caller requester);
+  AccountService(Database& accounts, const AccountSettings& limits)
+      : database(accounts), settings(limits), store(accounts) {}
 
-  std::string Answer(std::string_view request);
+  Reply Answer(std::string_view request, const Caller& caller);
 
  private:
-  std::string SignIn(RequestReader& request);
-  std::string NameComputer(RequestReader& request);
-  std::string CreateAccount(RequestReader& request);
-  std::string OpenSession(RequestReader& request);
-  // As AccountStore::Verify, at the pace that who guesses is given; serviceFailed for what is beyond it.
-  Status Verify(const std::string& userId, const std::string& password, std::int64_t& account);
+  // A user who gave the right password, or the reply that says why not.
+  struct Proof {
+    std::optional<Candidate> user;
+    Reply refusal;
+  };
+
+  Reply SignIn(RequestReader& request, const Caller& caller);
+  Reply NameComputer(RequestReader& request, const Caller& caller);
+  Reply CreateAccount(RequestReader& request, const Caller& caller);
+  Reply OpenSession(RequestReader& request, const Caller& caller);
+  // At the pace that the brake allows.
+  Proof Prove(const std::string& userId, const std::string& password, std::optional<std::uint32_t> device,
+              const Caller& caller);
 
   Database& database;
   const AccountSettings settings;
-  Caller caller;
   AccountStore store;
 };
 

@@ -9,12 +9,11 @@ namespace nvsupport::service {
 struct AccountSettings {
   std::int64_t sessionSeconds = 3600;    // for how long a session token is good
   std::int64_t sessionsPerAccount = 20;  // a further one ends the oldest
-  // From so many failed sign-ins on, an account or an address is answered slowly.
-  std::int64_t failuresPerAccount = 5;
+  // What the brake lets through in a period.
+  std::int64_t brakeSeconds = 900;
+  std::int64_t failuresPerAccount = 10;
   std::int64_t failuresPerAddress = 20;
-  std::int64_t failureSeconds = 900;  // for how long a failure counts
-  std::int64_t slowSeconds = 2;       // between two slow answers of one account or address
-  std::int64_t slowAtATime = 4;       // slow answers in the making, in all; what is beyond fails at once
+  std::int64_t accountsPerAddress = 20;
 };
 
 // The defaults, and what the environment sets otherwise (NV_SERVICE_SESSION_SECONDS and so on). Throws

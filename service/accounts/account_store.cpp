@@ -12,25 +12,31 @@ AccountStore::AccountStore(Database& accounts) : database(accounts) {
   BringUpToDate(database);
 }
 
-Status AccountStore::Create(const NewAccount& account, std::int64_t now) {
+Status AccountStore::Check(const NewAccount& account) {
   const std::string userKey = CredentialKey(account.userId);
-  const std::string passwordKey = CredentialKey(account.password);
   const std::string emailKey = EmailKey(account.email);
   if (userKey.empty()) return Status::noUserId;
-  if (passwordKey.size() < shortestPassword) return Status::passwordTooShort;
+  if (CredentialKey(account.password).size() < shortestPassword) return Status::passwordTooShort;
   if (emailKey.empty()) return Status::invalidEmail;
-  const std::string hash = HashPassword(passwordKey);  // before the database is asked: it takes its time
+  if (!database.Run("SELECT 1 FROM account WHERE user_key = $1", userKey).empty()) return Status::userIdInUse;
+  if (!database.Run("SELECT 1 FROM account WHERE email_key = $1", emailKey).empty()) return Status::emailInUse;
+  return Status::done;
+}
 
+Status AccountStore::Create(const NewAccount& account, std::int64_t now) {
+  const Status status = Check(account);
+  if (status != Status::done) return status;
+  const std::string hash = HashPassword(CredentialKey(account.password));  // outside the database: it takes its time
   // The number is drawn, so that no two servers have to agree on the next one.
   const auto made = database.Run(
       "INSERT INTO account (id, user_key, user_id, password_hash, name, company, email_key, keep_informed, language,"
       " created) VALUES ($1, $2, $3, $4, $5, $6, $7, $8, $9, $10) ON CONFLICT DO NOTHING RETURNING id",
-      NewNumber(), userKey, account.userId, hash, account.name, account.company, emailKey, int{account.keepInformed},
-      account.language, now);
+      NewNumber(), CredentialKey(account.userId), account.userId, hash, account.name, account.company,
+      EmailKey(account.email), int{account.keepInformed}, account.language, now);
   if (!made.empty()) return Status::done;
-  if (!database.Run("SELECT 1 FROM account WHERE user_key = $1", userKey).empty()) return Status::userIdInUse;
-  if (!database.Run("SELECT 1 FROM account WHERE email_key = $1", emailKey).empty()) return Status::emailInUse;
-  throw std::runtime_error("the number of a new account was taken");
+  const Status taken = Check(account);  // by another process, just now
+  if (taken == Status::done) throw std::runtime_error("the number of a new account was taken");
+  return taken;
 }
 
 bool AccountStore::IsRepeated(const NewAccount& account, std::int64_t since) {
@@ -40,16 +46,48 @@ bool AccountStore::IsRepeated(const NewAccount& account, std::int64_t since) {
               .empty();
 }
 
-Status AccountStore::Verify(const std::string& userId, const std::string& password, std::int64_t& account) {
-  const auto found = database.Run("SELECT id, password_hash FROM account WHERE user_key = $1", CredentialKey(userId));
-  if (found.empty()) return Status::wrongUserId;
-  if (!MatchesPassword(found[0][1], CredentialKey(password))) return Status::wrongPassword;
-  account = ToNumber(found[0][0]);
-  return Status::done;
+std::optional<Candidate> AccountStore::Find(const std::string& userId, const Origin& origin, std::int64_t now) {
+  constexpr std::int64_t noDevice = -1;
+  const auto found = database.Run(
+      "SELECT id, password_hash,"
+      " (SELECT count(*) FROM computer WHERE account = id AND device = $1),"
+      " (SELECT count(*) FROM known_address WHERE account = id AND address = $2 AND seen > $3)"
+      " FROM account WHERE user_key = $4",
+      origin.device ? std::int64_t{*origin.device} : noDevice, origin.network, now - networkSeconds,
+      CredentialKey(userId));
+  if (found.empty()) return std::nullopt;
+  return Candidate{ToNumber(found[0][0]), found[0][1], found[0][2] != "0", found[0][3] != "0"};
 }
 
-bool AccountStore::HasComputer(std::int64_t account, std::uint32_t device) {
-  return !database.Run("SELECT 1 FROM computer WHERE account = $1 AND device = $2", account, device).empty();
+bool AccountStore::HasPassword(const Candidate& candidate, const std::string& password) {
+  const std::string key = CredentialKey(password);
+  if (!MatchesPassword(candidate.passwordHash, key)) return false;
+  if (NeedsNewHash(candidate.passwordHash)) {
+    database.Run("UPDATE account SET password_hash = $1 WHERE id = $2 AND password_hash = $3", HashPassword(key),
+                 candidate.account, candidate.passwordHash);
+  }
+  return true;
+}
+
+void AccountStore::KnowNetwork(std::int64_t account, const std::string& network, std::int64_t now) {
+  constexpr std::int64_t day = 24 * 60 * 60;
+  // One write a day.
+  if (!database
+           .Run("SELECT 1 FROM known_address WHERE account = $1 AND address = $2 AND seen > $3", account, network,
+                now - day)
+           .empty()) {
+    return;
+  }
+  Transaction transaction(database, "account " + std::to_string(account));
+  database.Run(
+      "INSERT INTO known_address (account, address, seen) VALUES ($1, $2, $3)"
+      " ON CONFLICT (account, address) DO UPDATE SET seen = excluded.seen",
+      account, network, now);
+  database.Run(
+      "DELETE FROM known_address WHERE account = $1 AND (seen <= $2 OR address NOT IN"
+      " (SELECT address FROM known_address WHERE account = $1 ORDER BY seen DESC LIMIT $3))",
+      account, now - networkSeconds, mostNetworks);
+  transaction.Commit();
 }
 
 Status AccountStore::NameComputer(std::int64_t account, const Computer& computer) {

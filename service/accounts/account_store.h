@@ -29,23 +29,44 @@ struct Computer {
   std::uint32_t platform = 0;
 };
 
+// Where somebody signs in: the computer's own identifier, if the request tells it, and what counts of the network
+// address.
+struct Origin {
+  std::optional<std::uint32_t> device;
+  std::string network;
+};
+
+// What there is about a user ID before its password has been looked at.
+struct Candidate {
+  std::int64_t account = 0;
+  std::string passwordHash;
+  bool knowsDevice = false;   // the computer has a name with this account
+  bool knowsNetwork = false;  // a sign-in from there succeeded before
+};
+
 class AccountStore {
  public:
-  static constexpr std::int64_t mostComputers = 100;  // of one account
+  static constexpr std::int64_t mostComputers = 100;                 // of one account
+  static constexpr std::int64_t mostNetworks = 20;                   // of one account, those that were used last
+  static constexpr std::int64_t networkSeconds = 90 * 24 * 60 * 60;  // for which one is known after its last use
 
   // The database is used as long as the store lives. Throws std::runtime_error if it cannot be used; so does every
   // operation.
   explicit AccountStore(Database& database);
 
-  // done, or the first of noUserId, passwordTooShort, invalidEmail, userIdInUse and emailInUse that applies.
+  // done if the account can be made, else the first of noUserId, passwordTooShort, invalidEmail, userIdInUse and
+  // emailInUse that applies. Costs no hash.
+  Status Check(const NewAccount& account);
+  // The same, with the account made.
   Status Create(const NewAccount& account, std::int64_t now);
   // True if the account was made with this address at that time or later: it may be this very request, sent again.
   bool IsRepeated(const NewAccount& account, std::int64_t since);
 
-  // done with the account's number, wrongUserId or wrongPassword.
-  Status Verify(const std::string& userId, const std::string& password, std::int64_t& account);
+  std::optional<Candidate> Find(const std::string& userId, const Origin& origin, std::int64_t now);
+  // With the right password, a hash of a former cost gives way to a new one.
+  bool HasPassword(const Candidate& candidate, const std::string& password);
+  void KnowNetwork(std::int64_t account, const std::string& network, std::int64_t now);
 
-  bool HasComputer(std::int64_t account, std::uint32_t device);
   // Names a computer, or names it anew; tooManyComputers for one that does not fit any more.
   Status NameComputer(std::int64_t account, const Computer& computer);
   std::vector<Computer> Computers(std::int64_t account);

@@ -1,6 +1,7 @@
 // A database that several processes use at a time: SQLite in a file, or PostgreSQL, which several machines can share.
 // Statements are SQL that both understand, with values as $1, $2 and so on, which first appear in that order. Values
-// and columns travel as text in UTF-8. Every failure is a std::runtime_error whose text holds no value.
+// and columns travel as text in UTF-8. Every failure is a std::runtime_error whose text holds no value; a database that
+// cannot be had, or not within 2 seconds because others hold it, is one.
 #ifndef NVSUPPORT_SERVICE_DATABASE_DATABASE_H
 #define NVSUPPORT_SERVICE_DATABASE_DATABASE_H
 
@@ -27,6 +28,8 @@ class Database {
   // Runs statements that take no values and give no rows.
   virtual void RunScript(const char* sql) = 0;
   virtual bool HasTable(const std::string& name) = 0;
+  // False when what was opened is not there any more: a server ended the connection, a file was replaced.
+  virtual bool IsUsable() = 0;
 
  private:
   friend class Transaction;

@@ -1,9 +1,11 @@
 #include "service/database/file_queue.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <ctime>
 #include <system_error>
 
 namespace nvsupport::service {
@@ -15,7 +17,36 @@ constexpr int ownerOnly = 0600;
 constexpr off_t turn = 0;
 constexpr off_t next = 1;
 
-bool Lock(int descriptor, int command, int type, off_t byte) {
+using Clock = std::chrono::steady_clock;
+
+// Wakes this thread out of a system call, again and again as long as it lives: the kernel's queue knows no time limit.
+class Alarm {
+ public:
+  Alarm() {
+    struct sigaction nothing = {};
+    nothing.sa_handler = [](int) {};
+    sigaction(wake, &nothing, nullptr);
+    sigevent event = {};
+    event.sigev_notify = SIGEV_THREAD_ID;
+    event.sigev_signo = wake;
+    event._sigev_un._tid = gettid();
+    if (timer_create(CLOCK_MONOTONIC, &event, &timer) != 0) {
+      throw std::system_error(errno, std::generic_category(), "a timer for a queue");
+    }
+    constexpr itimerspec often = {{0, 50'000'000}, {0, 50'000'000}};
+    timer_settime(timer, 0, &often, nullptr);
+  }
+  Alarm(const Alarm&) = delete;
+  Alarm& operator=(const Alarm&) = delete;
+  ~Alarm() { timer_delete(timer); }
+
+ private:
+  static constexpr int wake = SIGALRM;
+  timer_t timer = {};
+};
+
+// False if another has the lock, or has it still at the end of the time.
+bool Lock(int descriptor, int command, int type, off_t byte, Clock::time_point end = Clock::time_point::max()) {
   struct flock lock = {};
   lock.l_type = static_cast<short>(type);
   lock.l_whence = SEEK_SET;
@@ -23,7 +54,7 @@ bool Lock(int descriptor, int command, int type, off_t byte) {
   lock.l_len = 1;
   int result = 0;
   do result = fcntl(descriptor, command, &lock);
-  while (result != 0 && errno == EINTR);
+  while (result != 0 && errno == EINTR && Clock::now() < end);
   return result == 0;
 }
 
@@ -40,11 +71,24 @@ FileQueue::~FileQueue() {
 
 // Who leaves and comes back finds the next one there: with a single lock it would be quicker than those who are only
 // being woken, and have turn after turn.
-void FileQueue::Enter() {
-  const bool entered = Lock(descriptor, F_OFD_SETLKW, F_WRLCK, next) && Lock(descriptor, F_OFD_SETLKW, F_WRLCK, turn);
+bool FileQueue::Enter(std::chrono::milliseconds patience) {
+  // Most find nobody there and need no alarm.
+  if (Lock(descriptor, F_OFD_SETLK, F_WRLCK, next)) {
+    const bool entered = TryEnter();
+    if (entered || patience == std::chrono::milliseconds::zero()) {
+      Lock(descriptor, F_OFD_SETLK, F_UNLCK, next);
+      return entered;
+    }
+  }
+  const bool endless = patience == std::chrono::milliseconds::max();
+  const auto end = endless ? Clock::time_point::max() : Clock::now() + patience;
+  const Alarm alarm;
+  const bool entered =
+      Lock(descriptor, F_OFD_SETLKW, F_WRLCK, next, end) && Lock(descriptor, F_OFD_SETLKW, F_WRLCK, turn, end);
   const int error = errno;
   Lock(descriptor, F_OFD_SETLK, F_UNLCK, next);
-  if (!entered) throw std::system_error(error, std::generic_category(), "waiting in a queue");
+  if (!entered && error != EINTR) throw std::system_error(error, std::generic_category(), "waiting in a queue");
+  return entered;
 }
 
 bool FileQueue::TryEnter() {

@@ -3,6 +3,7 @@
 #ifndef NVSUPPORT_SERVICE_DATABASE_FILE_QUEUE_H
 #define NVSUPPORT_SERVICE_DATABASE_FILE_QUEUE_H
 
+#include <chrono>
 #include <string>
 
 namespace nvsupport::service {
@@ -15,8 +16,8 @@ class FileQueue {
   FileQueue& operator=(const FileQueue&) = delete;
   ~FileQueue();
 
-  // Waits for the turn of this object, which lasts until Leave.
-  void Enter();
+  // Waits for the turn of this object, which lasts until Leave; false when it did not come within `patience`.
+  bool Enter(std::chrono::milliseconds patience = std::chrono::milliseconds::max());
   // Takes the turn only if that needs no waiting.
   bool TryEnter();
   void Leave() noexcept;

@@ -41,6 +41,7 @@ struct Libpq {
   const Function<decltype(PQstatus)> status{"PQstatus"};
   const Function<decltype(PQerrorMessage)> errorMessage{"PQerrorMessage"};
   const Function<decltype(PQsetNoticeProcessor)> setNoticeProcessor{"PQsetNoticeProcessor"};
+  const Function<decltype(PQconsumeInput)> consumeInput{"PQconsumeInput"};
   const Function<decltype(PQexec)> exec{"PQexec"};
   const Function<decltype(PQexecParams)> execParams{"PQexecParams"};
   const Function<decltype(PQclear)> clear{"PQclear"};
@@ -60,8 +61,8 @@ class PostgresDatabase final : public Database {
  public:
   explicit PostgresDatabase(const std::string& address) {
     // What stands before the address can be set otherwise by it.
-    const char* const names[] = {"connect_timeout", "dbname", "client_encoding", nullptr};
-    const char* const values[] = {"10", address.c_str(), "UTF8", nullptr};
+    const char* const names[] = {"connect_timeout", "tcp_user_timeout", "dbname", "client_encoding", nullptr};
+    const char* const values[] = {"2", "2000", address.c_str(), "UTF8", nullptr};
     constexpr int dbnameIsAnAddress = 1;
     connection.reset(pq.connect(names, values, dbnameIsAnAddress));
     if (pq.status(connection.get()) != CONNECTION_OK) {
@@ -69,12 +70,18 @@ class PostgresDatabase final : public Database {
     }
     pq.setNoticeProcessor(
         connection.get(), [](void*, const char*) {}, nullptr);
+    RunScript("SET statement_timeout = 1800");  // milliseconds, waiting for locks included
   }
 
   void RunScript(const char* sql) override { ThrowUnlessDone(Result(pq.exec(connection.get(), sql))); }
 
   bool HasTable(const std::string& name) override {
     return !Run("SELECT 1 FROM pg_tables WHERE schemaname = current_schema() AND tablename = $1", name).empty();
+  }
+
+  // Looks for what the server said meanwhile, which can be its farewell.
+  bool IsUsable() override {
+    return pq.consumeInput(connection.get()) == 1 && pq.status(connection.get()) == CONNECTION_OK;
   }
 
  private:

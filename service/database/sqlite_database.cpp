@@ -1,11 +1,17 @@
 #include <sqlite3.h>
 
+#include <chrono>
+#include <stdexcept>
+
 #include "service/database/backends.h"
 #include "service/database/file_queue.h"
 #include "service/database/sqlite_file.h"
 
 namespace nvsupport::service {
 namespace {
+
+// Together with the time for which SQLite waits itself, below the 2 seconds that database.h promises.
+constexpr std::chrono::milliseconds patience{1000};
 
 // Its users stand in a queue, by the file PATH-queue: SQLite itself would have each try again and again, and under load
 // some never come to their turn.
@@ -19,6 +25,11 @@ class SqliteDatabase final : public Database {
 
   bool HasTable(const std::string& name) override {
     return !Run("SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = $1", name).empty();
+  }
+
+  bool IsUsable() override {
+    int moved = 0;
+    return sqlite3_file_control(file.Handle(), "main", SQLITE_FCNTL_HAS_MOVED, &moved) == SQLITE_OK && moved == 0;
   }
 
  private:
@@ -41,7 +52,7 @@ class SqliteDatabase final : public Database {
 
   // The file is locked as a whole, whatever the subject.
   void Begin(const std::string& /*subject*/) override {
-    queue.Enter();
+    if (!queue.Enter(patience)) throw std::runtime_error("SQLite: others hold the database");
     try {
       file.Execute("BEGIN IMMEDIATE");
     } catch (...) {

@@ -10,7 +10,7 @@ namespace nvsupport::service {
 namespace {
 
 // For those who do not stand in the queue of sqlite_database.cpp, such as a backup.
-constexpr int busyMilliseconds = 10'000;
+constexpr int busyMilliseconds = 800;
 
 [[noreturn]] void Throw(sqlite3* file) {
   throw std::runtime_error(std::string("SQLite: ") + sqlite3_errmsg(file));

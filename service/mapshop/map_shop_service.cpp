@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include "service/wire_items.h"
 
@@ -12,6 +14,7 @@ namespace {
 constexpr std::uint32_t search = 101;
 constexpr std::uint32_t searchKind = 4;  // the second word of every search
 constexpr std::size_t pointBytes = 16;
+constexpr std::size_t pieceBytes = 32UL * 1024;  // of a reply that are kept in memory
 constexpr Area everywhere = {-largestLatitude, -180, largestLatitude, 180};
 
 // The box around the points of a request; none if the request is not as it should be.
@@ -36,30 +39,55 @@ std::optional<Area> RequestedArea(RequestReader& request) {
   return count == 0 ? everywhere : box;
 }
 
+// Writes one product behind the others.
+void Write(ReplyWriter& reply, const Product& product) {
+  reply.Text(product.title);
+  reply.Word(product.number);
+  reply.Text(product.shortText);
+  reply.Text(product.fileReference);
+  reply.Word(product.kibibytes);
+}
+
+// What Write makes of a product whose texts have so many bytes together.
+constexpr std::size_t WrittenBytes(std::size_t textBytes) {
+  return 5 * sizeof(std::uint32_t) + 2 * textBytes;
+}
+
 }  // namespace
 
-std::string AnswerSearch(std::string_view request, const ProductIndex& products, std::size_t largest) {
+Reply AnswerSearch(std::string_view request, const ProductIndex& products, std::int64_t most, std::size_t largest) {
   RequestReader reader(request);
   const auto area = RequestedArea(reader);
-  if (!area) return ReplyWriter(Status::notUnderstood).Bytes();
+  if (!area) return StatusReply(Status::notUnderstood);
 
-  ReplyWriter reply(Status::done);
-  reply.Word(0);  // words to skip
-  const std::size_t countPosition = reply.Bytes().size();
-  std::uint32_t count = 0;
-  reply.Word(count);
-  products.Find(*area, [&](const Product& product) {
-    reply.Text(product.title);
-    reply.Word(product.number);
-    reply.Text(product.shortText);
-    reply.Text(product.fileReference);
-    reply.Word(product.kibibytes);
-    ++count;
-    return reply.Bytes().size() < largest;
+  // Their number stands before them, so they are counted first.
+  std::vector<std::int64_t> found;
+  std::size_t bytes = 0;
+  products.Find(*area, [&](std::int64_t id, std::size_t textBytes) {
+    const std::size_t more = WrittenBytes(textBytes);
+    if (bytes + more > largest || static_cast<std::int64_t>(found.size()) >= most) return false;
+    bytes += more;
+    found.push_back(id);
+    return true;
   });
-  reply.WordAt(countPosition, count);
-  reply.Word(products.ProductCount());
-  return reply.Bytes();
+  ReplyWriter head(Status::done);
+  head.Word(0);  // words to skip
+  head.Word(static_cast<std::uint32_t>(found.size()));
+  Reply reply = StatusReply(Status::done, head.Bytes());
+  reply.reason = std::to_string(found.size()) + " products";
+  reply.restBytes = bytes + sizeof(std::uint32_t);
+  reply.rest = [&products, found = std::move(found)](const Reply::Sink& send) {
+    ReplyWriter piece;
+    for (const std::int64_t id : found) {
+      Write(piece, products.Get(id));
+      if (piece.Bytes().size() < pieceBytes) continue;
+      if (!send(piece.Bytes())) return;
+      piece.Clear();
+    }
+    piece.Word(products.ProductCount());
+    send(piece.Bytes());
+  };
+  return reply;
 }
 
 }  // namespace nvsupport::service

@@ -2,10 +2,11 @@
 #ifndef NVSUPPORT_SERVICE_MAPSHOP_MAP_SHOP_SERVICE_H
 #define NVSUPPORT_SERVICE_MAPSHOP_MAP_SHOP_SERVICE_H
 
-#include <string>
+#include <cstdint>
 #include <string_view>
 
 #include "service/mapshop/product_index.h"
+#include "service/reply.h"
 
 namespace nvsupport::service {
 
@@ -14,8 +15,10 @@ inline constexpr std::size_t largestSearch = 1024UL * 1024;  // bytes of a reque
 inline constexpr std::size_t largestFinding = 32UL * 1024 * 1024;  // bytes of a reply, half of what clients take
 
 // Answers a request with the products whose area meets the box around its points, in the order of the product file. Of
-// more than fit into a reply of `largest` bytes it holds those that come first.
-std::string AnswerSearch(std::string_view request, const ProductIndex& products, std::size_t largest = largestFinding);
+// more than `most`, or than fit into a reply of `largest` bytes, it holds those that come first. They are read while
+// the reply is sent, and `products` must stay as they are until then.
+Reply AnswerSearch(std::string_view request, const ProductIndex& products, std::int64_t most,
+                   std::size_t largest = largestFinding);
 
 }  // namespace nvsupport::service
 

@@ -1,6 +1,7 @@
 #include "service/mapshop/product_file.h"
 
 #include <charconv>
+#include <cmath>
 #include <fstream>
 #include <string_view>
 #include <vector>
@@ -31,8 +32,11 @@ bool ParseArea(std::string_view south, std::string_view west, std::string_view n
   if (!Parse(south, area.south) || !Parse(west, area.west) || !Parse(north, area.north) || !Parse(east, area.east)) {
     return false;
   }
+  // Asked this way round, what is no number fails too.
+  const bool possible = std::abs(area.south) <= largestLatitude && std::abs(area.north) <= largestLatitude &&
+                        std::abs(area.west) <= largestLongitude && std::abs(area.east) <= largestLongitude;
   if (area.west > area.east) area.east += 360;
-  return area.south <= area.north;
+  return possible && area.south <= area.north;
 }
 
 bool ParseProduct(std::string_view line, Product& product) {

@@ -1,6 +1,6 @@
 // The products on offer, read from a text file: one product a line, columns separated by tabs, texts in UTF-8, lines
 // that begin with '#' left out. The columns are number, title, short text, file reference, size in KiB, south, west,
-// north and east; a product across the 180th meridian has its west above its east.
+// north and east, in degrees within +-90 and +-400; a product across the 180th meridian has its west above its east.
 #ifndef NVSUPPORT_SERVICE_MAPSHOP_PRODUCT_FILE_H
 #define NVSUPPORT_SERVICE_MAPSHOP_PRODUCT_FILE_H
 

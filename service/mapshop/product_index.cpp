@@ -33,13 +33,22 @@ constexpr const char* tables = R"(
 )";
 
 // Areas lie between -180 and 540 degrees of longitude, so one that is sought is looked for there in each of its turns.
-constexpr const char* search = R"(
-  SELECT number, title, short_text, file_reference, kibibytes, south, west, north, east FROM product WHERE id IN (
-    SELECT id FROM area WHERE north >= ?1 AND south <= ?2 AND east >= ?3 AND west <= ?4
-    UNION SELECT id FROM area WHERE north >= ?1 AND south <= ?2 AND east >= ?3 - 360 AND west <= ?4 - 360
-    UNION SELECT id FROM area WHERE north >= ?1 AND south <= ?2 AND east >= ?3 + 360 AND west <= ?4 + 360)
-  ORDER BY id
+constexpr const char* nearArea = R"(
+  SELECT id FROM area WHERE north >= ?1 AND south <= ?2 AND east >= ?3 AND west <= ?4
+  UNION ALL SELECT id FROM area WHERE north >= ?1 AND south <= ?2 AND east >= ?3 - 360 AND west <= ?4 - 360
+  UNION ALL SELECT id FROM area WHERE north >= ?1 AND south <= ?2 AND east >= ?3 + 360 AND west <= ?4 + 360
 )";
+
+constexpr const char* boxesOfAll = R"(
+  SELECT id, south, west, north, east, length(CAST(title || short_text || file_reference AS BLOB))
+  FROM product ORDER BY id
+)";
+constexpr const char* boxOfOne = R"(
+  SELECT id, south, west, north, east, length(CAST(title || short_text || file_reference AS BLOB))
+  FROM product WHERE id = ?
+)";
+constexpr const char* wholeProduct =
+    "SELECT number, title, short_text, file_reference, kibibytes FROM product WHERE id = ?";
 
 // Differs for any two states of a file.
 std::string Stamp(const std::string& path) {
@@ -56,11 +65,6 @@ Area Normal(Area area) {
   area.west -= std::floor((area.west + turn / 2) / turn) * turn;
   area.east = area.west + width;
   return area;
-}
-
-std::uint32_t Count(const SqliteFile& index) {
-  SqliteStatement source(index, "SELECT products FROM source");
-  return source.Step() ? static_cast<std::uint32_t>(source.Number(0)) : 0;
 }
 
 void Fill(SqliteFile& index, const std::string& productPath, const std::string& stamp) {
@@ -105,61 +109,92 @@ void Make(const std::string& path, const std::string& productPath, const std::st
 
 }  // namespace
 
-ProductIndex::ProductIndex(const std::string& productPath, const std::string& indexPath) {
+ProductIndex::Open::Open(SqliteFile opened)
+    : file(std::move(opened)),
+      near(file, nearArea),
+      all(file, boxesOfAll),
+      one(file, boxOfOne),
+      product(file, wholeProduct) {
+  SqliteStatement source(file, "SELECT stamp, products FROM source");
+  if (!source.Step()) return;
+  stamp = source.Text(0);
+  count = static_cast<std::uint32_t>(source.Number(1));
+}
+
+void ProductIndex::Update() {
   const std::string stamp = Stamp(productPath);
+  if (open && open->stamp == stamp) return;
   if (indexPath.empty()) {
-    file.emplace(":memory:", SqliteFile::Mode::shared);
-    Fill(*file, productPath, stamp);
-    count = Count(*file);
+    SqliteFile index(":memory:", SqliteFile::Mode::shared);
+    Fill(index, productPath, stamp);
+    open.emplace(std::move(index));
     return;
   }
-  if (Open(indexPath, stamp)) return;
+  if (Reopen(stamp)) return;
   FileQueue makers(indexPath + "-queue");
-  if (!file) {
+  if (!open) {
     makers.Enter();
   } else if (!makers.TryEnter()) {
     return;
   }
-  if (Open(indexPath, stamp)) return;  // another process was quicker
+  if (Reopen(stamp)) return;  // another process was quicker
   try {
-    Make(indexPath, productPath, stamp, file.has_value());
-    Open(indexPath, stamp);
+    Make(indexPath, productPath, stamp, open.has_value());
+    Reopen(stamp);
   } catch (const std::exception& error) {
-    if (!file) throw;
+    if (!open) throw;
     std::fprintf(stderr, "the products stay as they were: %s\n", error.what());
   }
 }
 
-bool ProductIndex::Open(const std::string& path, const std::string& wantedStamp) {
-  if (!std::filesystem::exists(path)) return false;
+bool ProductIndex::Reopen(const std::string& wantedStamp) {
+  if (!std::filesystem::exists(indexPath)) return false;
   try {
-    SqliteFile opened(path, SqliteFile::Mode::unchanging);
-    SqliteStatement source(opened, "SELECT stamp FROM source");
-    const std::string stamp = source.Step() ? source.Text(0) : "";
-    if (!stamp.starts_with(format)) return false;
-    count = Count(opened);
-    file = std::move(opened);
-    return stamp == wantedStamp;
+    Open opened(SqliteFile(indexPath, SqliteFile::Mode::unchanging));
+    if (!opened.stamp.starts_with(format)) return false;
+    open.emplace(std::move(opened));
+    return open->stamp == wantedStamp;
   } catch (const std::runtime_error&) {
     return false;  // no index, whatever it is: a new one takes its place
   }
 }
 
-void ProductIndex::Find(const Area& area, const std::function<bool(const Product&)>& take) const {
+std::optional<std::vector<std::int64_t>> ProductIndex::Near(const Area& area) const {
   const Area sought = Normal(area);
-  SqliteStatement found(*file, search);
   constexpr double margin = 1e-6;  // more than a turn can lose in rounding
-  found.Bind(sought.south, sought.north, sought.west - margin, sought.east + margin);
-  while (found.Step()) {
-    Product product;
-    product.number = static_cast<std::uint32_t>(found.Number(0));
-    product.title = found.Text(1);
-    product.shortText = found.Text(2);
-    product.fileReference = found.Text(3);
-    product.kibibytes = static_cast<std::uint32_t>(found.Number(4));
-    product.area = {found.Real(5), found.Real(6), found.Real(7), found.Real(8)};
-    if (Intersects(product.area, area) && !take(product)) return;
+  std::vector<std::int64_t> near;
+  open->near.Bind(sought.south, sought.north, sought.west - margin, sought.east + margin);
+  while (open->near.Step()) {
+    if (near.size() == mostNear) return std::nullopt;
+    near.push_back(open->near.Number(0));
   }
+  std::ranges::sort(near);
+  near.erase(std::unique(near.begin(), near.end()), near.end());
+  return near;
+}
+
+void ProductIndex::Find(const Area& area, const Take& take) const {
+  const auto takeIfMet = [&](const SqliteStatement& box) {
+    const Area found = {box.Real(1), box.Real(2), box.Real(3), box.Real(4)};
+    return !Intersects(found, area) || take(box.Number(0), static_cast<std::size_t>(box.Number(5)));
+  };
+  if (const auto near = Near(area)) {
+    for (const std::int64_t id : *near) {
+      open->one.Bind(id);
+      if (open->one.Step() && !takeIfMet(open->one)) return;
+    }
+  } else {
+    open->all.Bind();
+    while (open->all.Step() && takeIfMet(open->all)) continue;
+  }
+}
+
+Product ProductIndex::Get(std::int64_t id) const {
+  SqliteStatement& row = open->product;
+  row.Bind(id);
+  if (!row.Step()) throw std::runtime_error("a product is not in its index");
+  return {static_cast<std::uint32_t>(row.Number(0)), row.Text(1), row.Text(2), row.Text(3),
+          static_cast<std::uint32_t>(row.Number(4)), {}};
 }
 
 }  // namespace nvsupport::service

@@ -9,8 +9,9 @@
 #include <thread>
 
 #include "service/accounts/account_service.h"
-#include "service/cgi.h"
+#include "service/client_address.h"
 #include "service/database/file_queue.h"
+#include "service/settings.h"
 #include "service/utf8.h"
 #include "support/temporary_home.h"
 #include "support/wire_items.h"
@@ -41,34 +42,30 @@ class Accounts : public testing::Test {
   // A connection of its own, as each process has one.
   std::unique_ptr<Database> Open() const { return OpenDatabase(server.empty() ? folder / "accounts.sqlite" : server); }
 
-  // The status of the reply to a request that comes from an address now. What the service waits goes to `waited`.
-  std::uint32_t StatusOf(const std::string& request, const std::string& from = "192.0.2.1") {
-    waited = 0;
-    const auto wait = [this](std::int64_t seconds) { waited += seconds; };
-    return static_cast<unsigned char>(AccountService(*database, settings, {from, now, wait}).Answer(request).at(0));
+  // The status of the reply to a request that comes from an address now; 429 if the brake refuses it.
+  int StatusOf(const std::string& request, const std::string& from = "192.0.2.1") {
+    const Reply reply = AccountService(*database, settings).Answer(request, {from, now});
+    return reply.httpStatus == 200 ? static_cast<unsigned char>(reply.body.at(0)) : reply.httpStatus;
   }
 
   // The number of a new account.
   std::int64_t Make(AccountStore& store, const std::string& userId) {
-    EXPECT_EQ(StatusOf(CreateAccount(userId, userId + "@norvane.example")), 0U) << userId;
-    std::int64_t number = 0;
-    EXPECT_EQ(store.Verify(userId, "secret", number), Status::done) << userId;
-    return number;
+    EXPECT_EQ(StatusOf(CreateAccount(userId, userId + "@norvane.example")), 0) << userId;
+    return store.Find(userId, {}, now).value().account;
   }
 
   const nvsupport::testing::TemporaryFolder folder;
-  const std::string server = Variable("NV_SERVICE_DATABASE");
+  const std::string server = Setting("NV_SERVICE_DATABASE");
   const std::unique_ptr<Database> database = Open();
   AccountSettings settings;
   std::int64_t now = 1'000'000;
-  std::int64_t waited = 0;
 };
 
 TEST_F(Accounts, GetTheStatusesThatTheDialogsKnow) {
   const struct {
     const char* what;
     std::string request;
-    std::uint32_t status;
+    int status;
     std::int64_t later = 0;  // seconds behind the row above
   } cases[] = {
       {"first account", CreateAccount("Map Reader", "reader@norvane.example", "six 6!six"), 0},
@@ -99,51 +96,89 @@ TEST_F(Accounts, GetTheStatusesThatTheDialogsKnow) {
   for (const auto& row : cases) {
     now += row.later;
     EXPECT_EQ(StatusOf(row.request), row.status) << row.what;
-    EXPECT_EQ(StatusOf(row.request + '\0'), 1U) << row.what << ", with a byte too many";
-    EXPECT_EQ(StatusOf(row.request.substr(0, row.request.size() - 1)), 1U) << row.what << ", with a byte too few";
+    EXPECT_EQ(StatusOf(row.request + '\0'), 1) << row.what << ", with a byte too many";
+    EXPECT_EQ(StatusOf(row.request.substr(0, row.request.size() - 1)), 1) << row.what << ", with a byte too few";
   }
 }
 
-TEST_F(Accounts, AreGuessedSlowlyWhetherThereIsOneOrNot) {
-  settings.failuresPerAccount = 1;
-  settings.failuresPerAddress = 2;
-  EXPECT_EQ(StatusOf(CreateAccount("there", "reader@norvane.example")), 0U);
+TEST_F(Accounts, AreGuessedAtThePaceOfTheBrakeAndOpenToWhoIsKnown) {
+  settings.failuresPerAccount = 2;
+  settings.failuresPerAddress = 3;
+  settings.accountsPerAddress = 1;
+  settings.brakeSeconds = 60;
+  const std::string home = "192.0.2.1";
+  EXPECT_EQ(StatusOf(CreateAccount("there", "reader@norvane.example"), home), 0);
+  EXPECT_EQ(StatusOf(Int(9) + Text("there") + Text("secret") + Text("Desk") + Int(7) + Int(124) + Int(0), home), 0);
+  const auto signIn = [](const std::string& user, const std::string& password, int device) {
+    return Int(8) + Text(user) + Text(password) + Int(device);
+  };
+  const auto token = [](const std::string& user, const std::string& password) {
+    return Int(11) + Text(user) + Text(password);
+  };
   const struct {
     const char* what;
     std::int64_t later;  // seconds behind the row above
-    const char* user;
-    const char* password;
-    const char* from;
-    std::uint32_t status;
-    std::int64_t waited;
+    std::string request;
+    std::string from;
+    int status;
   } cases[] = {
-      {"first guess", 0, "there", "guess", "192.0.2.1", 5, 0},
-      {"second guess", 0, "there", "guess", "192.0.2.3", 5, 2},
-      {"behind the second", 0, "there", "guess", "192.0.2.4", 5, 4},
-      {"no more than two wait", 0, "there", "guess", "192.0.2.5", 20, 0},
-      {"no account: first guess", 0, "not", "guess", "192.0.2.6", 4, 0},
-      {"no account: second guess", 0, "not", "guess", "192.0.2.8", 4, 2},
-      {"no account: behind the second", 0, "not", "guess", "192.0.2.9", 4, 4},
-      {"another account: first guess", 0, "third", "guess", "192.0.2.10", 4, 0},
-      {"no more than four wait in all", 0, "third", "guess", "192.0.2.12", 20, 0},
-      {"the right password waits, too", 5, "there", "secret", "192.0.2.13", 0, 2},
-      {"who signs in is forgiven", 3, "there", "guess", "192.0.2.14", 5, 0},
-      {"others are not", 0, "not", "guess", "192.0.2.15", 4, 2},
-      {"but forgotten after a while", 903, "not", "guess", "192.0.2.16", 4, 0},
-      {"network: first guess", 0, "a", "guess", "2001:db8:1:2::1", 4, 0},
-      {"network: second guess", 0, "b", "guess", "2001:db8:1:2::2", 4, 0},
-      {"network: third guess", 0, "d", "guess", "2001:db8:1:2:ffff::9", 4, 2},
-      {"another network", 0, "e", "guess", "2001:db8:1:3::1", 4, 0},
-      {"address: first guess", 0, "f", "guess", "::ffff:192.0.2.77", 4, 0},
-      {"address: second guess", 0, "g", "guess", "192.0.2.77", 4, 0},
-      {"address: third guess", 0, "i", "guess", "192.0.2.77", 4, 2},
-      {"another address", 0, "j", "guess", "192.0.2.78", 4, 0},
+      {"first guess", 0, signIn("there", "guess", 1), "198.51.100.1", 5},
+      {"second guess", 0, signIn("there", "guess", 1), "198.51.100.2", 5},
+      {"third guess", 0, signIn("there", "guess", 1), "198.51.100.3", 429},
+      {"the right password of a stranger", 29, signIn("there", "secret", 1), "198.51.100.4", 429},
+      {"the user's device", 0, signIn("there", "secret", 7), "198.51.100.5", 0},
+      {"from where it was", 0, token("there", "secret"), "198.51.100.5", 0},
+      {"the user's address", 0, signIn("there", "secret", 8), home, 0},
+      {"a guess once again", 1, signIn("there", "guess", 1), "198.51.100.6", 5},
+      {"and no further one", 0, signIn("there", "guess", 1), "198.51.100.7", 429},
+      {"guesses at the user's address", 0, token("there", "guess"), home, 5},
+      {"the second", 0, token("there", "guess"), home, 5},
+      {"have a limit, too", 0, token("there", "guess"), home, 429},
+      {"not for the device there", 0, signIn("there", "secret", 7), home, 0},
+      {"which makes the address good", 0, token("there", "secret"), home, 0},
+      {"a failure of the device", 0, signIn("there", "guess", 7), home, 5},
+      {"the second", 0, signIn("there", "guess", 7), home, 5},
+      {"is limited, too", 0, signIn("there", "secret", 7), home, 429},
+      {"a clock set back", -3600, signIn("there", "secret", 7), home, 0},
+      {"and who signs in is forgiven", 0, signIn("there", "guess", 7), home, 5},
+      {"no account: first guess", 3600, signIn("not", "guess", 1), "198.51.100.1", 4},
+      {"no account: second guess", 0, signIn("not", "guess", 1), "198.51.100.2", 4},
+      {"no account: third guess", 0, signIn("not", "guess", 1), "198.51.100.3", 429},
+      {"no account: clock set back", -3600, signIn("not", "guess", 1), "198.51.100.4", 4},
+      {"no account: and then as before", 0, signIn("not", "guess", 1), "198.51.100.5", 429},
+      {"network: first guess", 3600, signIn("a", "guess", 1), "2001:db8:1:2::1", 4},
+      {"network: second guess", 0, signIn("b", "guess", 1), "2001:db8:1:2::2", 4},
+      {"network: third guess", 0, signIn("c", "guess", 1), "2001:db8:1:2:ffff::9", 4},
+      {"network: fourth guess", 0, signIn("d", "guess", 1), "2001:db8:1:2::3", 429},
+      {"another network", 0, signIn("d", "guess", 1), "2001:db8:1:3::1", 4},
+      {"address: first guess", 0, signIn("f", "guess", 1), "::ffff:192.0.2.77", 4},
+      {"address: second guess", 0, signIn("g", "guess", 1), "192.0.2.77", 4},
+      {"address: third guess", 0, signIn("h", "guess", 1), "192.0.2.77", 4},
+      {"address: fourth guess", 0, signIn("i", "guess", 1), "::ffff:192.0.2.77", 429},
+      {"the user there is a stranger", 0, signIn("there", "secret", 1), "192.0.2.77", 429},
+      {"an account from there", 0, CreateAccount("new", "new@norvane.example"), "192.0.2.77", 0},
+      {"the second", 0, CreateAccount("newer", "newer@norvane.example"), "192.0.2.77", 429},
+      {"a taken user ID costs nothing", 0, CreateAccount("there", "newer@norvane.example"), "192.0.2.77", 2},
+      {"the second later", 60, CreateAccount("newer", "newer@norvane.example"), "192.0.2.77", 0},
   };
   for (const auto& row : cases) {
     now += row.later;
-    EXPECT_EQ(StatusOf(SignIn(row.user, row.password), row.from), row.status) << row.what;
-    EXPECT_EQ(waited, row.waited) << row.what;
+    EXPECT_EQ(StatusOf(row.request, row.from), row.status) << row.what;
   }
+}
+
+TEST_F(Accounts, GetANewHashWhenItsCostHasRisen) {
+  AccountStore store(*database);
+  const std::int64_t account = Make(store, "reader");
+  // Of "secret", at the least cost there is.
+  const std::string former =
+      "$argon2id$v=19$m=8,t=1,p=1$bGUXmkmwVCYC5X+NMpe+Kw$7hVLiQKw/LgUlDX/2242HahTO7M28uqK1IZ+6Sn0HAg";
+  database->Run("UPDATE account SET password_hash = $1 WHERE id = $2", former, account);
+  EXPECT_EQ(StatusOf(SignIn("reader", "wrong")), 5);
+  EXPECT_EQ(store.Find("reader", {}, now).value().passwordHash, former);
+  EXPECT_EQ(StatusOf(SignIn("reader", "secret")), 0);
+  EXPECT_NE(store.Find("reader", {}, now).value().passwordHash, former);
+  EXPECT_EQ(StatusOf(SignIn("reader", "secret")), 0);
 }
 
 TEST_F(Accounts, LoseTheOldestOfTooManySessions) {
@@ -175,7 +210,7 @@ TEST_F(Accounts, HaveComputersUpToALimit) {
   EXPECT_EQ(store.NameComputer(account, {0xFFFFFFFF, "new", 0}), Status::tooManyComputers);
   EXPECT_EQ(store.NameComputer(account, {0, "renamed", 0}), Status::done);
   EXPECT_EQ(store.NameComputer(Make(store, "other"), {0xFFFFFFFF, "of another", 0}), Status::done);
-  EXPECT_FALSE(store.HasComputer(account, 0xFFFFFFFF));
+  EXPECT_FALSE(store.Find("reader", {0xFFFFFFFF, ""}, now).value().knowsDevice);
   EXPECT_EQ(store.Computers(account).back().name, "renamed");
 }
 
@@ -222,18 +257,36 @@ TEST(AccountSettings, AreReadFromTheirVariables) {
       {"NV_SERVICE_SESSIONS_PER_ACCOUNT", &AccountSettings::sessionsPerAccount},
       {"NV_SERVICE_FAILURES_PER_ACCOUNT", &AccountSettings::failuresPerAccount},
       {"NV_SERVICE_FAILURES_PER_ADDRESS", &AccountSettings::failuresPerAddress},
-      {"NV_SERVICE_FAILURE_SECONDS", &AccountSettings::failureSeconds},
-      {"NV_SERVICE_SLOW_SECONDS", &AccountSettings::slowSeconds},
-      {"NV_SERVICE_SLOW_AT_A_TIME", &AccountSettings::slowAtATime},
+      {"NV_SERVICE_ACCOUNTS_PER_ADDRESS", &AccountSettings::accountsPerAddress},
+      {"NV_SERVICE_BRAKE_SECONDS", &AccountSettings::brakeSeconds},
   };
   for (const auto& [name, setting] : cases) {
     const ScopedVariable set(name, "77");
     EXPECT_EQ(ReadAccountSettings().*setting, 77) << name;
   }
   for (const char* wrong : {"0", "12x"}) {
-    const ScopedVariable set("NV_SERVICE_SLOW_SECONDS", wrong);
+    const ScopedVariable set("NV_SERVICE_BRAKE_SECONDS", wrong);
     EXPECT_THROW(ReadAccountSettings(), std::runtime_error) << wrong;
   }
+}
+
+TEST(ClientAddress, IsTheLastThatNoTrustedProxyHas) {
+  const ScopedVariable set("NV_TRUSTED_PROXIES", "192.0.2.7, 10.0.0.0/8,2001:db8::/32");
+  const struct {
+    const char* peer;
+    const char* forwarded;
+    const char* client;
+  } cases[] = {
+      {"198.51.100.1", "203.0.113.5", "198.51.100.1"},
+      {"192.0.2.7", "203.0.113.5", "203.0.113.5"},
+      {"::ffff:10.1.2.3", "1.2.3.4, 203.0.113.5 ,10.9.9.9", "203.0.113.5"},
+      {"2001:db8:5::1", "2001:db9::1", "2001:db9::1"},
+      {"192.0.2.7", "", "192.0.2.7"},
+      {"192.0.2.7", "203.0.113.5, no address", "192.0.2.7"},
+      {"192.0.2.6", "203.0.113.5", "192.0.2.6"},
+      {"11.0.0.1", "203.0.113.5", "11.0.0.1"},
+  };
+  for (const auto& row : cases) EXPECT_EQ(ClientAddress(row.peer, row.forwarded), row.client) << row.peer;
 }
 
 TEST(FileQueue, LetsNobodyBackInBeforeWhoWaits) {
@@ -258,7 +311,9 @@ TEST(FileQueue, LetsNobodyBackInBeforeWhoWaits) {
   first.Enter();
   order += "first";
   EXPECT_EQ(order, "second first");
+  EXPECT_FALSE(second.Enter(std::chrono::milliseconds(60))) << "for ever";
   first.Leave();
+  EXPECT_TRUE(second.Enter(std::chrono::milliseconds(60)));
 }
 
 TEST(ToUtf8, TakesWhatIsNoneForWindows1252) {

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Starts one of the configurations that operators get, as installed, with paths and ports of the test's own: the
 # examples of the protocol page and the account page have to go through it, no account operation without TLS, and neither
-# logs nor accounts hold a secret. Last come requests to a program that web servers would not let through.
+# logs nor accounts hold a secret, whatever fails. Last come requests to a program by CGI that web servers would not let
+# through.
 #
 # deploy_test.sh BUILD-FOLDER SOURCE-FOLDER lighttpd|nginx
 set -euo pipefail
@@ -28,22 +29,26 @@ openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -days 2 -su
 # An installed file with the test's paths for the operators' own, and two ports.
 adapt() {
   sed -e "s|/usr/local/|$root/usr/|g" -e "s|/etc/nvservice|$root/etc|g" -e "s|/var/lib/nvservice|$root/state|g" \
-    -e "s|/var/log/nvservice|$root/logs|g" -e "s|/run/nvservice|$root/run|g" \
+    -e "s|/var/log/nvservice|$root/logs|g" -e "s|/run/nvservice|$root/run|g" -e "s|/var/spool|$root/run|g" \
     -e "s|0\.0\.0\.0|127.0.0.1|" -e "s|http_port = 80|http_port = $http|" -e "s|https_port = \"443\"|https_port = \"$https\"|" \
     -e "s|listen 80;|listen 127.0.0.1:$http;|" -e "s|listen 443 ssl;|listen 127.0.0.1:$https ssl;|" \
     "$root/usr/share/nvservice/deploy/$1"
 }
 start() { setsid "$@" >>"$root/logs/servers" 2>&1 & servers+=($!); }
-start_unit() { # shellcheck disable=SC2046
-  start $(adapt "$1" | sed -n 's/^ExecStart=//p') "${@:2}"
-}
+unit_command() { adapt "$1" | sed -n 's/^ExecStart=//p'; }
 start_lighttpd() {
   adapt lighttpd.conf >"$root/etc/lighttpd.conf"
-  start_unit nvservice-lighttpd.service
+  # shellcheck disable=SC2046
+  start $(unit_command nvservice-lighttpd.service)
 }
 start_nginx() {
-  rm -f "$root/run/cgi.socket"
-  start_unit nvservice-cgi.service -s "unix:$root/run/cgi.socket" # which the socket unit opens elsewhere
+  local program command
+  for program in svcapp svcuser mapstore2; do
+    rm -f "$root/run/$program.socket"
+    command=$(unit_command nvservice@.service)
+    # The socket unit opens the socket elsewhere. shellcheck disable=SC2046
+    start env $(adapt settings | grep -v '^#') spawn-fcgi -n -s "$root/run/$program.socket" -- "${command//%i/$program}"
+  done
   {
     ((EUID == 0)) && echo "user root;"
     echo "daemon off; pid $root/run/nginx.pid; events {} http {"
@@ -82,14 +87,39 @@ for operation in create-account sign-in name-computer; do
 done
 expect https sign-in svcapp.cgi 0000000000000000 # the computer has a name now
 expect http sign-in svcapp.cgi 01000000
+http_status() { get -o "$root/page" -w "%{http_code}${2:+ $2}" "${@:3}" "$1"; }
+for path in health/live health/write metrics; do
+  [[ $(http_status "http://service.norvane.example/$path") == 200 ]] || fail "no answer from /$path"
+done
+grep -qx 'nvservice_requests_total{program="svcapp",status="403"} 1' "$root/page" || fail "requests are not counted"
 [[ $(stat -c %a "$root"/state/accounts.sqlite*) == 600$'\n'600 ]] || fail "others can read the accounts"
 token=$(post https session-token svcapp.cgi | cut -c 17- | sed -E 's/(..)../\1/g' | xxd -r -p)
 [[ ${#token} == 19 ]] || fail "no session token"
 page() { get -w ' %{http_code}' "${@:2}" "$1://service.norvane.example/cgi-bin/svcuser.cgi?session=$token"; }
 [[ $(page https) == *'<b>Zoë Map</b>'*'<li>Desk &lt;A &amp; B&gt;</li>'*' 200' ]] || fail "no account page"
 [[ $(page http -d '') == *' 403' ]] || fail "the account page opens without TLS"
+headers=$(page https -I)
+for header in "Content-Security-Policy: .*frame-ancestors 'none'" 'X-Content-Type-Options: nosniff' \
+  'Referrer-Policy: no-referrer' 'Cache-Control: no-store'; do
+  grep -qi "^$header" <<<"$headers" || fail "the account page lacks $header"
+done
+[[ $(page https -i -X PUT | tr -d '\0') == *'Allow: GET, HEAD, POST'*' 405' ]] || fail "the account page answers to PUT"
 [[ $(page https -d '') == *'All sessions have ended'*' 200' ]] || fail "the sessions are not ended"
 [[ $(page https) == *'This session has ended'*' 403' ]] || fail "the account page opens after the end of the session"
+python3 -c 'import sqlite3, sys, time
+sqlite3.connect(sys.argv[1]).execute("BEGIN EXCLUSIVE"); print(flush=True); time.sleep(60)' "$root/state/accounts.sqlite" \
+  >"$root/locked" & locker=$!
+until [[ -s $root/locked ]]; do sleep 0.1; done
+for address in http://service.norvane.example/health/write \
+  https://service.norvane.example/cgi-bin/{svcapp,svcuser}.cgi?session="$token"; do
+  [[ $(http_status "$address" '%{time_total}' --data-binary "@$root/request") == 503\ [01].* ]] ||
+    fail "$address waits for a locked database"
+done
+[[ $(post https sign-in svcapp.cgi) == 14000000 ]] || fail "another status when the database is locked"
+expect http search mapstore2.cgi "$(example 'search reply')"
+kill $locker
+rm "$root"/run/svcuser.socket*
+[[ $(page https) == *' 50'? ]] || fail "the account page opens without its program"
 stop # and so write the logs
 grep -q "GET /cgi-bin/svcuser.cgi 200" "$root/logs/access.log" || fail "the log does not tell of the account page"
 status=0
@@ -115,5 +145,5 @@ done <<CASES
 400 POST on 49
 CASES
 reply=$(svcapp REQUEST_METHOD=POST HTTPS=on CONTENT_LENGTH=48 NV_SERVICE_DATABASE=/nowhere/accounts.sqlite)
-[[ $reply == 'Status: 200'*$'\r\n\r\n\24' ]] || fail "another answer without accounts"
+[[ $reply == 'Status: 503'*'Retry-After: 2'*$'\r\n\r\n\24' ]] || fail "another answer without accounts"
 grep -q /nowhere/accounts.sqlite "$root/logs/svcapp" || fail "the log does not tell what is wrong with the accounts"

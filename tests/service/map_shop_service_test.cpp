@@ -46,7 +46,24 @@ struct Shop {
     WriteWholeFile(folder / "new", lines);
     std::filesystem::rename(folder / "new", products);
   }
-  std::string Answer(const std::string& request) const { return AnswerSearch(request, ProductIndex(products, index)); }
+  std::string Answer(const std::string& request, std::int64_t most = 1000, std::size_t largest = 10000) const {
+    return Whole(request, index, most, largest);
+  }
+  // With the bytes as they were announced.
+  std::string Whole(const std::string& request, const std::string& indexFile, std::int64_t most,
+                    std::size_t largest) const {
+    ProductIndex offered(products, indexFile, 50);
+    offered.Update();
+    const Reply reply = AnswerSearch(request, offered, most, largest);
+    std::string bytes = reply.body;
+    const auto append = [&](std::string_view piece) {
+      bytes += piece;
+      return true;
+    };
+    if (reply.rest) reply.rest(append);
+    EXPECT_EQ(bytes.size(), reply.body.size() + reply.restBytes);
+    return bytes;
+  }
 
   const TemporaryFolder folder;
   const std::string products = folder / "products.tsv";
@@ -103,15 +120,41 @@ TEST(MapShopSearch, FollowsTheProductFile) {
   shop.Offer(Line(6));
   WriteWholeFile(shop.index, "no index");
   EXPECT_EQ(shop.Answer(all), Finding({6}, 1));
-  EXPECT_EQ(AnswerSearch(all, ProductIndex(shop.products, "")), Finding({6}, 1)) << "without an index";
-  EXPECT_THROW(ProductIndex(shop.folder / "none", shop.index), std::runtime_error);
+  EXPECT_EQ(shop.Whole(all, "", 10, 1000), Finding({6}, 1)) << "without an index";
+  EXPECT_THROW(ProductIndex(shop.folder / "none", shop.index).Update(), std::runtime_error);
+
+  ProductIndex kept(shop.products, shop.index);
+  kept.Update();
+  shop.Offer(Line(7) + Line(8));
+  EXPECT_EQ(shop.Answer(all), Finding({7, 8}, 2));
+  kept.Update();
+  EXPECT_EQ(kept.ProductCount(), 2U);
 }
 
 TEST(MapShopSearch, GivesNoMoreThanFitsIntoAReply) {
   const std::string title(900, 't');
   const Shop shop(Line(1, "0\t0\t0\t0", title) + Line(2) + Line(3));
-  const std::string reply = AnswerSearch(Search({}), ProductIndex(shop.products, shop.index), 1000);
-  EXPECT_EQ(reply, Int(0) + Int(0) + Int(1) + Text(title) + Int(1) + Text("") + Text("") + Int(0) + Int(3));
+  EXPECT_EQ(shop.Answer(Search({}), 1000, 1830),
+            Int(0) + Int(0) + Int(1) + Text(title) + Int(1) + Text("") + Text("") + Int(0) + Int(3));
+
+  std::string dense;  // more than are sorted
+  for (int number = 0; number < 4000; ++number) dense += Line(number, number % 2 == 0 ? "0\t0\t9\t9" : "5\t5\t9\t9");
+  shop.Offer(dense);
+  EXPECT_EQ(shop.Answer(Search({{1, 1}}), 3), Finding({0, 2, 4}, 4000));
+  EXPECT_EQ(shop.Answer(Search({{7, 7}}), 3), Finding({0, 1, 2}, 4000));
+  EXPECT_EQ(shop.Answer(Search({}), 3000, 100'000).size(), Finding({}, 0).size() + 3000 * 20);
+}
+
+TEST(MapShopSearch, IsNotOfferedProductsAtImpossiblePlaces) {
+  for (const char* area : {"-90.1\t0\t0\t0", "0\t0\t91\t0", "0\tnan\t0\t0", "0\t0\tinf\t0", "0\t0\t0\t401"}) {
+    const Shop shop(Line(1) + Line(2, area));
+    try {
+      shop.Answer(Search({}));
+      ADD_FAILURE() << area;
+    } catch (const std::runtime_error& error) {
+      EXPECT_TRUE(std::string(error.what()).ends_with("products.tsv: line 2")) << error.what();
+    }
+  }
 }
 
 TEST(MapShopSearch, IsNotUnderstoodWhenItIsCutOrNoArea) {
