@@ -4,10 +4,10 @@
 
 namespace nvsupport {
 
-const char* MessageFor(std::span<const StatusMessage> table, std::int32_t status, const char* other) {
+StatusMessage MessageFor(std::span<const StatusMessage> table, std::int32_t status, const char* other) {
   const auto row =
       std::find_if(table.begin(), table.end(), [status](const auto& known) { return known.status == status; });
-  return row != table.end() ? row->text : other;
+  return row != table.end() ? *row : StatusMessage{status, other};
 }
 
 StatusReply SendForStatus(CWebBinaryCGI& cgi) {

@@ -27,10 +27,11 @@ inline constexpr char exchangeFailed[] = "A problem occured communicating with t
 struct StatusMessage {
   std::int32_t status;
   const char* text;
+  int field = 0;  // of the dialog, to be corrected; 0 where it is not the user's fault
 };
 
-// The text for a status, `other` if the table lacks it.
-const char* MessageFor(std::span<const StatusMessage> table, std::int32_t status, const char* other);
+// The message for a status; that of the text `other` if the table lacks it.
+StatusMessage MessageFor(std::span<const StatusMessage> table, std::int32_t status, const char* other);
 
 struct StatusReply {
   bool sent = false;         // the request went out and a reply came

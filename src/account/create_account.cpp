@@ -19,12 +19,13 @@ constexpr char privacyPage[] = "http://" NV_WEB_HOST "/privacy.htm";
 constexpr StatusMessage refusals[] = {
     {2,
      "This user name is already in use.\nIf this is your account and you have forgotten the User ID or Password, "
-     "click \"Cancel\" and \"I Forgot\" to recover them."},
-    {3, "The password must be at least 6 letters or numbers"},
+     "click \"Cancel\" and \"I Forgot\" to recover them.",
+     IDC_USER_ID},
+    {3, "The password must be at least 6 letters or numbers", IDC_PASSWORD},
     {statusEmailKnown,
      "An account already exists with the same email address. Please sign in to that account.\nIf you have forgotten "
      "the User ID or Password, click \"Forgot\" to recover them."},
-    {14, "You must provide a valid email address."},
+    {14, "You must provide a valid email address.", IDC_EMAIL},
 };
 
 // The language as the user chose it, which is not always one that has a catalogue.
@@ -55,6 +56,7 @@ bool CVServiceManager::CreateAccount(HWND parent) {
       if (getSecretText(IDC_RETYPE_PASSWORD) != getSecretText(IDC_PASSWORD)) {
         ShowMessage(hwnd, MB_ICONERROR, "The passwords do not match");
         SetWindowTextA(GetDlgItem(hwnd, IDC_RETYPE_PASSWORD), "");
+        FocusItem(hwnd, IDC_RETYPE_PASSWORD);
         return;
       }
       TakeFields();
@@ -111,11 +113,13 @@ bool CVServiceManager::CreateAccount(HWND parent) {
     void ShowError(const char* text) { ShowMessage(hwnd, MB_ICONERROR, text); }
 
     void ShowRefusal(std::int32_t status) {
-      if (const char* const text = MessageFor(refusals, status, nullptr)) {
-        ShowError(text);
+      const StatusMessage refusal = MessageFor(refusals, status, nullptr);
+      if (refusal.text != nullptr) {
+        ShowError(refusal.text);
       } else {
         ShowMessageFormat(hwnd, MB_ICONERROR, "The server returned error code %d", static_cast<int>(status));
       }
+      FocusItem(hwnd, refusal.field);
       if (status == statusEmailKnown) onCancel();
     }
 

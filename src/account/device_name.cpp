@@ -66,7 +66,7 @@ bool CVServiceManager::SendDeviceName(HWND parent, const std::string& name) {
   }
   if (!reply.answered) return false;
   if (reply.status == statusSuccess) return true;
-  ShowMessage(parent, MB_OK, MessageFor(refusals, reply.status, exchangeFailed));
+  ShowMessage(parent, MB_OK, MessageFor(refusals, reply.status, exchangeFailed).text);
   return false;
 }
 

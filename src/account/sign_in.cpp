@@ -19,9 +19,10 @@ constexpr char credentialMissing[] = "You must provide a user name and password 
 constexpr StatusMessage refusals[] = {
     {statusWrongUserId,
      "The User ID is not correct. If you have lost your ID, click the \"I Forgot\" button. Do not create more than "
-     "one account."},
-    {statusWrongPassword,
-     "The Password is not correct. If you have lost your password, click the \"I Forgot\" button."},
+     "one account.",
+     IDC_USER_ID},
+    {statusWrongPassword, "The Password is not correct. If you have lost your password, click the \"I Forgot\" button.",
+     IDC_PASSWORD},
 };
 
 }  // namespace
@@ -35,8 +36,7 @@ bool CVServiceManager::Login(HWND parent) {
       const bool known = !m_session->m_userId.empty();
       setItemText(IDC_USER_ID, m_session->m_userId);
       if (known) setItemText(IDC_PASSWORD, m_session->m_password);
-      const HWND first = GetDlgItem(hwnd, known ? IDC_PASSWORD : IDC_USER_ID);
-      SendMessageA(hwnd, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(first), 1);
+      FocusItem(hwnd, known ? IDC_PASSWORD : IDC_USER_ID);
       return 0;
     }
 
@@ -82,6 +82,7 @@ bool CVServiceManager::Login(HWND parent) {
 bool CVServiceManager::VerifyAccount(HWND parent) {
   if (m_userId.empty() || m_password.empty()) {
     ShowMessage(parent, MB_ICONINFORMATION, credentialMissing);
+    FocusItem(parent, m_userId.empty() ? IDC_USER_ID : IDC_PASSWORD);
     return false;
   }
 
@@ -99,7 +100,9 @@ bool CVServiceManager::VerifyAccount(HWND parent) {
   }
   if (reply.status == statusSuccess && state == stateSignedIn) return true;
   if (reply.status == statusSuccess && state == stateComputerUnnamed) return SetDeviceName(parent);
-  ShowMessage(parent, MB_OK, MessageFor(refusals, reply.status, exchangeFailed));
+  const StatusMessage refusal = MessageFor(refusals, reply.status, exchangeFailed);
+  ShowMessage(parent, MB_OK, refusal.text);
+  FocusItem(parent, refusal.field);
   return false;
 }
 

@@ -28,6 +28,11 @@ HINSTANCE ResourceModuleFor(std::uint32_t id) {
   return resourceLibrary;
 }
 
+void FocusItem(HWND dialog, int id) {
+  const HWND control = GetDlgItem(dialog, id);
+  if (control != nullptr) SendMessageA(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), 1);
+}
+
 INT_PTR Dialog::onInitDialog(WPARAM, LPARAM) {
   return 1;
 }

@@ -46,6 +46,9 @@ class Dialog : public Window {
   std::uint32_t dialogId;
 };
 
+// Gives a control of a dialog the focus, an edit with its text selected. Nothing happens without such a control.
+void FocusItem(HWND dialog, int id);
+
 // The modules that hold the dialog templates: the library's own, as the loader named it, and the one of the dialogs
 // with large ids; null until first needed, then kept.
 extern HINSTANCE g_moduleHandle;

@@ -136,21 +136,25 @@ TEST_F(AccountDialogs, TellsTheUserOfEachFailureAndLetsHimTryAgain) {
     std::optional<std::string> reply;  // nothing: there is no server
     UINT type;
     const char* text;  // how the message begins; null: there is none
+    int field = 0;     // that is selected then, to be corrected
   } failures[] = {
-      {noUserId, std::nullopt, MB_ICONINFORMATION, "You must provide a user name and password to access your account."},
-      {noPassword, std::nullopt, MB_ICONINFORMATION, "You must provide a user name and password"},
+      {noUserId, std::nullopt, MB_ICONINFORMATION, "You must provide a user name and password to access your account.",
+       IDC_USER_ID},
+      {noPassword, std::nullopt, MB_ICONINFORMATION, "You must provide a user name and password", IDC_PASSWORD},
       {account, std::nullopt, plain, exchangeFailed},
       {account, Int(0), plain, exchangeFailed},
       {account, Int(0) + Int(2), plain, exchangeFailed},
-      {account, Int(4), plain, "The User ID is not correct. If you have lost your ID, click the \"I Forgot\""},
-      {account, Int(5), plain, "The Password is not correct. If you have lost your password, click"},
-      {mismatch, std::nullopt, error, "The passwords do not match"},
+      {account, Int(4), plain, "The User ID is not correct. If you have lost your ID, click the \"I Forgot\"",
+       IDC_USER_ID},
+      {account, Int(5), plain, "The Password is not correct. If you have lost your password, click", IDC_PASSWORD},
+      {mismatch, std::nullopt, error, "The passwords do not match", IDC_RETYPE_PASSWORD},
       {newAccount, std::nullopt, error, "Problem communicating over the internet"},
       {newAccount, "", error, "Internal server error"},
-      {newAccount, Int(2), error, "This user name is already in use.\nIf this is your account and you have forgotten"},
-      {newAccount, Int(3), error, "The password must be at least 6 letters or numbers"},
+      {newAccount, Int(2), error, "This user name is already in use.\nIf this is your account and you have forgotten",
+       IDC_USER_ID},
+      {newAccount, Int(3), error, "The password must be at least 6 letters or numbers", IDC_PASSWORD},
       {newAccount, Int(13), error, "An account already exists with the same email address. Please sign in"},
-      {newAccount, Int(14), error, "You must provide a valid email address."},
+      {newAccount, Int(14), error, "You must provide a valid email address.", IDC_EMAIL},
       {newAccount, Int(-70000), error, "The server returned error code -70000"},
       {device, std::nullopt, plain, "Unable to contact the server."},
       {device, "", plain, nullptr},
@@ -158,7 +162,7 @@ TEST_F(AccountDialogs, TellsTheUserOfEachFailureAndLetsHimTryAgain) {
       {device, Int(5), plain, "The Password is not correct"},
       {device, Int(99), plain, exchangeFailed},
   };
-  for (const auto& [tried, reply, type, text] : failures) {
+  for (const auto& [tried, reply, type, text, field] : failures) {
     SCOPED_TRACE(std::string(tried.title) + ": " + (text != nullptr ? text : "no message"));
     server.reset();
     if (reply) Serve({*reply});
@@ -166,7 +170,9 @@ TEST_F(AccountDialogs, TellsTheUserOfEachFailureAndLetsHimTryAgain) {
     const std::string before = Profile();
     // A known address alone leads out of the dialog.
     const bool stays = reply != Int(13);
-    const Step again = Sees(tried.title);
+    const Step again = Sees(tried.title, [this, field = field](HWND dialog) {
+      EXPECT_EQ(person.selectedWhole, GetDlgItem(dialog, field));
+    });
     const Steps tryTwice = {Clicks(IDOK), again, Clicks(IDOK), again, Clicks(IDCANCEL)};
     EXPECT_FALSE(Run(tried.fill + (stays ? tryTwice : Steps{Clicks(IDOK)}), tried.operation));
 

@@ -42,7 +42,9 @@ constexpr PassedOn passedOn[] = {
     {"language/translation_catalogue.cpp", "format"},  // likewise
     {"ui/message.cpp", "text"},                        // likewise
     {"ui/message.cpp", "format"},                      // likewise
-    {"account/create_account.cpp", "text"},            // what MessageFor gave, and the text of a call of ShowError
+    {"account/create_account.cpp", "text"},            // that of a call of ShowError
+    {"account/create_account.cpp", "refusal.text"},    // what MessageFor gave
+    {"account/sign_in.cpp", "refusal.text"},           // likewise
     {"account/create_account.cpp", "nullptr"},         // no text for other states
     {"language/window_text.cpp", "text"},              // of the templates
 };
