@@ -31,6 +31,7 @@ class BackgroundDownload {
 
   // True if the transfer ends within that time.
   bool EndsWithin(std::chrono::milliseconds time) const;
+  const std::string& File() const { return file; }
   Outcome Result() const { return outcome.get(); }  // waits for the end
   WebProgressCounters Progress() const { return {done, total}; }
 

@@ -12,9 +12,11 @@
 #include <QPushButton>
 #include <QTableWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <optional>
+#include <utility>
 
 #include "commands.h"
 
@@ -38,6 +40,11 @@ std::optional<MapShopPoint> ParsePoint(const QString& text) {
 constexpr int progressSteps = 1000;
 
 using namespace std::chrono_literals;
+
+// Room for a coordinate such as "47, 15".
+void KeepReadable(QLineEdit& edit) {
+  edit.setMinimumWidth(edit.minimumSizeHint().width() + edit.fontMetrics().horizontalAdvance("00, 00"));
+}
 
 constexpr auto lookPause = 100ms;
 constexpr auto stopPatience = 500ms;  // at the end of the program
@@ -84,10 +91,13 @@ QWidget* MainWindow::MakeShopBox() {
   southEast->setObjectName("southEast");
   searchButton = new QPushButton("&Search");
   searchButton->setObjectName("search");
-  area->addWidget(new QLabel("Area, latitude and longitude from"));
-  area->addWidget(northWest);
-  area->addWidget(new QLabel("to"));
-  area->addWidget(southEast);
+  for (const auto& [name, edit] : {std::pair("Latitude and longitude &from", northWest), {"t&o", southEast}}) {
+    auto* label = new QLabel(name);
+    label->setBuddy(edit);
+    KeepReadable(*edit);
+    area->addWidget(label);
+    area->addWidget(edit);
+  }
   area->addWidget(searchButton);
   products = new QTableWidget(0, columnCount);
   products->setObjectName("products");
@@ -149,6 +159,9 @@ void MainWindow::Search() {
     status->setText("An area is two points, each a latitude (-90 to 90) and a longitude (-400 to 400).");
     return;
   }
+  // The search goes on in this thread, which draws nothing until its end.
+  status->setText("Searching ...");
+  repaint();
   const std::array<MapShopPoint, 2> area{*first, *second};
   NVMapShopHandle results = support.search(area.data(), static_cast<int32_t>(area.size()));
   MapShopItem item;
@@ -163,7 +176,7 @@ void MainWindow::Search() {
   status->setText(products->rowCount() == 0 ? QString("No products: none on offer there, or the shop is out of reach.")
                                             : QString("%1 products").arg(products->rowCount()));
   if (products->rowCount() > 0) products->selectRow(0);
-  downloadButton->setEnabled(!download && products->rowCount() > 0);
+  downloadButton->setEnabled(!cancelButton->isEnabled() && products->rowCount() > 0);
 }
 
 void MainWindow::StartDownload() {
@@ -172,23 +185,36 @@ void MainWindow::StartDownload() {
   const QString path = products->item(row, fileColumn)->text();
   file = QFileDialog::getSaveFileName(this, "Download to", path.section('/', -1));
   if (file.isEmpty()) return;
-  download = std::make_unique<nvhost::BackgroundDownload>(support, fileHost, path.toLocal8Bit().toStdString(),
-                                                          file.toLocal8Bit().toStdString());
-  status->setText("Downloading ...");
+  notBegun = path;
   SetDownloading(true);
   signalWatch.emplace();
   look.start();
+  BeginDownload();
+}
+
+// A cancelled download has its file until it has ended, which is when the server sends its next bytes.
+void MainWindow::BeginDownload() {
+  const std::string target = file.toLocal8Bit().toStdString();
+  const bool isTaken =
+      std::any_of(cancelled.begin(), cancelled.end(), [&](const auto& one) { return one->File() == target; });
+  status->setText(isTaken ? "Waiting for the end of the download that was cancelled ..." : "Downloading ...");
+  if (isTaken) return;
+  const std::string path = notBegun->toLocal8Bit().toStdString();
+  notBegun.reset();
+  download = std::make_unique<nvhost::BackgroundDownload>(support, fileHost, path, target);
 }
 
 void MainWindow::LookAtDownloads() {
   std::erase_if(cancelled, [](const auto& one) { return one->EndsWithin(0ms); });
-  if (download && download->EndsWithin(0ms)) {
+  if (notBegun) {
+    BeginDownload();
+  } else if (download && download->EndsWithin(0ms)) {
     ShowResult();
   } else if (download) {
     ShowProgress(download->Progress());
   }
   if (signalWatch->Seen() != 0) QApplication::exit(nvhost::interruptedBy + signalWatch->Seen());
-  if (download || !cancelled.empty()) return;
+  if (download || notBegun || !cancelled.empty()) return;
   look.stop();
   signalWatch.reset();
 }
@@ -214,8 +240,11 @@ void MainWindow::ShowResult() {
 }
 
 void MainWindow::Cancel() {
-  download->Stop();
-  cancelled.push_back(std::move(download));
+  notBegun.reset();
+  if (download) {
+    download->Stop();
+    cancelled.push_back(std::move(download));
+  }
   status->setText("Cancelled.");
   SetDownloading(false);
 }

@@ -37,6 +37,7 @@ class MainWindow : public QWidget {
   void GetToken();
   void Search();
   void StartDownload();
+  void BeginDownload();
   void LookAtDownloads();
   void ShowProgress(const WebProgressCounters& counters);
   void ShowResult();
@@ -48,7 +49,8 @@ class MainWindow : public QWidget {
   // While there are downloads:
   QTimer look;
   std::optional<nvhost::SignalWatch> signalWatch;
-  QString file;  // that is being downloaded
+  QString file;                     // to download to
+  std::optional<QString> notBegun;  // what to download there, until the file is free
   std::unique_ptr<nvhost::BackgroundDownload> download;
   std::vector<std::unique_ptr<nvhost::BackgroundDownload>> cancelled;  // until they have ended
 
