@@ -4,7 +4,7 @@
 // /health/write  200 if the accounts can be written to, else 503
 // /metrics       the counters, for Prometheus
 //
-// NV_SERVICE_DATABASE says where the accounts are; account_settings.h tells about the other variables.
+// NV_SERVICE_DATABASE says where the accounts are; account_settings.h lists the other variables.
 #include <ctime>
 #include <optional>
 

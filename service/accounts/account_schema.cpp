@@ -6,7 +6,7 @@
 namespace nvsupport::service {
 namespace {
 
-// What each version adds to the one before it. The first had no table that tells the version.
+// What each version adds to the one before it. The first had no table for the version.
 constexpr std::array versions = {
     R"(
   CREATE TABLE IF NOT EXISTS account (

@@ -1,4 +1,4 @@
-// What an operator can set; docs/operating.md tells about each.
+// What an operator can set; docs/operating.md describes each.
 #ifndef NVSUPPORT_SERVICE_ACCOUNTS_ACCOUNT_SETTINGS_H
 #define NVSUPPORT_SERVICE_ACCOUNTS_ACCOUNT_SETTINGS_H
 

@@ -22,7 +22,7 @@ struct Product {
   Area area;
 };
 
-// The file has a line that is not as told; names it.
+// The file has a line that breaks the form; names it.
 struct ProductError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };

@@ -1,4 +1,4 @@
-// A dialog whose buttons all simply end it, and which tells the caller which one it was.
+// A dialog that ends with any of its buttons and returns which one it was.
 #ifndef NVSUPPORT_UI_BUTTON_DIALOG_H
 #define NVSUPPORT_UI_BUTTON_DIALOG_H
 

@@ -3,7 +3,7 @@
 namespace nvsupport {
 namespace {
 
-// A chain that is longer was damaged; the bound keeps a search in one from running on without end.
+// A longer chain is damaged; the bound ends a search in it.
 constexpr int longestChain = 1001;
 
 SubclassRecord* HeadRecord(HWND window) {
@@ -54,7 +54,7 @@ bool InstanceSubclasser::unsubclass(HWND window) {
     SetHeadRecord(window, record->next);
   } else {
     while (before->next != record) before = before->next;
-    // The record in front must hand on to this subclasser, or taking the record out would tear the chain.
+    // The record in front must pass messages to this subclasser; otherwise removing the record would break the chain.
     if (before->previousProc != proc) return false;
     before->next = record->next;
     before->previousProc = record->previousProc;

@@ -18,7 +18,7 @@ HWND ReferenceOf(HWND window) {
   return parent != nullptr ? parent : GetWindow(window, GW_OWNER);
 }
 
-// The start of a stretch of `length` that lies as far inside [first, last) as it can; `first` wins.
+// Moves a stretch of `length` into [first, last) and returns its start; one that is too long starts at `first`.
 LONG KeptInside(LONG start, LONG length, LONG first, LONG last) {
   return std::max(std::min(start, last - length), first);
 }

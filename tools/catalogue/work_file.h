@@ -1,5 +1,5 @@
 // Work files: catalogues in UTF-8 as translators edit them; from and to the 16-bit form of miss files and spreadsheets,
-// and brought up to today's texts. Each function gives the new file's bytes, or tells what hinders it and where.
+// and brought up to today's texts. Each function gives the new file's bytes, or says what prevents that, and where.
 #ifndef NVSUPPORT_TOOLS_CATALOGUE_WORK_FILE_H
 #define NVSUPPORT_TOOLS_CATALOGUE_WORK_FILE_H
 

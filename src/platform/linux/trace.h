@@ -1,4 +1,4 @@
-// A trace of what the platform layer does, for whoever asks why something failed: one line per event on standard error,
+// A trace of what the platform layer does, to find out why something failed: one line per event on standard error,
 // for the areas that NV_TRACE names ("web,files,display,language,registry" or "all"). Off by default. Never holds a
 // body, a query, a user ID, a password or a token.
 #ifndef NVSUPPORT_PLATFORM_LINUX_TRACE_H
@@ -8,7 +8,7 @@ namespace platform {
 
 enum class TraceArea { web, files, display, language, registry };
 
-// The environment is asked once.
+// Reads the environment once.
 bool IsTraced(TraceArea area);
 
 // As printf.

@@ -1,4 +1,4 @@
-// Matches names as the published interface does.
+// The search for files, which matches names as Windows does.
 #include "files/file_search.h"
 
 #include <dirent.h>

@@ -1,4 +1,4 @@
-// Reads the environment at each call: a host may set its variables before it loads the module or after.
+// The folders are read from the environment at each call, because a host may set it after it has loaded the module.
 #include "files/xdg_folders.h"
 
 #include <pwd.h>

@@ -8,12 +8,12 @@
 namespace windowing {
 namespace {
 
-// Taken by Qt as told by the desktop, for the program that was started, which is the host.
+// By these a desktop knows the program that it starts. Qt would use them, but that program is the host.
 constexpr const char* startupVariables[] = {"DESKTOP_STARTUP_ID", "XDG_ACTIVATION_TOKEN"};
 constexpr const char* sessionVariable = "SESSION_MANAGER";
 constexpr const char* themeVariable = "QT_QPA_PLATFORMTHEME";
 
-// Versions of a toolkit that do not bear the one which Qt's desktop theme would load beside them.
+// Versions of a toolkit that fail when Qt's desktop theme loads another version beside them.
 constexpr const char* otherToolkits[] = {"libgtk-x11-2.0.so.0", "libgtk-4.so.1"};
 
 bool IsLoaded(const char* library) {
@@ -40,7 +40,7 @@ XErrorHandler CurrentXErrorHandler() {
 
 HostState::HostState() : locale(std::setlocale(LC_ALL, nullptr)), xErrorHandler(CurrentXErrorHandler()) {
   for (const char* name : startupVariables) Keep(name);
-  // The host answers for itself at the session's end; nobody would answer for this application between dialogs.
+  // At the end of the desktop session the host answers for itself; this application could not answer between dialogs.
   Keep(sessionVariable);
   unsetenv(sessionVariable);
   Keep(themeVariable);

@@ -6,7 +6,7 @@ namespace windowing {
 
 QWindow* QtWindow(std::uintptr_t id) {
   for (QWindow* window : QGuiApplication::allWindows()) {
-    // One that stands for another program's knows nothing of it.
+    // A window that stands for another program's has no such information.
     if (window->type() == Qt::ForeignWindow || window->handle() == nullptr) continue;
     if (window->winId() == id) return window;
   }

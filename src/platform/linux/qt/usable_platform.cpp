@@ -19,7 +19,7 @@ namespace {
 constexpr const char* platformVariable = "QT_QPA_PLATFORM";
 constexpr const char* pluginPathVariable = "QT_QPA_PLATFORM_PLUGIN_PATH";
 
-// Each of these gives what is the matter, or an empty text.
+// Each of these returns what is wrong, or an empty text.
 QString XServerFault() {
   xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
   const bool answers = xcb_connection_has_error(connection) == 0;

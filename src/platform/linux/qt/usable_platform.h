@@ -7,7 +7,7 @@
 namespace windowing {
 
 // Empty if one of the platforms that Qt would try has its plugin on this machine and, where it needs one, a server that
-// answers; else what is the matter with each of them, and the way out. Looks where Qt looks: QT_QPA_PLATFORM,
+// answers; else what is wrong with each of them, and what to do. Looks where Qt looks: QT_QPA_PLATFORM,
 // WAYLAND_DISPLAY, DISPLAY.
 std::string WhyNoPlatform();
 

@@ -23,11 +23,11 @@ void ClickButton(HWND button);
 // The control that has the focus, or null.
 HWND FocusedControlOfProcess();
 
-// The focus has gone to a control (null: to none), as the display knows: tells the edits concerned.
+// The focus has gone to a control (null: to none); the display knows it already. Notifies the edits concerned.
 void GiveFocus(HWND control);
 // Moves the focus to a control, on the display too; selectAll: selects an edit's text, as Tab does.
 void FocusControl(HWND control, bool selectAll);
-// A window goes: nothing is told to it any more.
+// A window is being destroyed: it gets no further notification.
 void ForgetFocus(HWND window);
 
 // The first enabled control with a tab stop, in tab order; null without one.

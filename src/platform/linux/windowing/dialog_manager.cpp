@@ -59,7 +59,7 @@ LPARAM PackPoint(POINT point) {
   return static_cast<LPARAM>(PackWords(static_cast<WORD>(point.x), static_cast<WORD>(point.y)));
 }
 
-// No exception of a handler travels through the display that tells of the user's doings.
+// No exception of a handler may pass through the display, whose code made the call.
 template <typename Action>
 void IfItTakesInput(HWND window, Action action) {
   ModalRun::Contain([&] {

@@ -1,5 +1,5 @@
-// What every dialog does by itself: what becomes of the user's doings, as long as the dialog takes input; the keys
-// Enter and Esc, the close box, moving the focus.
+// What every dialog does by itself: it handles what the user does while the dialog takes input, the keys Enter and Esc,
+// the close box, and moves of the focus.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WINDOWING_DIALOG_MANAGER_H
 #define NVSUPPORT_PLATFORM_LINUX_WINDOWING_DIALOG_MANAGER_H
 
@@ -11,7 +11,7 @@ namespace windowing {
 // The window procedure of all dialogs: the dialog procedure first, then the behaviour of dialogs.
 LRESULT CALLBACK DialogWindowProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
-// Whom a display tells what the user does.
+// The receiver of what a display reports.
 DisplayEvents& CoreEvents();
 
 }  // namespace windowing

@@ -16,7 +16,7 @@ class ModalRun {
   ModalRun(const ModalRun&) = delete;
   ModalRun& operator=(const ModalRun&) = delete;
 
-  // Does what may call a handler where no exception may pass: within the display's event loop, and while a window
+  // Calls what may call a handler, where no exception may pass: within the display's event loop, and while a window
   // goes. An exception ends the innermost run, and DialogBoxParamA throws it on once the display is left.
   template <typename Action>
   static void Contain(Action action) {
