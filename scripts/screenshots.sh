@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Takes the pictures in docs/pictures anew: every dialog in every language, a message box, and the example host with a
-# window. A played user makes an account in each language on a virtual screen, against the local service.
+# Takes the pictures in docs/pictures anew: every dialog in every language, a message box, the example host with a
+# window, and the account dialog in dark colours and on a screen too small for it. A played user makes an account in each
+# language on a virtual screen, against the local service.
 #
 # screenshots.sh [FOLDER]         FOLDER: where the pictures go, else docs/pictures
 # screenshots.sh --looks FOLDER   instead every dialog in every font, style and language that the tests measure
@@ -14,7 +15,7 @@ if [[ ${1:-} == --looks ]]; then
   mkdir -p "${2:?a folder for the pictures}"
   cmake --preset dev >/dev/null
   cmake --build --preset dev --target nv_dialog_look_tests
-  NV_PICTURES=$(realpath "$2") build/dev/tests/display/nv_dialog_look_tests --gtest_filter='*AreWhole*'
+  NV_PICTURES=$(realpath "$2") ctest --preset dev -R 'DialogLooks.AreWhole'
   exit
 fi
 
@@ -107,7 +108,7 @@ picture_refusal() {
   window=${2:-$window} take_picture "$1"
   xdotool key Return
   look_for "$(text "Sign in to Your Account")"
-  xdotool key ctrl+a BackSpace shift+Tab ctrl+a BackSpace # both fields as they were, with the keyboard in the user ID
+  xdotool key ctrl+a BackSpace Tab ctrl+a BackSpace shift+Tab # both fields as they were, with the keyboard in the user ID
 }
 
 picture_window() {
@@ -127,12 +128,50 @@ picture_window() {
   take_picture nvhost_gui
 }
 
+# A screen with a window manager. new_screen FOLDER SERVER-OPTION...
+new_screen() {
+  end_program "$manager_pid"
+  end_program "$screen_pid"
+  mkdir -p -m 700 "$1"
+  open_screen "$@"
+  openbox --sm-disable >/dev/null 2>&1 &
+  manager_pid=$!
+  # A window manager that starts up misses the windows that open meanwhile.
+  until xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'; do sleep 0.1; done
+}
+
+# The account dialog alone. picture_account PICTURE
+picture_account() {
+  begin English
+  rm -rf "$XDG_DATA_HOME"
+  "$build/nvhost" token --product Pictures >/dev/null &
+  host_pid=$!
+  look_for "Sign in to Your Account"
+  xdotool key shift+Tab space
+  look_for "Create an Online Account"
+  take_picture "$1"
+  xdotool key Escape
+  look_for "Sign in to Your Account"
+  xdotool key Escape
+  wait "$host_pid" || true
+  host_pid=
+}
+
+# The colours of a desktop as it tells them to Qt.
+picture_dark() {
+  mkdir -p "$work/English/config"
+  printf '[Colors:%s]\nBackgroundNormal=%s\nForegroundNormal=252,252,252\n' \
+    Window 32,35,38 Button 49,54,59 View 20,22,24 \
+    >"$work/English/config/kdeglobals"
+  XDG_CURRENT_DESKTOP=KDE KDE_SESSION_VERSION=5 picture_account create_account.dark
+  rm "$work/English/config/kdeglobals"
+}
+
 mkdir -p "$pictures"
 eval "$(NV_BUILD_DIR=$build service/service.sh start "$work/service")"
-open_screen "$work" -dpi 96
-openbox --sm-disable >/dev/null 2>&1 &
-manager_pid=$!
-# A window manager that starts up misses the windows that open meanwhile.
-until xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'; do sleep 0.1; done
+new_screen "$work/screen" -dpi 96
 for language in English Deutsch Francais Nederlands; do picture_dialogs "$language"; done
 picture_window
+picture_dark
+new_screen "$work/small_screen" -dpi 96 -screen 0 1024x600x24
+QT_FONT_DPI=144 picture_account create_account.small

@@ -55,9 +55,9 @@ void TraceLanguage(const std::string& language, const std::string& catalogue, st
 // such as "Deutsch". Where that is the system's own matter it does nothing.
 void SetDisplayLanguage(const std::string& name);
 
-// Notes the windows that a wait cursor would be shown on. Called by the thread that is going to be blocked, before
-// another one sets the cursor for it; where the system itself finds the window below the pointer it does nothing.
-void NoteWindowsForWaitCursor();
+// Called by the thread that is going to be blocked: shows its dialogs as they are meanwhile. False if there can be no
+// window of its own to show a wait cursor over.
+bool PrepareForWait();
 
 }  // namespace platform
 

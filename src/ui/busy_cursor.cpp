@@ -3,7 +3,7 @@
 namespace nvsupport {
 
 BusyCursor::BusyCursor() : ownerThread(GetCurrentThreadId()), waitCursor(LoadCursorA(nullptr, IDC_WAIT)) {
-  platform::NoteWindowsForWaitCursor();
+  if (!platform::PrepareForWait()) return;
   stopEvent.reset(CreateEventA(nullptr, TRUE, FALSE, nullptr));
   watcher.reset(CreateThread(nullptr, 0, &BusyCursor::Watch, this, 0, nullptr));
   // Without a second thread nobody can time the delay.

@@ -4,21 +4,27 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QFontDatabase>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QRegularExpression>
+#include <QScreen>
 #include <QTest>
 #include <QTimer>
 #include <QWindow>
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 
 #include "account/service_manager.h"
 #include "language/translation_catalogue.h"
 #include "platform/linux/windowing/display_selection.h"
 #include "resources/resource_ids.h"
+#include "ui/busy_cursor.h"
 #include "ui/dialog.h"
 #include "ui/message.h"
 
@@ -36,7 +42,8 @@ class DialogLooks : public ::testing::Test {
   static void Show(const std::function<void()>& open, const std::function<void(QWidget&)>& look) {
     QTimer::singleShot(0, [&look] {
       QWidget* window = QApplication::activeModalWidget();
-      ASSERT_NE(window, nullptr);
+      ASSERT_TRUE(window != nullptr && QTest::qWaitForWindowActive(window));
+      QCoreApplication::processEvents();  // scroll bars come with the next round
       look(*window);
       window->close();
     });
@@ -44,11 +51,12 @@ class DialogLooks : public ::testing::Test {
   }
 
   CServiceManager session{"Looks"};
+  HWND owner = nullptr;
   const std::map<std::string, std::function<void()>> openings = {
-      {"sign_in", [this] { session.Login(nullptr); }},
-      {"create_account", [this] { session.CreateAccount(nullptr); }},
-      {"computer_name", [this] { session.SetDeviceName(nullptr); }},
-      {"message", [] { ShowMessage(nullptr, MB_ICONERROR, "You must provide a valid email address."); }},
+      {"sign_in", [this] { session.Login(owner); }},
+      {"create_account", [this] { session.CreateAccount(owner); }},
+      {"computer_name", [this] { session.SetDeviceName(owner); }},
+      {"message", [this] { ShowMessage(owner, MB_ICONERROR, "You must provide a valid email address."); }},
   };
 };
 
@@ -66,6 +74,13 @@ TEST_F(DialogLooks, AreReadToTheBlindInTheOrderOfTheTemplate) {
                                         "Email", "Keep me informed about product news and updates",
                                         "I accept Norvane's Personal Data Privacy Policy", "OK", "Cancel",
                                         "View Privacy Policy", "Help"}));
+    auto* const password = window.findChild<QLineEdit*>(QString::number(IDC_PASSWORD));
+    for (const bool isLocked : {true, false}) {
+      QKeyEvent press(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, 0, 0, isLocked ? 2 : 0, QStringLiteral("a"));
+      QCoreApplication::sendEvent(password, &press);
+      const QString told = QAccessible::queryAccessibleInterface(password)->text(QAccessible::Description);
+      EXPECT_EQ(told, isLocked ? QStringLiteral("CapsLock") : QString());
+    }
   });
 }
 
@@ -76,6 +91,65 @@ TEST_F(DialogLooks, TickABoxWhereverItIsClickedOn) {
       QTest::mouseClick(box, Qt::LeftButton, {}, box->rect().bottomRight());
       EXPECT_EQ(box->isChecked(), ticked);
     }
+  });
+}
+
+TEST_F(DialogLooks, TakeOneToAFieldByALetterOfItsName) {
+  Show(openings.at("sign_in"), [](QWidget& window) {
+    for (const auto& [key, id] : {std::pair(Qt::Key_P, IDC_PASSWORD), {Qt::Key_U, IDC_USER_ID}}) {
+      QTest::keyClick(&window, key, Qt::AltModifier);
+      EXPECT_EQ(QApplication::focusWidget(), window.findChild<QLineEdit*>(QString::number(id)));
+    }
+  });
+}
+
+TEST_F(DialogLooks, ShowThePressedButtonDisabledWhileTheThreadWaits) {
+  class Waiting final : public Dialog {
+   public:
+    Waiting() : Dialog(IDD_COMPUTER_NAME) {}
+    void onOK() override {
+      const auto* const ok = QApplication::activeModalWidget()->findChild<QPushButton*>(QStringLiteral("1"));
+      const auto looksDisabled = [ok] {
+        return ok->palette().color(QPalette::ButtonText) ==
+               QApplication::palette().color(QPalette::Disabled, QPalette::ButtonText);
+      };
+      {
+        const BusyCursor wait;
+        EXPECT_TRUE(looksDisabled() && ok->isEnabled());
+      }
+      EXPECT_FALSE(looksDisabled());
+      Dialog::onOK();
+    }
+  };
+  QTimer::singleShot(0, [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Return); });
+  EXPECT_EQ(Waiting().run(nullptr), IDOK);
+}
+
+TEST_F(DialogLooks, GoWhileAHandlerOfTheirsShowsAMessage) {
+  class Vanishing final : public Dialog {
+   public:
+    Vanishing() : Dialog(IDD_COMPUTER_NAME) {}
+    void onOK() override {
+      QTimer::singleShot(0, [window = hwnd] { DestroyWindow(window); });
+      EXPECT_EQ(ShowMessage(hwnd, MB_OK, "goes with it"), IDOK);
+    }
+  };
+  QTimer::singleShot(0, [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Return); });
+  EXPECT_EQ(Vanishing().run(nullptr), 0);
+}
+
+TEST_F(DialogLooks, GiveTheTextOfAMessageToTheClipboard) {
+  Show(openings.at("message"), [](QWidget& window) {
+    window.setWindowTitle(QStringLiteral("Caption"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_C, Qt::ControlModifier);
+    const std::string line(27, '-');
+    EXPECT_EQ(
+        QApplication::clipboard()->text().toStdString(),
+        line + "\nCaption\n" + line + "\nYou must provide a valid email address.\n" + line + "\nOK\n" + line + '\n');
+    auto* const text = window.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+    QTest::mouseDClick(text, Qt::LeftButton, {}, {5, text->height() / 2});
+    EXPECT_EQ(text->selectedText(), QStringLiteral("You"));
+    EXPECT_TRUE(window.findChild<QPushButton*>()->icon().isNull()) << "as in the dialogs, which have no room for one";
   });
 }
 
@@ -110,6 +184,33 @@ TEST_F(DialogLooks, TellATextThatDoesNotFitByAToolTip) {
        });
 }
 
+// Empty for a message box.
+QList<QWidget*> ControlsOf(const QWidget& window) {
+  return window.findChildren<QWidget*>(QRegularExpression(QStringLiteral("^[0-9]+$")));
+}
+
+std::string NameOf(const QWidget& control) {
+  return control.objectName().toStdString() + "\n";
+}
+
+// Controls that Tab and the page keys alone do not bring into sight, and what they lead to unseen.
+std::string Unseen(const QWidget& window) {
+  const QList<QWidget*> controls = ControlsOf(window);
+  const auto isSeen = [](const QWidget* control) { return control->visibleRegion().boundingRect() == control->rect(); };
+  std::string faults;
+  std::set<QWidget*> unseen(controls.begin(), controls.end());
+  for (qsizetype i = 0; i < controls.size(); ++i) {
+    for (const Qt::Key key : {Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Tab}) {
+      QTest::keyClick(QApplication::focusWidget(), key);
+      std::erase_if(unseen, isSeen);
+    }
+    if (!isSeen(QApplication::focusWidget())) faults += "has the focus unseen: " + NameOf(*QApplication::focusWidget());
+    if (!isSeen(window.findChild<QWidget*>(QStringLiteral("1")))) faults += "OK is out of sight\n";
+  }
+  for (const QWidget* control : unseen) faults += "unseen: " + NameOf(*control);
+  return faults;
+}
+
 // What is wrong with a window, one line a fault.
 std::string Faults(const QWidget& window) {
   QFont caption = window.font();
@@ -118,28 +219,41 @@ std::string Faults(const QWidget& window) {
   std::string faults = isNarrow ? "caption cut\n" : "";
   const bool hasPin = window.windowIcon().pixmap(48, 48).toImage().pixelColor(16, 19) == Qt::white;
   if (!hasPin) faults += "no icon\n";
+  const QScreen* const screen = QGuiApplication::screenAt(window.geometry().center());
+  if (screen == nullptr || !screen->geometry().contains(window.frameGeometry())) faults += "beyond the screen\n";
   if (window.inherits("QMessageBox")) return faults;  // whose layout sees to the rest
-  for (const QWidget* control : window.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
-    const std::string name = control->objectName().toStdString() + "\n";
+  std::set<QString> keys;
+  for (const QWidget* control : ControlsOf(window)) {
+    const std::string name = NameOf(*control);
     if (!control->toolTip().isEmpty()) faults += "text cut, told by a tool tip: " + name;
     const bool isButton = control->inherits("QPushButton");  // whose style asks for more than its text takes
     const QSize least = isButton ? QSize(0, control->fontMetrics().height()) : control->minimumSizeHint();
     if (least.boundedTo(control->size()) != least) faults += "text cut: " + name;
-    if (!window.rect().contains(control->pos())) faults += "outside: " + name;
-    const bool isInFront = window.childAt(control->geometry().center()) == control;
-    if (!isInFront && !control->inherits("QLabel")) faults += "covered: " + name;
+    const auto* const label = qobject_cast<const QLabel*>(control);
+    const bool isInFront = control->parentWidget()->childAt(control->geometry().center()) == control;
+    if (!isInFront && label == nullptr) faults += "covered: " + name;
+    const auto* const button = qobject_cast<const QAbstractButton*>(control);
+    const QString key = QKeySequence::mnemonic(button != nullptr  ? button->text()
+                                               : label != nullptr ? label->text()
+                                                                  : QString())
+                            .toString();
+    if (!key.isEmpty() && !keys.insert(key).second) faults += "another control has its key: " + name;
+    const bool hasName =
+        button != nullptr ? name != "1\n" && name != "2\n" : label != nullptr && label->buddy() != nullptr;
+    if (key.isEmpty() == hasName) faults += "a key where none belongs, or none: " + name;
   }
   return faults;
 }
 
-TEST_F(DialogLooks, AreWholeInEveryFontStyleAndLanguage) {
+// A font for each resolution of the screen stands for that; each dialog is shown on each of the two screens.
+TEST_F(DialogLooks, AreWholeInEveryFontStyleAndLanguageOnEveryScreen) {
   const QString pictures = qEnvironmentVariable("NV_PICTURES");  // names a folder for a picture of each
   const auto lookAt = [&](const std::string& look) {
     for (const auto& opening : openings) {
       const std::string name = opening.first + look;
       Show(opening.second, [&](QWidget& window) {
         if (!pictures.isEmpty()) window.grab().save(pictures + QString::fromStdString("/" + name + ".png"));
-        EXPECT_EQ(Faults(window), "") << name;
+        EXPECT_EQ(Faults(window) + (owner != nullptr ? Unseen(window) : ""), "") << name;
       });
     }
   };
@@ -156,6 +270,17 @@ TEST_F(DialogLooks, AreWholeInEveryFontStyleAndLanguage) {
           lookAt("." + language + "." + family + "." + std::to_string(points) + "." + style);
         }
       }
+    }
+    for (QScreen* const screen : QGuiApplication::screens()) {
+      QWidget host;
+      host.setGeometry(QRect(screen->geometry().center(), QSize(300, 200)));
+      host.show();
+      owner = reinterpret_cast<HWND>(host.winId());
+      for (const int dpi : {144, 192}) {
+        QApplication::setFont(QFont(QStringLiteral("Noto Sans"), 9 * dpi / 96));
+        lookAt("." + language + "." + std::to_string(screen->geometry().height()) + "." + std::to_string(dpi));
+      }
+      owner = nullptr;
     }
   }
 }

@@ -28,6 +28,10 @@ auto Own(Reply* reply) {
 class Screen {
  public:
   Screen() {
+    // As toolkits do.
+    const std::uint32_t process = static_cast<std::uint32_t>(getpid());
+    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, hostWindow, Atom("_NET_WM_PID"), XCB_ATOM_CARDINAL, 32, 1,
+                        &process);
     Own(xcb_xfixes_query_version_reply(connection, xcb_xfixes_query_version(connection, 4, 0), nullptr));
     // Asked again: a window manager that is starting up may miss it.
     EXPECT_TRUE(WaitUntil([this] {
@@ -89,9 +93,7 @@ class Screen {
   }
   // The 32-bit numbers of a property, such as the owner's id in WM_TRANSIENT_FOR.
   std::vector<std::uint32_t> Property(xcb_window_t window, const std::string& name) const {
-    const auto askAtom = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str());
-    const xcb_atom_t atom = Own(xcb_intern_atom_reply(connection, askAtom, nullptr))->atom;
-    const auto ask = xcb_get_property(connection, 0, window, atom, XCB_GET_PROPERTY_TYPE_ANY, 0, 4);
+    const auto ask = xcb_get_property(connection, 0, window, Atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, 4);
     const auto reply = Own(xcb_get_property_reply(connection, ask, nullptr));
     if (reply == nullptr || reply->format != 32) return {};
     const auto* words = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
@@ -112,6 +114,10 @@ class Screen {
     xcb_connection_t* const opened = xcb_connect(nullptr, nullptr);
     if (xcb_connection_has_error(opened) != 0) throw std::runtime_error("no X server");
     return opened;
+  }
+  xcb_atom_t Atom(const std::string& name) const {
+    const auto ask = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str());
+    return Own(xcb_intern_atom_reply(connection, ask, nullptr))->atom;
   }
   xcb_window_t MakeWindow(const xcb_rectangle_t& area, xcb_window_t parent) const {
     const xcb_window_t window = xcb_generate_id(connection);

@@ -97,6 +97,28 @@ TEST_F(OnScreen, ADialogStaysWithTheHostsWindowWhereTheUserMovedItTo) {
   }
 }
 
+TEST_F(OnScreen, TheWaitCursorIsOverAHostsWindowBeforeTheFirstDialogAndWithoutQt) {
+  std::atomic<bool> isSilent = true;
+  const ScriptedServer shop(
+      [&](const std::string&) {
+        EXPECT_TRUE(WaitUntil([&] { return !isSilent; })) << "the shop goes on";
+        return HttpReply(200, ReplyWith({}, 7));
+      },
+      serviceHost);
+  const Module module;
+  screen.Do("mousemove --window " + std::to_string(screen.hostWindow) + " 300 300");
+  const auto usual = screen.ShownCursor();
+  std::thread user([&] {
+    EXPECT_TRUE(WaitUntil([&] { return screen.ShownCursor() != usual; })) << "while the thread is blocked";
+    isSilent = false;
+  });
+  const MapShopPoint corners[] = {{55, 5}, {47, 15}};
+  EXPECT_EQ(module.closeSearch(module.search(corners, 2)), 7);
+  user.join();
+  EXPECT_TRUE(WaitUntil([&] { return screen.ShownCursor() == usual; })) << "once it goes on";
+  EXPECT_FALSE(IsMapped("libQt6Widgets"));
+}
+
 TEST_F(OnScreen, TheWaitCursorIsThereWhileTheThreadIsBlocked) {
   std::atomic<bool> isSilent = false;
   const TestAuthority authority;

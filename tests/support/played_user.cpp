@@ -1,7 +1,25 @@
 #include "played_user.h"
 
+#include "platform/linux/windowing/wait_cursor.h"
+
 // The display of a thread that has a user; else there is none, as where the library finds no plugin.
 NvOpenDisplay windowing::FindDisplay(std::string& whyNot) {
   whyNot = "nobody plays the user";
   return [](DisplayEvents*, std::string&) -> Display* { return PlayedUser::Present(); };
+}
+
+bool windowing::MayHaveWindows() {
+  return PlayedUser::Present() != nullptr;
+}
+
+void windowing::ShowWaitCursor() {
+  ++PlayedUser::Present()->waitCursors;
+}
+
+void windowing::HideWaitCursor() {
+  if (PlayedUser::Present() != nullptr) PlayedUser::Present()->waitCursors = 0;
+}
+
+std::optional<POINT> windowing::WaitCursorPosition() {
+  return std::nullopt;
 }

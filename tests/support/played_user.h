@@ -64,10 +64,10 @@ class PlayedUser final : public windowing::Display {
 
   // What the core made the display do. Windows stand here once that was said of them.
   std::map<HWND, bool> enabled;
-  HWND selectedWhole = nullptr;  // the control focused last, if it was selected whole
-  std::string language;          // of what the display says by itself
-  std::atomic<int> waitCursorsShown = 0;
-  std::atomic<int> cursorsRestored = 0;
+  HWND selectedWhole = nullptr;      // the control focused last, if it was selected whole
+  std::string language;              // of what the display says by itself
+  std::atomic<int> waitCursors = 0;  // that show now
+  int waits = 0;                     // of the thread, that go on
 
   // What the screen looks like, free to set before a dialog opens.
   static constexpr RECT screenArea{0, 0, 1280, 1024};
@@ -137,9 +137,7 @@ class PlayedUser final : public windowing::Display {
     return found != foreignWindows.end() ? std::optional(found->second) : std::nullopt;
   }
   std::uintptr_t ForeignTopLevel(std::uintptr_t window) override { return ForeignRect(window) ? window : 0; }
-  void ShowWaitCursor() override { ++waitCursorsShown; }
-  void RestoreCursor() override { ++cursorsRestored; }
-  std::optional<POINT> CursorPosition() override { return POINT{}; }
+  void ShowWaiting(bool waiting) override { waits += waiting ? 1 : -1; }
 
   static inline PlayedUser* present = nullptr;
   std::map<HWND, windowing::DialogView> dialogs;

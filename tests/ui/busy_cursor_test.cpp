@@ -20,12 +20,13 @@ TEST(BusyCursor, ShowsAfterItsDelayAndGoesWithTheCall) {
   const PlayedUser person;
   const Clock::time_point start = Clock::now();
   std::optional<BusyCursor> cursor(std::in_place);
-  while (person.waitCursorsShown == 0 && Clock::now() - start < std::chrono::seconds(20)) std::this_thread::yield();
+  EXPECT_EQ(person.waits, 1);
+  while (person.waitCursors == 0 && Clock::now() - start < std::chrono::seconds(20)) std::this_thread::yield();
   EXPECT_GE(Clock::now() - start, milliseconds(150));
-  EXPECT_EQ(person.waitCursorsShown, 1);
-  EXPECT_EQ(person.cursorsRestored, 0);
+  EXPECT_EQ(person.waitCursors, 1);
   cursor.reset();
-  EXPECT_EQ(person.cursorsRestored, 1);
+  EXPECT_EQ(person.waitCursors, 0);
+  EXPECT_EQ(person.waits, 0);
 }
 
 // Or it would run on in code that is unloaded.

@@ -46,6 +46,8 @@ void TraceLanguage(const std::string&, const std::string&, std::size_t) {}
 
 void SetDisplayLanguage(const std::string&) {}
 
-void NoteWindowsForWaitCursor() {}
+bool PrepareForWait() {
+  return true;
+}
 
 }  // namespace platform

@@ -7,6 +7,8 @@
 #include <QStyle>
 #include <QStyleOptionButton>
 
+#include "password_edit.h"
+
 namespace windowing {
 namespace {
 
@@ -61,9 +63,8 @@ QWidget* MakeLabel(const ControlView& view, QDialog& dialog) {
 }
 
 QWidget* MakeEdit(const ControlView& view, QDialog& dialog) {
-  auto* edit = new QLineEdit(&dialog);
-  if (view.password) edit->setEchoMode(QLineEdit::Password);
-  return edit;
+  if (view.password) return new PasswordEdit(dialog);
+  return new QLineEdit(&dialog);
 }
 
 QWidget* MakePushButton(const ControlView& view, QDialog& dialog) {
@@ -124,8 +125,8 @@ std::vector<QWidget*> MakeControlWidgets(const std::vector<ControlView>& control
   return widgets;
 }
 
-// Templates give check boxes any height; their mark and their text need one, around the same centre. A line of a label
-// can be a little higher than what its font is measured by.
+// Mirrored where one writes from right to left. Templates give check boxes any height; their mark and their text need
+// one, around the same centre. A line of a label can be a little higher than what its font is measured by.
 void PlaceControl(QWidget& widget, const RECT& rectangle) {
   QRect place = ToQRect(rectangle);
   if (const auto* box = qobject_cast<const QCheckBox*>(&widget)) {
@@ -135,7 +136,8 @@ void PlaceControl(QWidget& widget, const RECT& rectangle) {
   } else if (qobject_cast<const QLabel*>(&widget) != nullptr) {
     place.setHeight(std::max(place.height(), SizeOfLines(widget, QStringLiteral("Xg"), 0, 0).height()));
   }
-  widget.setGeometry(place);
+  const QRect within(QPoint(0, 0), widget.parentWidget()->size());
+  widget.setGeometry(QStyle::visualRect(widget.layoutDirection(), within, place));
 }
 
 void ShowControlText(QWidget& widget, const std::string& text) {

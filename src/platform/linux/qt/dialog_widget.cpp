@@ -6,7 +6,9 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScopedValueRollback>
+#include <QStyle>
 
+#include "access_keys.h"
 #include "control_widgets.h"
 
 namespace windowing {
@@ -35,11 +37,19 @@ bool IsEscape(const QKeyEvent& event) {
 
 }  // namespace
 
-DialogWidget::DialogWidget(const DialogView& view, DisplayEvents& coreEvents)
+DialogWidget::DialogWidget(const DialogView& view, DisplayEvents& coreEvents, QSize workArea)
     : QDialog(nullptr, dialogFlags), handle(view.handle), events(&coreEvents) {
+  const QSize room = workArea.shrunkBy(Frame());
+  const QSize whole(view.width, view.height);
+  const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+  const bool fits = whole.boundedTo(room) == whole;
   setWindowTitle(QString::fromStdString(view.title));
-  setFixedSize(view.width, view.height);
+  setFixedSize(whole);
   const std::vector<QWidget*> widgets = MakeControlWidgets(view.controls, *this);
+  if (!fits) {
+    setFixedSize((whole + QSize(bar, bar)).boundedTo(room));
+    scrolled = new ScrolledControls(*this, widgets, whole);
+  }
   for (std::size_t i = 0; i < widgets.size(); ++i) Connect(view.controls[i], *widgets[i]);
 }
 
@@ -48,8 +58,10 @@ void DialogWidget::Connect(const ControlView& view, QWidget& widget) {
   controls[control] = &widget;
   widget.installEventFilter(this);
   if (auto* button = qobject_cast<QAbstractButton*>(&widget)) {
-    connect(button, &QAbstractButton::clicked, this,
-            [this, control] { Report([control](DisplayEvents& to) { to.OnClick(control); }); });
+    connect(button, &QAbstractButton::clicked, this, [this, control, button] {
+      const QScopedValueRollback<QWidget*> guard(pressed, button);
+      Report([control](DisplayEvents& to) { to.OnClick(control); });
+    });
   }
   if (auto* edit = qobject_cast<QLineEdit*>(&widget)) {
     connect(edit, &QLineEdit::textEdited, this, [this, control](const QString& text) {
@@ -63,7 +75,8 @@ void DialogWidget::Report(What what) {
   if (events == nullptr) return;
   ++reports;
   what(*events);
-  --reports;
+  // Posted here and not by Retire, which may be called from the loop of another window within this report.
+  if (--reports == 0 && retired) deleteLater();
 }
 
 void DialogWidget::SetOwner(OwnerWindow ownerWindow) {
@@ -72,6 +85,9 @@ void DialogWidget::SetOwner(OwnerWindow ownerWindow) {
 }
 
 void DialogWidget::ShowActive() {
+  std::vector<QWidget*> widgets;
+  for (const auto& [control, widget] : controls) widgets.push_back(widget);
+  GiveAccessKeys(widgets);
   show();
   activateWindow();
 }
@@ -85,12 +101,22 @@ void DialogWidget::Retire() {
   Abandon();
   if (windowHandle() != nullptr && windowHandle()->isExposed()) KnownFrame() = windowHandle()->frameMargins();
   hide();
+  Q_EMIT finished(Rejected);
   if (owner.window != nullptr && owner.foreign == nullptr) owner.window->requestActivate();
-  if (reports > 0) {
-    deleteLater();
-  } else {
-    delete this;
+  retired = true;
+  if (reports == 0) delete this;
+}
+
+// It stays enabled, and so keeps the focus.
+void DialogWidget::ShowWaiting(bool waiting) {
+  if (pressed == nullptr) return;
+  QPalette look;
+  for (int number = 0; waiting && number < QPalette::NColorRoles; ++number) {
+    const auto role = static_cast<QPalette::ColorRole>(number);
+    look.setBrush(role, palette().brush(QPalette::Disabled, role));
   }
+  pressed->setPalette(look);
+  repaint();
 }
 
 void DialogWidget::FocusControl(HWND control, bool selectAll) {
@@ -130,25 +156,37 @@ bool DialogWidget::eventFilter(QObject* widget, QEvent* event) {
     keyPressEvent(key);
     return true;
   }
-  if (event->type() == QEvent::FocusIn && !placing) {
-    for (const auto& [control, shown] : controls) {
-      if (shown == widget) OnFocusIn(control);
-    }
-  }
+  if (event->type() == QEvent::FocusIn) OnFocusIn(*static_cast<QWidget*>(widget));
   return false;
 }
 
-void DialogWidget::OnFocusIn(HWND control) {
-  // The same one again when the window becomes the active one.
-  if (std::exchange(focused, control) == control) return;
-  Report([control](DisplayEvents& to) { to.OnFocus(control); });
+void DialogWidget::OnFocusIn(QWidget& widget) {
+  if (scrolled != nullptr) scrolled->Follow(widget);
+  if (placing) return;
+  for (const auto& [control, shown] : controls) {
+    // The same one again when the window becomes the active one.
+    if (shown != &widget || std::exchange(focused, control) == control) continue;
+    return Report([control = control](DisplayEvents& to) { to.OnFocus(control); });
+  }
+}
+
+void DialogWidget::PressEnter() {
+  QPushButton* button = qobject_cast<QPushButton*>(focusWidget());
+  for (const auto& [control, widget] : controls) {
+    auto* const other = qobject_cast<QPushButton*>(widget);
+    if (button == nullptr && other != nullptr && other->isDefault()) button = other;
+  }
+  const QScopedValueRollback<QWidget*> guard(pressed, button);
+  Report([this](DisplayEvents& to) { to.OnEnter(handle); });
 }
 
 void DialogWidget::keyPressEvent(QKeyEvent* event) {
   if (IsEnter(*event)) {
-    Report([this](DisplayEvents& to) { to.OnEnter(handle); });
+    PressEnter();
   } else if (IsEscape(*event)) {
     Report([this](DisplayEvents& to) { to.OnEscape(handle); });
+  } else if (scrolled != nullptr) {
+    scrolled->keyPressEvent(event);
   } else {
     event->ignore();
   }

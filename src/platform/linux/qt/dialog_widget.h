@@ -7,6 +7,7 @@
 #include <map>
 
 #include "owner_window.h"
+#include "scrolled_controls.h"
 #include "windowing/display.h"
 
 namespace windowing {
@@ -17,8 +18,8 @@ constexpr Qt::WindowFlags dialogFlags =
 
 class DialogWidget final : public QDialog {
  public:
-  // The events are told until Abandon or Retire.
-  DialogWidget(const DialogView& view, DisplayEvents& coreEvents);
+  // The events are told until Abandon or Retire. workArea: of its screen, which a dialog does not grow beyond.
+  DialogWidget(const DialogView& view, DisplayEvents& coreEvents, QSize workArea);
 
   const std::map<HWND, QWidget*>& Controls() const { return controls; }
   void SetOwner(OwnerWindow ownerWindow);
@@ -28,10 +29,12 @@ class DialogWidget final : public QDialog {
   // Reports nothing more. For a dialog that is still open when the library goes, which is at the end of the process:
   // Qt may be half gone, or its screen, and nothing else of the window is safe to touch.
   void Abandon();
-  // Hides it, gives the input back to its owner, reports nothing more, and lets the object go once no report is
-  // underway.
+  // Hides it, finishes what it owns, gives the input back to its owner, reports nothing more, and lets the object go
+  // once no report is underway.
   void Retire();
 
+  // Shows the button whose command makes the thread wait like a disabled one, and draws at once.
+  void ShowWaiting(bool waiting);
   void FocusControl(HWND control, bool selectAll);
   // Places the frame.
   void Place(QPoint topLeft);
@@ -54,19 +57,23 @@ class DialogWidget final : public QDialog {
   template <class What>
   void Report(What what);
   void Connect(const ControlView& view, QWidget& widget);
-  void OnFocusIn(HWND control);
+  void OnFocusIn(QWidget& widget);
+  void PressEnter();
   void ReportLeftButton(const QMouseEvent& event, bool doubleClick);
 
   HWND handle;
   DisplayEvents* events;          // null once abandoned or retired
   const bool* isEnded = nullptr;  // null until the dialog runs
   OwnerWindow owner;
-  std::map<HWND, QWidget*> controls;
-  HWND focused = nullptr;  // the control that the core knows to have the focus
-  bool placing = false;    // within a change of place or focus by the program
-  int reports = 0;         // underway
-  QPoint framePlace;       // where the program wants the frame
-  QPoint clientPlace;      // where the client area was last
+  std::map<HWND, QWidget*> controls;     // in template order, by which handles count up
+  ScrolledControls* scrolled = nullptr;  // in a dialog that is larger than its screen
+  HWND focused = nullptr;                // the control that the core knows to have the focus
+  bool placing = false;                  // within a change of place or focus by the program
+  int reports = 0;                       // underway
+  bool retired = false;
+  QWidget* pressed = nullptr;  // the button whose command is underway
+  QPoint framePlace;           // where the program wants the frame
+  QPoint clientPlace;          // where the client area was last
 };
 
 }  // namespace windowing

@@ -1,7 +1,11 @@
 #include "message_box.h"
 
+#include <QClipboard>
 #include <QFontMetrics>
 #include <QGridLayout>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QPushButton>
 #include <QSpacerItem>
 
 #include "dialog_widget.h"
@@ -30,11 +34,21 @@ MessageBox::MessageBox(const MessageBoxView& view) {
   setWindowTitle(QString::fromStdString(view.caption));
   setTextFormat(Qt::PlainText);
   setText(QString::fromStdString(view.text));
-  setStandardButtons(QMessageBox::Ok);
+  setTextInteractionFlags(Qt::TextSelectableByMouse);
+  // Without a picture, like those of the dialogs, whose templates leave no room for one.
+  addButton(QMessageBox::Ok)->setIcon(QIcon());
   // It takes its size from its contents alone.
   auto* grid = qobject_cast<QGridLayout*>(layout());
   if (grid == nullptr) return;
   grid->addItem(new QSpacerItem(CaptionWidth(font(), windowTitle()), 0), grid->rowCount(), 0, 1, grid->columnCount());
+}
+
+void MessageBox::keyPressEvent(QKeyEvent* event) {
+  if (!event->matches(QKeySequence::Copy)) return QMessageBox::keyPressEvent(event);
+  const QString line(27, QLatin1Char('-'));
+  const QString answer = button(QMessageBox::Ok)->text().remove(QLatin1Char('&'));
+  const QStringList lines{line, windowTitle(), line, text(), line, answer, line, QString()};
+  QGuiApplication::clipboard()->setText(lines.join(QLatin1Char('\n')));
 }
 
 }  // namespace windowing

@@ -12,6 +12,10 @@ namespace windowing {
 class MessageBox final : public QMessageBox {
  public:
   explicit MessageBox(const MessageBoxView& view);
+
+ protected:
+  // Copy takes all that the box says.
+  void keyPressEvent(QKeyEvent* event) override;
 };
 
 }  // namespace windowing

@@ -2,7 +2,6 @@
 
 #include <QAbstractEventDispatcher>
 #include <QApplication>
-#include <QCursor>
 #include <QEventLoop>
 #include <QFontMetrics>
 #include <QScreen>
@@ -109,9 +108,15 @@ QIcon QtDisplay::IconUnder(HWND owner, std::uintptr_t foreignOwner) const {
   return ofHost.isNull() ? OwnIcon() : ofHost;
 }
 
+RECT QtDisplay::WorkAreaFor(const DialogView& view) {
+  std::optional<RECT> place = ForeignRect(view.foreignOwner);
+  if (Find(view.owner) != nullptr) place = WindowRect(view.owner);
+  return WorkArea(ScreenOf(place.value_or(ScreenArea())));
+}
+
 bool QtDisplay::CreateDialogWindow(const DialogView& view) {
   if (events == nullptr) return false;
-  auto* dialog = new DialogWidget(view, *events);
+  auto* dialog = new DialogWidget(view, *events, ToQRect(WorkAreaFor(view)).size());
   dialog->setWindowIcon(IconUnder(view.owner, view.foreignOwner));
   dialog->SetOwner(OwnerOf(Find(view.owner), view.foreignOwner));
   dialogs[view.handle] = dialog;
@@ -120,7 +125,10 @@ bool QtDisplay::CreateDialogWindow(const DialogView& view) {
 }
 
 void QtDisplay::ShowDialogWindow(HWND dialog) {
-  if (DialogWidget* window = Find(dialog)) window->ShowActive();
+  DialogWidget* window = Find(dialog);
+  if (window == nullptr) return;
+  window->ShowActive();
+  if (x11 != nullptr) x11->KeepContentsAndEdge(window->winId());
 }
 
 void QtDisplay::DestroyDialogWindow(HWND dialog) {
@@ -152,8 +160,9 @@ int QtDisplay::RunMessageBox(const MessageBoxView& view) {
   MessageBox box(view);
   box.setWindowIcon(IconUnder(view.owner, view.foreignOwner));
   windowing::SetOwner(box, owner.window);
+  if (x11 != nullptr) x11->KeepContentsAndEdge(box.winId());
   // The owner may go while the box runs, and the box with it.
-  if (dialog != nullptr) QObject::connect(dialog, &QObject::destroyed, &box, &QDialog::reject);
+  if (dialog != nullptr) QObject::connect(dialog, &QDialog::finished, &box, &QDialog::reject);
   box.exec();
   if (Find(view.owner) == dialog && dialog != nullptr) dialog->activateWindow();
   return IDOK;
@@ -210,21 +219,8 @@ std::uintptr_t QtDisplay::ForeignTopLevel(std::uintptr_t window) {
   return x11 != nullptr ? x11->TopLevelWindow(window) : 0;
 }
 
-void QtDisplay::NoteCursorWindows() {
-  waitCursor.NoteWindows();
-}
-
-void QtDisplay::ShowWaitCursor() {
-  waitCursor.Show(x11.get());
-}
-
-void QtDisplay::RestoreCursor() {
-  waitCursor.GiveBack();
-}
-
-std::optional<POINT> QtDisplay::CursorPosition() {
-  const QPoint point = QCursor::pos();
-  return POINT{point.x(), point.y()};
+void QtDisplay::ShowWaiting(bool waiting) {
+  for (const auto& [handle, dialog] : dialogs) dialog->ShowWaiting(waiting);
 }
 
 }  // namespace windowing

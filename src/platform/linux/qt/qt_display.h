@@ -6,7 +6,6 @@
 #include <memory>
 
 #include "dialog_widget.h"
-#include "wait_cursor.h"
 #include "windowing/display.h"
 #include "x11_connection.h"
 
@@ -43,22 +42,20 @@ class QtDisplay final : public Display {
   std::optional<RECT> ForeignRect(std::uintptr_t window) override;
   std::uintptr_t ForeignTopLevel(std::uintptr_t window) override;
 
-  void NoteCursorWindows() override;
-  void ShowWaitCursor() override;
-  void RestoreCursor() override;
-  std::optional<POINT> CursorPosition() override;
+  void ShowWaiting(bool waiting) override;
 
  private:
   DialogWidget* Find(HWND dialog) const;
   DialogWidget* FindOwnerOf(HWND control) const;
   // That of the owner, else the host's, else one of our own.
   QIcon IconUnder(HWND owner, std::uintptr_t foreignOwner) const;
+  // Of the owner's screen, which the dialog opens on; without an owner of the primary one.
+  RECT WorkAreaFor(const DialogView& view);
 
   DisplayEvents* events = nullptr;
   const std::unique_ptr<X11Connection> x11;     // null when there is no X server
   std::map<HWND, DialogWidget*> dialogs;        // let go by Retire
   std::map<HWND, DialogWidget*> controlOwners;  // by control
-  WaitCursor waitCursor;
 };
 
 }  // namespace windowing

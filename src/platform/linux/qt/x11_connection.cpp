@@ -1,7 +1,5 @@
 #include "x11_connection.h"
 
-#include <xcb/xcb_cursor.h>
-
 #include <QGuiApplication>
 #include <cstdlib>
 #include <limits>
@@ -32,15 +30,6 @@ xcb_atom_t AtomOf(xcb_connection_t* connection, std::string_view name) {
   return reply != nullptr ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
-// The wait cursor of the user's theme, or that of the server's cursor font.
-xcb_cursor_t LoadWaitCursor(xcb_connection_t* connection, xcb_screen_t* screen) {
-  xcb_cursor_context_t* theme = nullptr;
-  if (xcb_cursor_context_new(connection, screen, &theme) < 0) return XCB_CURSOR_NONE;
-  const xcb_cursor_t cursor = xcb_cursor_load_cursor(theme, "watch");
-  xcb_cursor_context_free(theme);
-  return cursor;
-}
-
 }  // namespace
 
 std::unique_ptr<X11Connection> X11Connection::Open() {
@@ -58,9 +47,9 @@ std::unique_ptr<X11Connection> X11Connection::Open() {
 X11Connection::X11Connection(xcb_connection_t* opened, xcb_screen_t* rootScreen)
     : connection(opened),
       screen(rootScreen),
-      waitCursor(LoadWaitCursor(opened, rootScreen)),
       windowIcon(AtomOf(opened, "_NET_WM_ICON")),
-      managedState(AtomOf(opened, "WM_STATE")) {}
+      managedState(AtomOf(opened, "WM_STATE")),
+      manager(AtomOf(opened, "_NET_SUPPORTING_WM_CHECK")) {}
 
 X11Connection::~X11Connection() {
   xcb_disconnect(connection);
@@ -77,8 +66,8 @@ std::optional<QRect> X11Connection::WindowRectangle(std::uintptr_t window) const
   return QRect(place->dst_x, place->dst_y, size->width, size->height);
 }
 
-bool X11Connection::IsManaged(xcb_window_t window) const {
-  const auto ask = xcb_get_property(connection, 0, window, managedState, XCB_GET_PROPERTY_TYPE_ANY, 0, 0);
+bool X11Connection::HasProperty(xcb_window_t window, xcb_atom_t name) const {
+  const auto ask = xcb_get_property(connection, 0, window, name, XCB_GET_PROPERTY_TYPE_ANY, 0, 0);
   const Answer<xcb_get_property_reply_t> state(xcb_get_property_reply(connection, ask, nullptr));
   return state != nullptr && state->type != XCB_ATOM_NONE;
 }
@@ -88,7 +77,7 @@ xcb_window_t X11Connection::TopLevelWindow(std::uintptr_t window) const {
   xcb_window_t topLevel = 0;
   for (auto at = static_cast<xcb_window_t>(window); at != screen->root;) {
     topLevel = at;
-    if (IsManaged(at)) break;
+    if (HasProperty(at, managedState)) break;
     const Answer<xcb_query_tree_reply_t> tree(
         xcb_query_tree_reply(connection, xcb_query_tree(connection, at), nullptr));
     if (tree == nullptr) return 0;
@@ -115,11 +104,15 @@ QImage X11Connection::WindowIcon(std::uintptr_t window) const {
       .copy();
 }
 
-void X11Connection::SetWaitCursor(const std::vector<xcb_window_t>& windows) const {
-  for (const xcb_window_t window : windows) {
-    const auto request = xcb_change_window_attributes_checked(connection, window, XCB_CW_CURSOR, &waitCursor);
-    const Answer<xcb_generic_error_t> error(xcb_request_check(connection, request));
+void X11Connection::KeepContentsAndEdge(std::uintptr_t window) const {
+  constexpr std::uint32_t looks[] = {0x808080, XCB_BACKING_STORE_WHEN_MAPPED};  // the line is grey
+  constexpr std::uint32_t width = 1;
+  const auto id = static_cast<xcb_window_t>(window);
+  xcb_change_window_attributes(connection, id, XCB_CW_BORDER_PIXEL | XCB_CW_BACKING_STORE, looks);
+  if (!HasProperty(screen->root, manager)) {
+    xcb_configure_window(connection, id, XCB_CONFIG_WINDOW_BORDER_WIDTH, &width);
   }
+  xcb_flush(connection);
 }
 
 }  // namespace windowing

@@ -1,5 +1,5 @@
-// A connection to the X server beside Qt's own: asks about windows of the host that are not Qt's, and can be used
-// while the thread of the dialogs is blocked. Any thread may call it; the X library locks.
+// A connection to the X server beside Qt's own: for windows of the host that are not Qt's, and what Qt has no words
+// for.
 #ifndef NVSUPPORT_PLATFORM_LINUX_QT_X11_CONNECTION_H
 #define NVSUPPORT_PLATFORM_LINUX_QT_X11_CONNECTION_H
 
@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <vector>
 
 namespace windowing {
 
@@ -29,18 +28,19 @@ class X11Connection {
   xcb_window_t TopLevelWindow(std::uintptr_t window) const;
   // Null if it has none.
   QImage WindowIcon(std::uintptr_t window) const;
-  // Returns when the server has done it. Windows that are gone by now are passed over.
-  void SetWaitCursor(const std::vector<xcb_window_t>& windows) const;
+  // Asks the server to show what was drawn when the window is uncovered, while nobody draws it anew; and gives the
+  // window a line around it where no window manager draws one.
+  void KeepContentsAndEdge(std::uintptr_t window) const;
 
  private:
   explicit X11Connection(xcb_connection_t* opened, xcb_screen_t* rootScreen);
-  bool IsManaged(xcb_window_t window) const;
+  bool HasProperty(xcb_window_t window, xcb_atom_t name) const;
 
   xcb_connection_t* connection;
   xcb_screen_t* screen;
-  xcb_cursor_t waitCursor = XCB_CURSOR_NONE;
   xcb_atom_t windowIcon;    // _NET_WM_ICON
   xcb_atom_t managedState;  // WM_STATE, a property of what a window manager handles
+  xcb_atom_t manager;       // _NET_SUPPORTING_WM_CHECK, of the root under a window manager
 };
 
 }  // namespace windowing

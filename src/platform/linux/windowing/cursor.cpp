@@ -1,8 +1,8 @@
-// The cursor. The wait cursor is shown by a second thread, while the thread of the dialogs is blocked; a process that
-// has opened no window has no cursor of ours.
+// The cursor. The wait cursor is shown by a second thread, while the thread of the user interface is blocked.
 #include "../threads.h"
 #include "display_selection.h"
 #include "platform/platform.h"
+#include "wait_cursor.h"
 #include "windowing.h"
 
 namespace {
@@ -19,8 +19,9 @@ HCURSOR SharedCursor(LPCSTR name) {
 
 namespace platform {
 
-void NoteWindowsForWaitCursor() {
-  if (windowing::Display* display = windowing::OpenedDisplay()) display->NoteCursorWindows();
+bool PrepareForWait() {
+  if (windowing::Display* display = windowing::OpenedDisplay()) display->ShowWaiting(true);
+  return windowing::IsUserInterfaceThread(GetCurrentThreadId()) && windowing::MayHaveWindows();
 }
 
 }  // namespace platform
@@ -31,25 +32,23 @@ HCURSOR LoadCursorA(HINSTANCE module, LPCSTR name) {
 
 HCURSOR SetCursor(HCURSOR cursor) {
   const DWORD thread = joinedThread != 0 ? joinedThread : GetCurrentThreadId();
-  windowing::Display* display = windowing::DisplayOfThread(thread);
-  if (display != nullptr && cursor == SharedCursor(IDC_WAIT)) display->ShowWaitCursor();
+  if (cursor == SharedCursor(IDC_WAIT) && windowing::IsUserInterfaceThread(thread)) windowing::ShowWaitCursor();
   return nullptr;
 }
 
+// Fails where there is nothing that setting it would change.
 BOOL GetCursorPos(POINT* point) {
-  windowing::Display* display = windowing::OpenedDisplay();
-  const std::optional<POINT> position = display != nullptr ? display->CursorPosition() : std::nullopt;
-  if (!position) return FALSE;
-  *point = *position;
+  const std::optional<POINT> position = windowing::WaitCursorPosition();
+  if (!position && windowing::OpenedDisplay() == nullptr) return FALSE;
+  *point = position.value_or(POINT{});
   return TRUE;
 }
 
 // The pointer is the user's and stays where it is: what is wanted is the other effect, that the window below it
 // chooses its cursor again.
 BOOL SetCursorPos(int, int) {
-  windowing::Display* display = windowing::OpenedDisplay();
-  if (display == nullptr) return FALSE;
-  display->RestoreCursor();
+  windowing::HideWaitCursor();
+  if (windowing::Display* display = windowing::OpenedDisplay()) display->ShowWaiting(false);
   return TRUE;
 }
 

@@ -1,6 +1,6 @@
 // The seam between the window core and what shows its windows. The core holds all state and rules (texts, styles,
 // focus, default button, messages); a display only shows that state and reports what the user does. Texts are UTF-8
-// here, rectangles are pixels. All calls come on the thread that runs the dialogs, but for ShowWaitCursor.
+// here, rectangles are pixels. All calls come on the thread that runs the dialogs.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WINDOWING_DISPLAY_H
 #define NVSUPPORT_PLATFORM_LINUX_WINDOWING_DISPLAY_H
 
@@ -105,13 +105,8 @@ class Display {
   // The top-level window that a host's own window is or lies in; 0 if there is no such window.
   virtual std::uintptr_t ForeignTopLevel(std::uintptr_t window) = 0;
 
-  // Notes the windows that a wait cursor would be shown on, before their thread is blocked.
-  virtual void NoteCursorWindows() {}
-  // Shows the wait cursor on the windows noted. May be called on another thread while the dialogs' thread is blocked.
-  virtual void ShowWaitCursor() = 0;
-  // Lets the window under the pointer choose its cursor again.
-  virtual void RestoreCursor() = 0;
-  virtual std::optional<POINT> CursorPosition() = 0;
+  // The thread is going to be blocked, or no longer is: shows the dialogs as they are meanwhile.
+  virtual void ShowWaiting(bool waiting) = 0;
 };
 
 }  // namespace windowing

@@ -1,5 +1,7 @@
 #include "display_selection.h"
 
+#include <unistd.h>
+
 #include <atomic>
 
 #include "../threads.h"
@@ -10,7 +12,7 @@
 namespace windowing {
 namespace {
 
-// Atomic, because the thread that shows the wait cursor asks for the display of another.
+// Atomic, because the thread that shows the wait cursor asks for the thread of the display.
 std::atomic<DWORD> displayThread = 0;
 std::atomic<Display*> openedDisplay = nullptr;
 NvOpenDisplay openDisplay = nullptr;  // of the display that is open
@@ -50,12 +52,13 @@ Display* OpenDisplay(std::string& whyNot) {
 }
 
 Display* OpenedDisplay() {
-  return DisplayOfThread(GetCurrentThreadId());
+  Display* display = openedDisplay;
+  return displayThread == GetCurrentThreadId() ? display : nullptr;
 }
 
-Display* DisplayOfThread(DWORD thread) {
-  Display* display = openedDisplay;
-  return displayThread == thread ? display : nullptr;
+bool IsUserInterfaceThread(DWORD thread) {
+  const DWORD known = displayThread;
+  return thread == (known != 0 ? known : static_cast<DWORD>(getpid()));
 }
 
 void CloseDisplay() {

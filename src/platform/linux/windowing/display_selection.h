@@ -13,8 +13,9 @@ namespace windowing {
 Display* OpenDisplay(std::string& whyNot);
 // The calling thread's display if it is open.
 Display* OpenedDisplay();
-// The display if it is open and belongs to the thread with this id, which may be another than the caller's.
-Display* DisplayOfThread(DWORD thread);
+// Whether the thread with this id is that of the user interface: the one that has the display, or as long as none was
+// opened the process's first.
+bool IsUserInterfaceThread(DWORD thread);
 
 // Ends the use of the display, before the module goes.
 void CloseDisplay();

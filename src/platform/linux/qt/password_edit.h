@@ -1,0 +1,24 @@
+// The edit of a password. With Caps Lock on it says so, by a sign that is also told to screen readers.
+#ifndef NVSUPPORT_PLATFORM_LINUX_QT_PASSWORD_EDIT_H
+#define NVSUPPORT_PLATFORM_LINUX_QT_PASSWORD_EDIT_H
+
+#include <QLineEdit>
+
+namespace windowing {
+
+class PasswordEdit final : public QLineEdit {
+ public:
+  explicit PasswordEdit(QWidget& parent);
+
+ protected:
+  bool event(QEvent* event) override;
+
+ private:
+  void ShowCapsLock(bool on);
+
+  QAction* sign;
+};
+
+}  // namespace windowing
+
+#endif
