@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Puts load on the local service: searches, new accounts, sign-ins, tokens and account pages, many at a time, with the
-# accounts in SQLite and in PostgreSQL, at peace and with ten processes a second killed in the middle of their work.
+# accounts in SQLite and in PostgreSQL, at peace and with two processes a second killed in the middle of their work.
 # Shows how many were answered, and fails if one was not or if something that was acknowledged is missing.
 #
 # service_load.sh [REQUESTS [AT-A-TIME]]   1000 of each kind and 200 at a time unless told
@@ -26,7 +26,8 @@ trap 'exit 143' TERM
 # Against an empty database: the file or the server that NV_SERVICE_DATABASE names.
 load() {
   local environment status=0
-  environment=$(NV_BUILD_DIR=$build service/service.sh start "$work/service")
+  environment=$(NV_BUILD_DIR=$build NV_SERVICE_ACCOUNTS_PER_ADDRESS=$((10 * requests)) \
+    service/service.sh start "$work/service")
   (
     eval "$environment"
     "$build/nvservice-load" "$(<"$work/service/pid")" "$requests" "$at_a_time" "$1"
@@ -39,7 +40,7 @@ export -f load
 export build work requests at_a_time
 
 result=0
-for kills in 0 10; do
+for kills in 0 2; do
   ((kills)) && how="$kills processes a second are killed" || how="at peace"
   echo "SQLite, $how"
   NV_SERVICE_DATABASE=$work/service/accounts.sqlite load $kills || result=1

@@ -9,6 +9,7 @@ readonly web_host=${NV_WEB_HOST:-www.norvane.example}
 readonly session_seconds=${NV_SERVICE_SESSION_SECONDS:-3600}
 readonly kbytes_per_second=${NV_SERVICE_KBYTES_PER_SECOND:-0}
 readonly processes=${NV_SERVICE_PROCESSES:-4}
+readonly accounts_per_address=${NV_SERVICE_ACCOUNTS_PER_ADDRESS:-20}
 readonly certificate_days=2
 readonly start_tries=20    # of finding two free ports
 readonly answer_tries=100  # tenths of a second
@@ -38,6 +39,7 @@ Environment:
   NV_SERVICE_PORTS              the two ports of HTTP and HTTPS (else free ones of its own choosing)
   NV_SERVICE_SESSION_SECONDS    for how long a session token is good (now $session_seconds)
   NV_SERVICE_KBYTES_PER_SECOND  most that a connection gets, to have time to watch; 0: no limit (now $kbytes_per_second)
+  NV_SERVICE_ACCOUNTS_PER_ADDRESS  new accounts from an address in a quarter of an hour (now $accounts_per_address)
   NV_SERVICE_PROCESSES          processes of each program, which answer as many requests at a time (now $processes)
 
 Exit code: 0 done, 1 failed, 2 wrong arguments, 3 the service does not run ("env").
@@ -118,7 +120,8 @@ var.settings = (
   "NV_SERVICE_PRODUCTS" => "${NV_SERVICE_PRODUCTS:-$here/data/products.tsv}",
   "NV_SERVICE_PRODUCTS_INDEX" => "$dir/products.index",
   "NV_SERVICE_COUNTERS" => "$dir/run/counters",
-  "NV_SERVICE_SESSION_SECONDS" => "$session_seconds"
+  "NV_SERVICE_SESSION_SECONDS" => "$session_seconds",
+  "NV_SERVICE_ACCOUNTS_PER_ADDRESS" => "$accounts_per_address"
 )
 var.proxies = ()
 var.monitors = "127.0.0.1"
@@ -231,7 +234,8 @@ refuse_what_others_can_reach "$2"
 dir=$(cd "$2" && pwd)
 [[ $dir$here == *[\"\'\\]* || $dir$here == *$'\n'* ]] && fail "the names of the folders cannot hold \" ' \\ or a line feed"
 [[ $service_host$web_host =~ ^[A-Za-z0-9.-]+$ ]] || fail "NV_SERVICE_HOST and NV_WEB_HOST are no host names"
-[[ $session_seconds$kbytes_per_second$processes =~ ^[0-9]+$ ]] || fail "a variable that takes a number holds none"
+[[ $session_seconds$kbytes_per_second$processes$accounts_per_address =~ ^[0-9]+$ ]] ||
+  fail "a variable that takes a number holds none"
 
 # One start or stop at a time.
 exec 9>"$dir/lock"
