@@ -124,7 +124,7 @@ picture_window() {
   picture_refusal nvhost_refused "$main"
   make_account "Demo Window"
   window=$main
-  sleep 1 # the token
+  sleep 8 # the token, which takes its time on a busy machine
   take_picture nvhost_gui
 }
 
