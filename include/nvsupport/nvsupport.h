@@ -104,8 +104,9 @@ typedef struct MapShopPoint {
 } MapShopPoint;
 
 /*
- * A product on offer, 1308 bytes. All texts are terminated; bytes behind a terminator carry no meaning. A text that
- * does not fit is cut to its field, which can be in the middle of a UTF-8 character.
+ * A product on offer, 1308 bytes. All texts are terminated, and what stands behind a terminator is 0. A text that does
+ * not fit is cut to its field, at the end of a character; but a package's title, which keeps 190 bytes behind its mark,
+ * is cut there even within one.
  */
 typedef struct MapShopItem {
   int32_t firstValue;       /* meaning agreed between host and service */

@@ -158,6 +158,7 @@ NVMapShopHandle NSMapShopSearch(const MapShopPoint* points, int32_t count) {
 
 bool NSMapShopGetNext(NVMapShopHandle handle, MapShopItem* item) {
   if (handle == nullptr || item == nullptr || handle->left == 0) return false;
+  *item = {};  // behind the terminators, too
   const char* const records = handle->records.data();
   handle->next = static_cast<std::size_t>(nvsupport::Unpack(records + handle->next, *item) - records);
   --handle->left;

@@ -120,8 +120,11 @@ void CTypeSerializer::AppendReadAhead(std::string& text, std::size_t length) {
 bool CTypeSerializer::ReadFixedString(char* field, std::int32_t width) {
   std::string text;
   if (!ReadString(text)) return false;
-  _mbsnbcpy(reinterpret_cast<unsigned char*>(field), reinterpret_cast<const unsigned char*>(text.c_str()),
-            static_cast<std::size_t>(width));
+  // One that does not fit is cut where the terminator still has room, at the end of a character. One that fits is not
+  // looked at: its last byte may well be none that a character ends with.
+  const auto size = static_cast<std::size_t>(width);
+  const std::size_t room = std::strlen(text.c_str()) < size ? size : size - 1;
+  _mbsnbcpy(reinterpret_cast<unsigned char*>(field), reinterpret_cast<const unsigned char*>(text.c_str()), room);
   field[width - 1] = '\0';
   return true;
 }

@@ -83,9 +83,12 @@ TEST(MapShopSearch, MarksPackagesByTheSuffixOfTheirFileAndCutsTexts) {
       {"a-nvpkg", "Sea", "Sea"},
       {"a.nvpkg", text(190), "Package: " + text(190)},
       {"a.nvpkg", text(191), "Package: " + text(190)},
+      {"a.nvpkg", text(189, "\u00e9"), "Package: " + text(189, "\xc3")},
       {"a.map", text(2000), text(199)},
       {"a.map", text(196, "\u20ac"), text(196, "\u20ac")},
       {"a.map", text(198, "\u20ac"), text(198)},
+      {"a.map", text(198, "\u00e9"), text(198)},
+      {"a.map", text(198, "\xc3"), text(198, "\xc3")},
       {"a.map", text(198, "\xff\u00e9"), text(198, "\xff")},
       {text(993, ".nvpkg"), "Sea", "Package: Sea"},
       {text(994, ".nvpkg"), "Sea", "Sea"},
@@ -94,8 +97,10 @@ TEST(MapShopSearch, MarksPackagesByTheSuffixOfTheirFileAndCutsTexts) {
     const ScriptedServer service(HttpReply(200, ReplyWith({{row.title, 0, row.file, row.file, 0}}, 0)),
                                  NV_SERVICE_HOST);
     const NVMapShopHandle results = NSMapShopSearch(nullptr, 0);
-    MapShopItem item{};
+    std::string record(sizeof(MapShopItem), '\xaa');
+    auto& item = *reinterpret_cast<MapShopItem*>(record.data());
     EXPECT_TRUE(NSMapShopGetNext(results, &item)) << row.file;
+    EXPECT_EQ(record.find('\xaa'), std::string::npos) << "all of the record is written";
     EXPECT_EQ(item.title, row.shown) << row.file;
     EXPECT_EQ(item.shortText, row.file.substr(0, 99));
     EXPECT_EQ(item.fileReference, row.file.substr(0, 999));
