@@ -2,6 +2,8 @@
 // Each test is a process of its own.
 #include <gtest/gtest.h>
 #include <nvsupport/nvsupport_module.h>
+#include <signal.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -84,6 +86,26 @@ TEST_F(Module, NeedsNoMemoryToKeepAnError) {
 TEST_F(Module, ServesAHostThatHasTheNameOfAnExportAndNeverUnloads) {
   Use(Load());
   EXPECT_EQ(callsOfHostsOwn, 0);
+}
+
+TEST_F(Module, LeavesTheHostsSignalsAloneWhenNobodyReadsStandardError) {
+  const ScopedVariable all("NV_TRACE", "all");
+  int ends[2];
+  EXPECT_EQ(pipe(ends) + close(ends[0]), 0);
+  dup2(ends[1], STDERR_FILENO);
+  const NVSupportModule module = Load();
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGPIPE);
+  for (const bool waiting : {false, true}) {
+    if (waiting) pthread_sigmask(SIG_BLOCK, &signals, nullptr), raise(SIGPIPE);
+    Use(module);
+    char token[20];
+    EXPECT_FALSE(module.sessionToken(nullptr, token)) << "for want of a display, which is told to nobody";
+    EXPECT_EQ(sigpending(&signals), 0);
+    EXPECT_EQ(sigismember(&signals, SIGPIPE), waiting);
+    sigaddset(&signals, SIGPIPE);
+  }
 }
 
 TEST_F(Module, HoldsNothingMoreAfterManyLoadsInUse) {

@@ -2,13 +2,18 @@
 
 #include <unistd.h>
 
-#include <cstdio>
+#include "blocked_signals.h"
+
+void platform::WriteToStandardError(std::string_view text) {
+  const NoSignalOfWrite held;
+  static_cast<void>(!write(STDERR_FILENO, text.data(), text.size()));
+}
 
 DWORD GetCurrentProcessId() {
   return static_cast<DWORD>(getpid());
 }
 
 void FatalAppExitA(UINT, LPCSTR text) {
-  std::fputs(text, stderr);
+  platform::WriteToStandardError(text);
   _exit(1);
 }

@@ -3,7 +3,6 @@
 
 #include <strings.h>
 
-#include <cstdio>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -59,6 +58,6 @@ BOOL ShellExecuteExA(SHELLEXECUTEINFOA* info) {
   if (target.empty()) return FALSE;
   const bool shown = platform::StartViewer(target.c_str());
   // The user has asked for it, and can still open it himself.
-  if (!shown) std::fprintf(stderr, "xdg-open cannot be started to show %s\n", target.c_str());
+  if (!shown) platform::WriteToStandardError("xdg-open cannot be started to show " + target + "\n");
   return shown;
 }

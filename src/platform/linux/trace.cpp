@@ -1,7 +1,5 @@
 #include "trace.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
@@ -59,8 +57,7 @@ void Trace(TraceArea area, const char* format, ...) {
   std::replace_if(
       line, line + length, [](unsigned char c) { return c < 0x20 || c == 0x7F; }, '?');
   line[length] = '\n';
-  // At once, so that the lines of several threads do not mix.
-  static_cast<void>(!write(STDERR_FILENO, line, static_cast<std::size_t>(length) + 1));
+  WriteToStandardError({line, static_cast<std::size_t>(length) + 1});
 }
 
 void TraceLanguage(const std::string& language, const std::string& catalogue, std::size_t texts) {

@@ -2,7 +2,6 @@
 #include "files/files.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -37,33 +36,6 @@ constexpr mode_t anyonesFile = 0666;  // less the user's mask
 
 constexpr std::size_t gatheredAtMost = std::size_t{64} * 1024;  // bytes
 
-// A write beyond the process's file size limit raises SIGXFSZ, which ends a host that does not expect it. While the
-// object lives the signal is held back on this thread; one that came meanwhile is taken off again.
-class NoFileSizeSignal {
- public:
-  ~NoFileSizeSignal() {
-    const timespec atOnce{};
-    while (!hostsOwn && sigtimedwait(&signals, nullptr, &atOnce) < 0 && errno == EINTR) {
-    }
-  }
-
- private:
-  static sigset_t FileSizeSignal() {
-    sigset_t set;
-    sigemptyset(&set);
-    sigaddset(&set, SIGXFSZ);
-    return set;
-  }
-  static bool IsPending() {
-    sigset_t pending;
-    return sigpending(&pending) == 0 && sigismember(&pending, SIGXFSZ) == 1;
-  }
-
-  const sigset_t signals = FileSizeSignal();
-  const bool hostsOwn = IsPending();
-  const platform::BlockedSignals blocked{signals};
-};
-
 // A file open for writing from its start. Small writes are gathered, so that a file which comes in many of them costs
 // few calls of the system. A disk that is full thus shows in a later write, or when the file is closed.
 class WrittenFile final : public HandleObject {
@@ -95,7 +67,7 @@ class WrittenFile final : public HandleObject {
   void Flush() { Store(gathered.data(), std::exchange(used, 0)); }
 
   void Store(const char* data, std::size_t size) {
-    const NoFileSizeSignal held;
+    const platform::NoSignalOfWrite held;
     while (size > 0 && !lost) {
       const ssize_t written = write(descriptor.get(), data, size);
       if (written < 0 && errno == EINTR) continue;

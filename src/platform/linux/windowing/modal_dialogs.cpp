@@ -1,10 +1,10 @@
 #include "modal_dialogs.h"
 
-#include <cstdio>
 #include <utility>
 
 #include "../module.h"
 #include "../multibyte.h"
+#include "../process.h"
 #include "controls.h"
 #include "dialog_creation.h"
 #include "display_selection.h"
@@ -154,7 +154,7 @@ INT_PTR DialogBoxParamA(HINSTANCE module, LPCSTR dialogTemplate, HWND owner, DLG
   std::string whyNot;
   windowing::Display* display = windowing::OpenDisplay(whyNot);
   if (display == nullptr) {
-    std::fprintf(stderr, "No display for the dialog \"%s\": %s\n", form->title.c_str(), whyNot.c_str());
+    platform::WriteToStandardError("No display for the dialog \"" + form->title + "\": " + whyNot + "\n");
     return windowing::Fail(windowing::errorNoInteractiveStation);
   }
   return windowing::RunDialog(*display, *form, owner, dialogProc, initParam);
@@ -177,6 +177,6 @@ int MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type) {
   box.caption = platform::ToUtf8(caption != nullptr ? caption : windowing::defaultCaption);
   box.type = type;
   const int answer = windowing::ShowBox(box, owner);
-  if (answer == 0) std::fprintf(stderr, "%s: %s\n", box.caption.c_str(), box.text.c_str());
+  if (answer == 0) platform::WriteToStandardError(box.caption + ": " + box.text + "\n");
   return answer;
 }
