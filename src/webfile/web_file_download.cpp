@@ -45,6 +45,8 @@ bool WebFileConnection::DownloadToFile(const char* file) {
     request.reset();
     return false;
   }
+  // Another download may have ended here before this one was alone.
+  DeleteFileA(file);
   if (counters != nullptr) *counters = {.done = 0, .total = ContentLength()};
   const bool received = ReceiveInto(output.get());
   // What the system could not store may show as late as here.

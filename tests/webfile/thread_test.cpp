@@ -42,5 +42,21 @@ TEST(WebFileThreads, WorkSideBySide) {
   for (std::thread& thread : threads) thread.join();
 }
 
+TEST(WebFileThreads, LoseNoWholeBodyWhenTwoWriteOneFile) {
+  const TemporaryFolder folder;
+  const ScriptedServer servers[] = {ScriptedServer(HttpReply(200, "body"), "0.example"),
+                                    ScriptedServer(HttpReply(200, "body"), "1.example")};
+  const auto work = [file = folder / "a.map"](const char* host) {
+    for (int round = 0; round < 300; ++round) {
+      WebProgressCounters counters{};
+      const bool done = NSDownloadWebFileProgress(host, "x", file.c_str(), nullptr, nullptr, &counters);
+      EXPECT_EQ(done, counters.done == 4) << host;
+    }
+  };
+  std::thread other(work, "1.example");
+  work("0.example");
+  other.join();
+}
+
 }  // namespace
 }  // namespace nvsupport::testing

@@ -36,18 +36,32 @@ constexpr mode_t anyonesFile = 0666;  // less the user's mask
 
 constexpr std::size_t gatheredAtMost = std::size_t{64} * 1024;  // bytes
 
+// A file that was not shared stays locked when it is closed, until the thread renames or deletes a file: it is what the
+// thread does next, and meanwhile nobody else is to begin writing in it. A plain number that each thread has from its
+// beginning: an owner's destructor would keep the module from being unloaded.
+[[gnu::tls_model("initial-exec")]] thread_local int keptLocked = -1;
+
+void UnlockKept() {
+  if (keptLocked == -1) return;
+  // A child that the host has forked holds the file open, but has no part in the lock.
+  flock(keptLocked, LOCK_UN);
+  close(std::exchange(keptLocked, -1));
+}
+
 // A file open for writing from its start. Small writes are gathered, so that a file which comes in many of them costs
 // few calls of the system. A disk that is full thus shows in a later write, or when the file is closed.
 class WrittenFile final : public HandleObject {
  public:
-  void Open(Descriptor opened) { descriptor = std::move(opened); }
+  void Open(Descriptor opened, bool isLocked) {
+    descriptor = std::move(opened);
+    locked = isLocked;
+  }
   ~WrittenFile() override { Close(); }
 
   bool Close() override {
     if (!descriptor) return true;
     Flush();
-    // A child that the host has forked holds the file open, but has no part in the lock.
-    flock(descriptor.get(), LOCK_UN);
+    if (locked) KeepLocked();
     return close(descriptor.release()) == 0 && !lost;
   }
 
@@ -64,6 +78,14 @@ class WrittenFile final : public HandleObject {
   }
 
  private:
+  void KeepLocked() {
+    UnlockKept();
+    // Shared from here on, as the lock of who renames or deletes a file.
+    flock(descriptor.get(), LOCK_SH | LOCK_NB);
+    keptLocked = fcntl(descriptor.get(), F_DUPFD_CLOEXEC, 0);
+    if (keptLocked == -1) flock(descriptor.get(), LOCK_UN);
+  }
+
   void Flush() { Store(gathered.data(), std::exchange(used, 0)); }
 
   void Store(const char* data, std::size_t size) {
@@ -81,6 +103,7 @@ class WrittenFile final : public HandleObject {
   Descriptor descriptor;
   std::array<char, gatheredAtMost> gathered;  // taken and not yet stored
   std::size_t used = 0;
+  bool locked = false;
   bool lost = false;  // something that was taken could not be stored
 };
 
@@ -153,7 +176,7 @@ std::unique_ptr<WrittenFile> Create(const NativePath& path) {
   // Whoever had it may have given it another name before it was locked.
   if (!file || !Lock(file, LOCK_EX) || !IsStillAt(path, file)) return nullptr;
   if (ftruncate(file.get(), 0) != 0) return nullptr;
-  written->Open(std::move(file));
+  written->Open(std::move(file), true);
   return written;
 }
 
@@ -174,7 +197,7 @@ FileStream OpenForWriting(const NativePath& path, const char* mode) {
   // keep no such rights, and their files are written all the same.
   fchmod(file.get(), ownersFile);
   const bool emptied = ftruncate(file.get(), 0) == 0;
-  written.release()->Open(std::move(file));
+  written.release()->Open(std::move(file), false);
   if (!emptied) stream.reset();
   return stream;
 }
@@ -218,14 +241,18 @@ BOOL CreateDirectoryA(LPCSTR path, struct SECURITY_ATTRIBUTES*) {
 BOOL DeleteFileA(LPCSTR path) {
   const NativePath native(path);
   Descriptor file;
-  return Traced("delete", native,
-                [&] { return (IsLink(native) || Hold(native, file)) && unlink(native.c_str()) == 0; });
+  const bool deleted =
+      Traced("delete", native, [&] { return (IsLink(native) || Hold(native, file)) && unlink(native.c_str()) == 0; });
+  UnlockKept();
+  return deleted;
 }
 
 BOOL MoveFileA(LPCSTR from, LPCSTR to) {
   const NativePath source(from);
   const NativePath target(to);
-  return Traced("rename", source, [&] { return Move(source, target); });
+  const bool moved = Traced("rename", source, [&] { return Move(source, target); });
+  UnlockKept();
+  return moved;
 }
 
 HANDLE CreateFileA(LPCSTR path, DWORD, DWORD, struct SECURITY_ATTRIBUTES*, DWORD, DWORD, HANDLE) {
