@@ -200,7 +200,8 @@ NVSUPPORT_API bool x77fc64c7(const char* host, const char* path, const char* fil
  * buffer:   at least `length` bytes, owned by the host; never written beyond them.
  * callback: called after every read that brought bytes; may be null. False stops the transfer.
  * Returns `length` when all bytes arrived; 0 when the transfer did not complete (bytes that arrived before stay in
- * the buffer); -1 when there is no body to read (no connection, a status of 300 or more).
+ * the buffer); -1 when there is no body to read (no connection, a status of 300 or more, a reply with status 206 that
+ * says that it brings another range, or several).
  * A length of 0 or less sends a request for an empty range and gives 0, or -1 when the server refuses it.
  * A server that ignores ranges answers with the file from its start; that is not told apart.
  */

@@ -75,4 +75,13 @@ std::int64_t WebFileConnection::ContentLength() const {
   return length;
 }
 
+std::string WebFileConnection::HeaderText(DWORD which) const {
+  DWORD size = 0;
+  HttpQueryInfoA(request.get(), which, nullptr, &size, nullptr);  // asks for the room that it takes
+  std::string text(size, '\0');
+  if (size == 0 || !HttpQueryInfoA(request.get(), which, text.data(), &size, nullptr)) return {};
+  text.resize(size);
+  return text;
+}
+
 }  // namespace nvsupport

@@ -53,6 +53,10 @@ class WebFileConnection {
   bool SendRequest(const char* verb, const char* path, DWORD flags, std::string_view header);
   // False if the host stops the transfer.
   bool GoesOn() const;
+  // Of the reply, HTTP_QUERY_CONTENT_TYPE or the like; empty if it has none.
+  std::string HeaderText(DWORD which) const;
+  // False if a reply of a part says that it is another one than was asked for, or several.
+  bool BringsRangeFrom(std::int64_t offset) const;
   // From the reply into an open file; true when the body is whole and written.
   bool ReceiveInto(HANDLE file);
 

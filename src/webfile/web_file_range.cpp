@@ -3,6 +3,7 @@
 #include <exception>
 #include <string>
 
+#include "base/ascii.h"
 #include "webfile/web_file_connection.h"
 
 namespace nvsupport {
@@ -12,6 +13,7 @@ namespace {
 constexpr DWORD rangeFlags = INTERNET_FLAG_NO_CACHE_WRITE | INTERNET_FLAG_NO_AUTO_REDIRECT | INTERNET_FLAG_NO_COOKIES |
                              INTERNET_FLAG_PRAGMA_NOCACHE;
 constexpr std::int32_t noBody = -1;
+constexpr std::int32_t statusOfPart = 206;
 
 std::string RangeHeader(std::int64_t offset, std::int32_t length) {
   // The sum may pass the largest offset; that is for the server to refuse.
@@ -24,7 +26,14 @@ std::string RangeHeader(std::int64_t offset, std::int32_t length) {
 std::int32_t WebFileConnection::ReadRange(const char* path, std::int64_t offset, std::int32_t length, void* buffer) {
   request.reset();
   if (!SendRequest(nullptr, path, rangeFlags, RangeHeader(offset, length))) return noBody;
+  if (StatusCode() == statusOfPart && !BringsRangeFrom(offset)) return noBody;
   return ReadBody(buffer, length);
+}
+
+bool WebFileConnection::BringsRangeFrom(std::int64_t offset) const {
+  if (base::ToLower(HeaderText(HTTP_QUERY_CONTENT_TYPE)).starts_with("multipart/byteranges")) return false;
+  const std::string range = base::ToLower(HeaderText(HTTP_QUERY_CONTENT_RANGE));
+  return range.empty() || range.starts_with("bytes " + std::to_string(offset) + "-");
 }
 
 std::int32_t WebFileConnection::ReadBody(void* buffer, std::int32_t length) {

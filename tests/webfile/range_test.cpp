@@ -47,6 +47,10 @@ TEST(WebRange, TellsWholeFromBrokenFromNothing) {
   } cases[] = {
       {"206", HttpReply(206, body), 99, 5000, 2, body},
       {"200 with the whole file", HttpReply(200, body + "more"), 99, 5000, 2, body},
+      {"the range", HttpReply(206, body, "content-range:  Bytes 7-5006/9999\r\n"), 99, 5000, 2, body},
+      {"another one", HttpReply(206, body, "Content-Range: bytes 70-5069/9999\r\n"), 99, -1, 0, untouched},
+      {"an unknown one", HttpReply(206, body, "Content-Range: bytes */9999\r\n"), 99, -1, 0, untouched},
+      {"ranges", HttpReply(206, body, "Content-Type: Multipart/ByteRanges; boundary=b\r\n"), 99, -1, 0, untouched},
       {"stopped", HttpReply(206, body), 2, 0, 2, body},
       {"empty", HttpReply(206, ""), 99, 0, 0, untouched},
       {"closed early", {.bytes = "HTTP/1.1 206 Part\r\nContent-Length: 5000\r\n\r\nbbb"}, 99, 0, 1, three},
@@ -59,7 +63,7 @@ TEST(WebRange, TellsWholeFromBrokenFromNothing) {
     std::string buffer = untouched + guard;
     int left = entry.stopAt;
     const auto countDown = [](void* calls) { return --*static_cast<int*>(calls) != 0; };
-    EXPECT_EQ(xfa704a3f(serverName, "a.map", 0, 5000, buffer.data(), countDown, &left), entry.result);
+    EXPECT_EQ(xfa704a3f(serverName, "a.map", 7, 5000, buffer.data(), countDown, &left), entry.result);
     EXPECT_EQ(entry.stopAt - left, entry.calls);
     EXPECT_TRUE(buffer == entry.buffer + guard);
   }

@@ -70,6 +70,16 @@ WebExchange* FindExchange(HINTERNET request) {
   return object != nullptr ? object->exchange.get() : nullptr;
 }
 
+// Copies a header's text with its terminator. Where that does not fit, the size becomes the room that it takes.
+BOOL CopyHeader(const char* text, LPVOID buffer, LPDWORD size) {
+  if (text == nullptr) return FALSE;
+  const std::size_t length = std::strlen(text);
+  const bool fits = buffer != nullptr && length < *size;
+  if (fits) std::memcpy(buffer, text, length + 1);
+  *size = static_cast<DWORD>(fits ? length : length + 1);
+  return fits;
+}
+
 }  // namespace
 
 HINTERNET InternetOpenA(LPCSTR agent, DWORD, LPCSTR, LPCSTR, DWORD) try {
@@ -120,7 +130,10 @@ BOOL HttpSendRequestA(HINTERNET request, LPCSTR headers, DWORD headersLength, LP
 
 BOOL HttpQueryInfoA(HINTERNET request, DWORD infoLevel, LPVOID buffer, LPDWORD size, LPDWORD) {
   const WebExchange* exchange = FindExchange(request);
-  if (exchange == nullptr || !exchange->HasHead() || buffer == nullptr || size == nullptr) return FALSE;
+  if (exchange == nullptr || !exchange->HasHead() || size == nullptr) return FALSE;
+  if (infoLevel == HTTP_QUERY_CONTENT_TYPE) return CopyHeader(exchange->Header("Content-Type"), buffer, size);
+  if (infoLevel == HTTP_QUERY_CONTENT_RANGE) return CopyHeader(exchange->Header("Content-Range"), buffer, size);
+  if (buffer == nullptr) return FALSE;
   if (infoLevel == (HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER)) {
     const auto status = static_cast<DWORD>(exchange->StatusCode());
     if (*size < sizeof status) return FALSE;

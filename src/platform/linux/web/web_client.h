@@ -20,8 +20,10 @@ inline constexpr DWORD INTERNET_FLAG_SECURE = 0x00800000;
 inline constexpr DWORD INTERNET_FLAG_NO_CACHE_WRITE = 0x04000000;
 inline constexpr DWORD INTERNET_FLAG_RELOAD = 0x80000000;
 
+inline constexpr DWORD HTTP_QUERY_CONTENT_TYPE = 1;
 inline constexpr DWORD HTTP_QUERY_CONTENT_LENGTH = 5;
 inline constexpr DWORD HTTP_QUERY_STATUS_CODE = 19;
+inline constexpr DWORD HTTP_QUERY_CONTENT_RANGE = 53;
 inline constexpr DWORD HTTP_QUERY_FLAG_NUMBER = 0x20000000;
 
 HINTERNET InternetOpenA(LPCSTR agent, DWORD accessType, LPCSTR proxy, LPCSTR proxyBypass, DWORD flags);

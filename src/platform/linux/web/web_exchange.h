@@ -33,11 +33,13 @@ class WebExchange {
   // Waits for at least one byte and copies up to `size`; 0 at the end of the body. No value if the transfer failed.
   std::optional<std::size_t> Read(char* data, std::size_t size);
 
-  // The head of the final reply is there; the two below rely on it.
+  // The head of the final reply is there; the three below rely on it.
   bool HasHead() const { return headDone; }
   long StatusCode() const;
   // Bytes of the body; no value if the reply did not tell.
   std::optional<std::int64_t> ContentLength() const;
+  // Value of a header, null if the reply has none.
+  const char* Header(const char* name) const;
 
  private:
   enum class Phase { running, ended, failed };
@@ -52,8 +54,6 @@ class WebExchange {
   // Sends one request and waits for the head of its reply.
   bool SendOnce(const std::string& url, const WebRequest& request, std::string_view extraHeader, std::string_view body,
                 Clock::time_point until);
-  // Value of a header of the latest reply, null if it has none.
-  const char* Header(const char* name) const;
   // Where the reply to `url` sends the client, empty if this reply is the final one.
   std::string RedirectTarget(const std::string& url) const;
   bool HasUnread() const { return begin != window.size(); }
