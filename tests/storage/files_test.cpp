@@ -48,6 +48,9 @@ TEST(Folders, AreMadeWithWhatIsMissingForTheUserAlone) {
 TEST(Folders, DocumentsAreWhereTheDesktopSettingsSay) {
   const TemporaryHome home;
   const testing::ScopedVariable noVariable("XDG_DOCUMENTS_DIR", "");
+  EXPECT_EQ(GetSpecialFolder(CSIDL_PERSONAL), "");
+  EXPECT_TRUE(fs::is_empty(home.folder.path)) << "it is looked for, not made";
+  for (const char* folder : {"Documents", "My \"Texts\""}) fs::create_directory(home.folder / folder);
   const std::pair<const char*, std::string> cases[] = {
       {"", home.folder / "Documents"},
       {"# XDG_DOCUMENTS_DIR=\"/no\"\nXDG_DOCUMENTS_DIR=\"$HOME/My \\\"Texts\\\"/\"\n", home.folder / "My \"Texts\""},

@@ -48,7 +48,9 @@ std::string ViewerTarget(const char* target) {
 BOOL SHGetSpecialFolderPathA(HWND, LPSTR path, int folder, BOOL create) {
   const std::string name = FolderOf(folder);
   if (name.empty() || name.size() >= MAX_PATH) return FALSE;
-  if (create && !platform::CreatePath(name)) return FALSE;
+  // The documents folder is the user's: where there is none, a program that a library is loaded in makes none.
+  const bool there = create && folder != CSIDL_PERSONAL ? platform::CreatePath(name) : platform::IsFolder(name);
+  if (!there) return FALSE;
   std::memcpy(path, name.c_str(), name.size() + 1);
   return TRUE;
 }
