@@ -174,7 +174,8 @@ typedef bool (*WebProgressCallback)(void* callbackData);
  * can write at the same time, and is renamed at the end.
  *
  * file:         local file name, not null. An earlier file of that name is deleted when the head of a reply with a
- *               status below 300 has come. A folder, pipe or device in its place makes the call fail.
+ *               status below 300 has come. A folder, pipe or device in its place, or a name that leaves no room for
+ *               ".TMP", makes the call fail before anything is transferred.
  * callback:     called after every read, before the chunk is written, and once more at the end of the body; may be
  *               null. When it returns false, the download fails: neither an old nor a new file is left.
  * callbackData: handed to `callback`.

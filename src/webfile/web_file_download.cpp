@@ -9,6 +9,16 @@ namespace {
 
 constexpr char temporaryExtension[] = ".TMP";
 
+// False where a download can only fail in the end: a folder or device has the name, or it leaves no room for the
+// extension.
+bool CanBecomeAFile(const std::string& name) {
+  constexpr DWORD noFile = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE;
+  const DWORD attributes = GetFileAttributesA(name.c_str());
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & noFile) != 0) return false;
+  return GetFileAttributesA((name + temporaryExtension).c_str()) != INVALID_FILE_ATTRIBUTES ||
+         GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND;
+}
+
 // Null if the file cannot be written, or another download has it: it is not shared. A leftover of the same name is
 // emptied.
 platform::ObjectHandle CreateTemporaryFile(const std::string& name) {
@@ -33,7 +43,7 @@ bool Download(const char* host, const char* path, const char* file, WebProgressC
 
 bool WebFileConnection::DownloadFile(const char* path, const char* file) {
   request.reset();
-  return OpenGet(path) && DownloadToFile(file);
+  return CanBecomeAFile(file) && OpenGet(path) && DownloadToFile(file);
 }
 
 bool WebFileConnection::DownloadToFile(const char* file) {

@@ -148,6 +148,7 @@ TEST_F(WebDownload, NeitherWritesNorMovesNorDeletesWhatIsNoFile) {
     EXPECT_EQ(mkfifo(place.c_str(), 0600), 0);  // as a device, which only root can make
     EXPECT_FALSE(Download()) << place;
     EXPECT_TRUE(fs::is_fifo(place)) << place;
+    EXPECT_EQ(server.Requests().empty(), place == file) << "what cannot work is not begun";
     fs::remove(place);
     EXPECT_TRUE(fs::is_empty(folder.path)) << place;
   }
@@ -157,6 +158,15 @@ TEST_F(WebDownload, NeitherWritesNorMovesNorDeletesWhatIsNoFile) {
   EXPECT_EQ(ReadWholeFile(folder / "other"), "kept");
   EXPECT_TRUE(fs::is_symlink(temporary));
   EXPECT_FALSE(x77fc64c7(serverName, "/", (folder / "missing/map").c_str(), nullptr, nullptr));
+
+  const std::size_t requests = server.Requests().size();
+  const std::string longName = folder / std::string(252, 'n');
+  WriteWholeFile(longName, old);
+  for (const std::string& refused : {folder.path.string(), longName}) {
+    EXPECT_FALSE(x77fc64c7(serverName, "/", refused.c_str(), nullptr, nullptr)) << refused;
+  }
+  EXPECT_EQ(ReadWholeFile(longName), old);
+  EXPECT_EQ(server.Requests().size(), requests);
 }
 
 TEST_F(WebDownload, LeavesNothingThatTheDiskHasNoRoomFor) {

@@ -228,9 +228,15 @@ FileStream OpenFileStream(const char* path, const char* mode) {
 }  // namespace platform
 
 DWORD GetFileAttributesA(LPCSTR path) {
+  const NativePath native(path);
   struct stat status {};
-  if (stat(NativePath(path).c_str(), &status) != 0) return INVALID_FILE_ATTRIBUTES;
-  return S_ISDIR(status.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL;
+  if (stat(native.c_str(), &status) != 0) {
+    const bool couldBeThere = errno == ENOENT && *native.c_str() != '\0';
+    SetLastError(couldBeThere ? ERROR_FILE_NOT_FOUND : ERROR_INVALID_NAME);
+    return INVALID_FILE_ATTRIBUTES;
+  }
+  if (S_ISREG(status.st_mode)) return FILE_ATTRIBUTE_NORMAL;
+  return S_ISDIR(status.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_DEVICE;
 }
 
 BOOL CreateDirectoryA(LPCSTR path, struct SECURITY_ATTRIBUTES*) {
