@@ -8,6 +8,9 @@ namespace {
 // More than any system takes for a path, and few enough parents for any thread's stack.
 constexpr std::size_t longestPath = 4096;
 
+// What stands between folders. A colon does not: it belongs to a name, or a drive, which nobody can make.
+constexpr char folderSeparators[] = "/\\";
+
 }  // namespace
 
 bool IsFolder(const std::string& path) {
@@ -20,7 +23,7 @@ bool CreatePath(const std::string& path) {
   if (path.empty() || path == ".") return true;
   if (path.size() > longestPath) return false;
   // Whether the parents are there shows when the folder itself is created.
-  const std::size_t separator = path.find_last_of(pathSeparators);
+  const std::size_t separator = path.find_last_of(folderSeparators);
   if (separator != std::string::npos) CreatePath(path.substr(0, separator));
   return CreateDirectoryA(path.c_str(), nullptr) != 0;
 }

@@ -36,10 +36,11 @@ TEST(Paths, AreTakenApartAtEitherSeparatorAndTheDrive) {
 TEST(Folders, AreMadeWithWhatIsMissingForTheUserAlone) {
   const TemporaryHome home;
   const std::string data = home.folder / "data";
-  EXPECT_EQ(GetSpecialFolder(CSIDL_LOCAL_APPDATA, "A b\\c"), data + "\\A b\\c");
-  for (const char* made : {"", "/A b", "/A b/c"}) {
+  EXPECT_EQ(GetSpecialFolder(CSIDL_LOCAL_APPDATA, "A: b\\c"), data + "\\A: b\\c");
+  for (const char* made : {"", "/A: b", "/A: b/c"}) {
     EXPECT_EQ(fs::status(data + made).permissions(), fs::perms(0700)) << made;
   }
+  EXPECT_FALSE(fs::exists(data + "/A")) << "a colon is a part of a name";
   const std::string parent = home.folder / std::string(150, 'x') + "/";
   const testing::ScopedVariable tooLong("XDG_DATA_HOME", parent + std::string(MAX_PATH - parent.size(), 'x'));
   EXPECT_EQ(GetSpecialFolder(CSIDL_LOCAL_APPDATA, "x"), "");
