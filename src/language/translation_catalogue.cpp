@@ -14,6 +14,10 @@ namespace {
 // The language of the source texts, which needs no file.
 constexpr const char* sourceLanguage = "English";
 
+bool Exists(const std::string& path) {
+  return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
 }  // namespace
 
 CTranslationCatalogue::~CTranslationCatalogue() {
@@ -67,7 +71,13 @@ std::string CTranslationCatalogue::GetModulePath() const {
 std::string CTranslationCatalogue::GetCatalogueFileName(const std::string& name) const {
   const std::string path = GetModulePath();
   if (path.empty()) return {};
-  return GetFolderOf(path) + '\\' + GetBaseNameOf(path) + '.' + name + ".txt";
+  const auto beside = [&name](const std::string& file) {
+    return GetFolderOf(file) + '\\' + GetBaseNameOf(file) + '.' + name + ".txt";
+  };
+  // A module that was loaded through a link may have its catalogues where the link leads.
+  const std::string catalogue = beside(path);
+  const std::string ofTarget = beside(platform::ResolveLinks(path));
+  return !Exists(catalogue) && Exists(ofTarget) ? ofTarget : catalogue;
 }
 
 bool CTranslationCatalogue::LoadCatalogueFile(const std::string& path) {

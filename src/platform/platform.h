@@ -48,6 +48,12 @@ std::uint32_t GetComputerDeviceId();
 // for writing is readable by its owner alone.
 FileStream OpenFileStream(const char* path, const char* mode);
 
+// Where a path leads through symbolic links; the path itself if it leads nowhere, or where the loader sees to links.
+std::string ResolveLinks(const std::string& path);
+
+// Tells a trace, where the system has one, that a file is not read because it has more bytes than `limit`.
+void TraceTooLarge(const std::string& path, std::size_t limit);
+
 // Tells a trace, where the system has one, which language is in force and how many texts its catalogue gave.
 void TraceLanguage(const std::string& language, const std::string& catalogue, std::size_t texts);
 

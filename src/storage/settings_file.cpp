@@ -84,9 +84,12 @@ std::string DecodeSettingsValue(std::string_view encoded) {
 
 bool CSettingsFile::Load(const std::string& path) {
   const platform::FileStream file = platform::OpenFileStream(path.c_str(), "r");
-  std::optional<std::string> bytes;
-  if (file) bytes = base::ReadStream(file.get(), maxSettingsBytes);
-  if (!bytes) return false;
+  if (!file) return false;
+  std::optional<std::string> bytes = base::ReadStream(file.get(), maxSettingsBytes);
+  if (!bytes) {
+    platform::TraceTooLarge(path, maxSettingsBytes);
+    return false;
+  }
   std::erase_if(*bytes, [](char c) { return c == '\r' || c == '\0'; });
   std::string_view text = *bytes;
   std::string_view line;

@@ -107,6 +107,20 @@ TEST_F(Catalogue, TakesTheLanguageOfTheUserBeforeTheInstallers) {
   }
 }
 
+TEST_F(Catalogue, OfALinkedModuleStandsBesideTheLinkElseWhereItLeads) {
+  std::filesystem::copy_file(NV_EMPTY_MODULE, home.folder / "lib/real.so");
+  std::filesystem::create_symlink("lib/real.so", home.folder / "link.so");
+  void* const linked = dlopen((home.folder / "link.so").c_str(), RTLD_NOW | RTLD_LOCAL);
+  catalogue.emplace().Init(static_cast<HINSTANCE>(dlsym(linked, "nvsupportTestModule")));
+  for (const std::string file : {"lib/real.Deutsch.txt", "lib/real.Suomi.txt", "link.Suomi.txt"}) {
+    WriteWholeFile(home.folder / file, "Yes\t" + file + "\n");
+    EXPECT_TRUE(catalogue->SetLanguage("English"));
+    EXPECT_TRUE(catalogue->SetLanguage(file.find("Suomi") == std::string::npos ? "Deutsch" : "Suomi"));
+    EXPECT_EQ(catalogue->Translate("Yes"), file);
+  }
+  dlclose(linked);
+}
+
 TEST_F(Catalogue, WritesEachMissOnceInByteOrder) {
   const std::string missFile = home.folder / "documents/NVTranslation/nvsupport.txt";
   WriteWholeFile(missFile, "of an earlier run");

@@ -19,12 +19,14 @@ TEST_F(Trace, TellsWhatHappenedButNoSecret) {
   const std::string token = "token --product \"Test Product\"";
   EXPECT_EQ(traceOf(token), "");
   const ScopedVariable areas("NV_TRACE", "web,files,display,language,registry");
-  const std::string trace = traceOf(token) + traceOf("download web.example a.map?secret=1 " + (home.folder / "a.map"));
+  WriteWholeFile(home.folder / "data/Large-Service/settings.ini", std::string((1 << 20) + 1, '#'));
+  const std::string trace = traceOf(token) + traceOf("whoami --product Large") +
+                            traceOf("download web.example a.map?secret=1 " + (home.folder / "a.map"));
   for (const std::string told :
        {"web POST https://" NV_SERVICE_HOST "/cgi-bin/svcapp.cgi\n", "web status 200 after ",
         "web 32 bytes of the body after ", "web GET http://web.example/a.map\n", "\"nonsense\" is malformed\n",
         "/norvane/registry.reg\n", " = \"Klingon\"\n", "nvsupport.Klingon.txt", "files read ", "settings.ini\n",
-        "files create ", "a.map.TMP\n"}) {
+        "/Large-Service/settings.ini: more than 1048576 bytes\n", "files create ", "a.map.TMP\n"}) {
     EXPECT_NE(trace.find(told), std::string::npos) << told;
   }
   EXPECT_EQ(trace.find("secret"), std::string::npos) << trace;

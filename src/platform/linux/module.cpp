@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <climits>
+#include <cstdlib>
 #include <cstring>
 #include <string_view>
 
@@ -60,6 +61,11 @@ void RememberModulePath() {
     thisModulePath[folder++] = '/';
   }
   if (CopyPath(path, thisModulePath + folder, sizeof thisModulePath - folder) == 0) thisModulePath[0] = '\0';
+}
+
+std::string ResolveLinks(const std::string& path) {
+  char target[PATH_MAX];
+  return realpath(path.c_str(), target) != nullptr ? target : path;
 }
 
 }  // namespace platform

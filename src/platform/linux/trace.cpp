@@ -8,6 +8,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "files/native_path.h"
 #include "platform/platform.h"
 
 namespace platform {
@@ -58,6 +59,10 @@ void Trace(TraceArea area, const char* format, ...) {
       line, line + length, [](unsigned char c) { return c < 0x20 || c == 0x7F; }, '?');
   line[length] = '\n';
   WriteToStandardError({line, static_cast<std::size_t>(length) + 1});
+}
+
+void TraceTooLarge(const std::string& path, std::size_t limit) {
+  Trace(TraceArea::files, "%s: more than %zu bytes", NativePath(path.c_str()).c_str(), limit);
 }
 
 void TraceLanguage(const std::string& language, const std::string& catalogue, std::size_t texts) {

@@ -42,6 +42,12 @@ FileStream OpenFileStream(const char* path, const char* mode) {
   return FileStream(std::fopen(path, mode));
 }
 
+std::string ResolveLinks(const std::string& path) {
+  return path;
+}
+
+void TraceTooLarge(const std::string&, std::size_t) {}
+
 void TraceLanguage(const std::string&, const std::string&, std::size_t) {}
 
 void SetDisplayLanguage(const std::string&) {}
