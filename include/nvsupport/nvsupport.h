@@ -151,8 +151,8 @@ NVSUPPORT_API int32_t NSMapShopClose(NVMapShopHandle handle);
  * host: name or address of the web server; IPv6 in brackets. Nothing else: with a port, a scheme, a user, a blank or a
  *       control character in it the call fails, as with an empty name. The port is 80, and TLS is not used.
  * path: path on the server, as the server expects it, with a query if need be; a / is put in front if there is none.
- *       On Linux blanks and # are sent escaped (%20, %23) and everything else as it stands. A control character makes
- *       the call fail.
+ *       On Linux blanks and # are sent escaped (%20, %23), and so are bytes from 0x80 up in front of the first ? (as
+ *       %e9); everything else goes as it stands. A control character makes the call fail.
  *
  * Redirects are not followed. The host ends a transfer by its callback, which is asked only when bytes have come.
  */
