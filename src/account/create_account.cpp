@@ -35,101 +35,101 @@ std::string UserLanguage() {
 
 }  // namespace
 
+class CVServiceManager::CDlgCreateAccount final : public Dialog {
+ public:
+  explicit CDlgCreateAccount(CVServiceManager* session) : Dialog(IDD_CREATE_ACCOUNT), m_session(session) {}
+
+  // The password is retyped in any case, also when it was handed over.
+  INT_PTR onInitDialog(WPARAM, LPARAM) override {
+    setItemText(IDC_USER_ID, m_session->m_userId);
+    setItemText(IDC_PASSWORD, m_session->m_password);
+    setItemText(IDC_YOUR_NAME, m_name);
+    setItemText(IDC_COMPANY, m_company);
+    setItemText(IDC_EMAIL, m_email);
+    SendMessageA(GetDlgItem(hwnd, IDC_KEEP_INFORMED), BM_SETCHECK, m_keepInformed ? 1 : 0, 0);
+    SeparateBoxes();
+    return 1;
+  }
+
+  void onOK() override {
+    if (getSecretText(IDC_RETYPE_PASSWORD) != getSecretText(IDC_PASSWORD)) {
+      ShowMessage(hwnd, MB_ICONERROR, "The passwords do not match");
+      SetWindowTextA(GetDlgItem(hwnd, IDC_RETYPE_PASSWORD), "");
+      FocusItem(hwnd, IDC_RETYPE_PASSWORD);
+      return;
+    }
+    TakeFields();
+    const StatusReply reply = SendAccount();
+    if (!reply.sent) return ShowError("Problem communicating over the internet");
+    if (!reply.answered) return ShowError("Internal server error");
+    if (reply.status != statusSuccess) return ShowRefusal(reply.status);
+    m_session->SaveProfile();
+    EndDialog(hwnd, IDOK);
+  }
+
+  void onDialogCommand(int id, HWND control, int code) override {
+    if (code == 0 && id == IDC_VIEW_POLICY) return static_cast<void>(OpenDocument(privacyPage, hwnd));
+    if (code == 0 && id == IDC_HELP_PAGE) return static_cast<void>(OpenDocument(helpPage, hwnd));
+    Dialog::onDialogCommand(id, control, code);
+  }
+
+ private:
+  // The template lays the two boxes over each other: the second begins where the first ends.
+  void SeparateBoxes() {
+    const HWND box = GetDlgItem(hwnd, IDC_ACCEPT_POLICY);
+    RECT first{};
+    RECT second{};
+    GetWindowRect(GetDlgItem(hwnd, IDC_KEEP_INFORMED), &first);
+    GetWindowRect(box, &second);
+    POINT corner{second.left, std::max(first.bottom, second.top)};
+    MapWindowPoints(nullptr, hwnd, &corner, 1);
+    SetWindowPos(box, nullptr, corner.x, corner.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+  }
+
+  void TakeFields() {
+    m_session->m_userId = getItemText(IDC_USER_ID);
+    m_session->m_password = getSecretText(IDC_PASSWORD);
+    m_name = getItemText(IDC_YOUR_NAME);
+    m_company = getItemText(IDC_COMPANY);
+    m_email = getItemText(IDC_EMAIL);
+    m_keepInformed = isChecked(IDC_KEEP_INFORMED);
+  }
+
+  StatusReply SendAccount() const {
+    CWebBinaryCGI cgi(accountCgi, true);
+    cgi.WriteValue(operation);
+    cgi.WriteString(m_session->m_userId);
+    cgi.WriteString(m_session->m_password.view());
+    cgi.WriteString(m_name);
+    cgi.WriteString(m_company);
+    cgi.WriteString(m_email);
+    cgi.WriteValue(static_cast<std::uint8_t>(m_keepInformed ? 1 : 0));
+    cgi.WriteValue(registrationConstant);
+    cgi.WriteString(UserLanguage());
+    return SendForStatus(cgi);
+  }
+
+  void ShowError(const char* text) { ShowMessage(hwnd, MB_ICONERROR, text); }
+
+  void ShowRefusal(std::int32_t status) {
+    const StatusMessage refusal = MessageFor(refusals, status, nullptr);
+    if (refusal.text != nullptr) {
+      ShowError(refusal.text);
+    } else {
+      ShowMessageFormat(hwnd, MB_ICONERROR, "The server returned error code %d", static_cast<int>(status));
+    }
+    FocusItem(hwnd, refusal.field);
+    if (status == statusEmailKnown) onCancel();
+  }
+
+  std::string m_name;
+  std::string m_company;
+  std::string m_email;
+  bool m_keepInformed = false;
+  CVServiceManager* m_session;
+};
+
 bool CVServiceManager::CreateAccount(HWND parent) {
-  class CDlgCreateAccount final : public Dialog {
-   public:
-    explicit CDlgCreateAccount(CVServiceManager* session) : Dialog(IDD_CREATE_ACCOUNT), m_session(session) {}
-
-    // The password is retyped in any case, also when it was handed over.
-    INT_PTR onInitDialog(WPARAM, LPARAM) override {
-      setItemText(IDC_USER_ID, m_session->m_userId);
-      setItemText(IDC_PASSWORD, m_session->m_password);
-      setItemText(IDC_YOUR_NAME, m_name);
-      setItemText(IDC_COMPANY, m_company);
-      setItemText(IDC_EMAIL, m_email);
-      SendMessageA(GetDlgItem(hwnd, IDC_KEEP_INFORMED), BM_SETCHECK, m_keepInformed ? 1 : 0, 0);
-      SeparateBoxes();
-      return 1;
-    }
-
-    void onOK() override {
-      if (getSecretText(IDC_RETYPE_PASSWORD) != getSecretText(IDC_PASSWORD)) {
-        ShowMessage(hwnd, MB_ICONERROR, "The passwords do not match");
-        SetWindowTextA(GetDlgItem(hwnd, IDC_RETYPE_PASSWORD), "");
-        FocusItem(hwnd, IDC_RETYPE_PASSWORD);
-        return;
-      }
-      TakeFields();
-      const StatusReply reply = SendAccount();
-      if (!reply.sent) return ShowError("Problem communicating over the internet");
-      if (!reply.answered) return ShowError("Internal server error");
-      if (reply.status != statusSuccess) return ShowRefusal(reply.status);
-      m_session->SaveProfile();
-      EndDialog(hwnd, IDOK);
-    }
-
-    void onDialogCommand(int id, HWND control, int code) override {
-      if (code == 0 && id == IDC_VIEW_POLICY) return static_cast<void>(OpenDocument(privacyPage, hwnd));
-      if (code == 0 && id == IDC_HELP_PAGE) return static_cast<void>(OpenDocument(helpPage, hwnd));
-      Dialog::onDialogCommand(id, control, code);
-    }
-
-   private:
-    // The template lays the two boxes over each other: the second begins where the first ends.
-    void SeparateBoxes() {
-      const HWND box = GetDlgItem(hwnd, IDC_ACCEPT_POLICY);
-      RECT first{};
-      RECT second{};
-      GetWindowRect(GetDlgItem(hwnd, IDC_KEEP_INFORMED), &first);
-      GetWindowRect(box, &second);
-      POINT corner{second.left, std::max(first.bottom, second.top)};
-      MapWindowPoints(nullptr, hwnd, &corner, 1);
-      SetWindowPos(box, nullptr, corner.x, corner.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-    }
-
-    void TakeFields() {
-      m_session->m_userId = getItemText(IDC_USER_ID);
-      m_session->m_password = getSecretText(IDC_PASSWORD);
-      m_name = getItemText(IDC_YOUR_NAME);
-      m_company = getItemText(IDC_COMPANY);
-      m_email = getItemText(IDC_EMAIL);
-      m_keepInformed = isChecked(IDC_KEEP_INFORMED);
-    }
-
-    StatusReply SendAccount() const {
-      CWebBinaryCGI cgi(accountCgi, true);
-      cgi.WriteValue(operation);
-      cgi.WriteString(m_session->m_userId);
-      cgi.WriteString(m_session->m_password.view());
-      cgi.WriteString(m_name);
-      cgi.WriteString(m_company);
-      cgi.WriteString(m_email);
-      cgi.WriteValue(static_cast<std::uint8_t>(m_keepInformed ? 1 : 0));
-      cgi.WriteValue(registrationConstant);
-      cgi.WriteString(UserLanguage());
-      return SendForStatus(cgi);
-    }
-
-    void ShowError(const char* text) { ShowMessage(hwnd, MB_ICONERROR, text); }
-
-    void ShowRefusal(std::int32_t status) {
-      const StatusMessage refusal = MessageFor(refusals, status, nullptr);
-      if (refusal.text != nullptr) {
-        ShowError(refusal.text);
-      } else {
-        ShowMessageFormat(hwnd, MB_ICONERROR, "The server returned error code %d", static_cast<int>(status));
-      }
-      FocusItem(hwnd, refusal.field);
-      if (status == statusEmailKnown) onCancel();
-    }
-
-    std::string m_name;
-    std::string m_company;
-    std::string m_email;
-    bool m_keepInformed = false;
-    CVServiceManager* m_session;
-  };
-
   // The service is not asked whether a new user's computer has a name.
   return CDlgCreateAccount(this).run(parent) == IDOK && SetDeviceName(parent);
 }

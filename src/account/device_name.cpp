@@ -18,32 +18,32 @@ constexpr StatusMessage refusals[] = {
 
 }  // namespace
 
+class CVServiceManager::CDlgDevice final : public Dialog {
+ public:
+  explicit CDlgDevice(CVServiceManager* session) : Dialog(IDD_COMPUTER_NAME), m_session(session) {}
+
+  INT_PTR onInitDialog(WPARAM, LPARAM) override {
+    setItemText(IDC_COMPUTER_NAME, m_session->GetDeviceName());
+    return 1;
+  }
+
+  void onOK() override {
+    if (m_session->SendDeviceName(hwnd, getItemText(IDC_COMPUTER_NAME))) EndDialog(hwnd, IDOK);
+  }
+
+  void onDialogCommand(int id, HWND control, int code) override {
+    if (id == IDC_HELP_PAGE && code == 0) {
+      OpenDocument(helpPage, hwnd);
+      return;
+    }
+    Dialog::onDialogCommand(id, control, code);
+  }
+
+ private:
+  CVServiceManager* m_session;
+};
+
 bool CVServiceManager::SetDeviceName(HWND parent) {
-  class CDlgDevice final : public Dialog {
-   public:
-    explicit CDlgDevice(CVServiceManager* session) : Dialog(IDD_COMPUTER_NAME), m_session(session) {}
-
-    INT_PTR onInitDialog(WPARAM, LPARAM) override {
-      setItemText(IDC_COMPUTER_NAME, m_session->GetDeviceName());
-      return 1;
-    }
-
-    void onOK() override {
-      if (m_session->SendDeviceName(hwnd, getItemText(IDC_COMPUTER_NAME))) EndDialog(hwnd, IDOK);
-    }
-
-    void onDialogCommand(int id, HWND control, int code) override {
-      if (id == IDC_HELP_PAGE && code == 0) {
-        OpenDocument(helpPage, hwnd);
-        return;
-      }
-      Dialog::onDialogCommand(id, control, code);
-    }
-
-   private:
-    CVServiceManager* m_session;
-  };
-
   return CDlgDevice(this).run(parent) == IDOK;
 }
 

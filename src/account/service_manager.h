@@ -46,6 +46,12 @@ class CVServiceManager {
   platform::SecretText m_password;  // empty: not known, a sign-in is needed
   bool m_savePassword = false;
   std::uint32_t m_deviceId;
+
+ private:
+  // The dialogs of the operations, which read and write the fields.
+  class CDlgLogin;
+  class CDlgCreateAccount;
+  class CDlgDevice;
 };
 
 // A personal computer.

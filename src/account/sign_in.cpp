@@ -27,55 +27,55 @@ constexpr StatusMessage refusals[] = {
 
 }  // namespace
 
+class CVServiceManager::CDlgLogin final : public Dialog {
+ public:
+  explicit CDlgLogin(CVServiceManager* session) : Dialog(IDD_SIGN_IN), m_session(session) {}
+
+  INT_PTR onInitDialog(WPARAM, LPARAM) override {
+    const bool known = !m_session->m_userId.empty();
+    setItemText(IDC_USER_ID, m_session->m_userId);
+    if (known) setItemText(IDC_PASSWORD, m_session->m_password);
+    FocusItem(hwnd, known ? IDC_PASSWORD : IDC_USER_ID);
+    return 0;
+  }
+
+  void onOK() override {
+    TakeCredentials();
+    m_session->m_savePassword = isChecked(IDC_SAVE_PASSWORD);
+    if (!m_session->VerifyAccount(hwnd)) {
+      m_session->m_password.clear();
+      return;
+    }
+    m_session->SaveProfile();
+    EndDialog(hwnd, IDOK);
+  }
+
+  void onDialogCommand(int id, HWND control, int code) override {
+    if (code == 0 && id == IDC_CREATE_ACCOUNT) return OnCreateAccount();
+    if (code == 0 && id == IDC_FORGOT) return static_cast<void>(OpenDocument(forgotPage, hwnd));
+    if (code == 0 && id == IDC_HELP_PAGE) return static_cast<void>(OpenDocument(helpPage, hwnd));
+    Dialog::onDialogCommand(id, control, code);
+  }
+
+ private:
+  void TakeCredentials() {
+    m_session->m_userId = getItemText(IDC_USER_ID);
+    m_session->m_password = getSecretText(IDC_PASSWORD);
+  }
+
+  // A created account counts as signed in.
+  void OnCreateAccount() {
+    TakeCredentials();
+    if (!m_session->CreateAccount(hwnd)) return;
+    setItemText(IDC_USER_ID, m_session->m_userId);
+    setItemText(IDC_PASSWORD, m_session->m_password);
+    EndDialog(hwnd, IDOK);
+  }
+
+  CVServiceManager* m_session;
+};
+
 bool CVServiceManager::Login(HWND parent) {
-  class CDlgLogin final : public Dialog {
-   public:
-    explicit CDlgLogin(CVServiceManager* session) : Dialog(IDD_SIGN_IN), m_session(session) {}
-
-    INT_PTR onInitDialog(WPARAM, LPARAM) override {
-      const bool known = !m_session->m_userId.empty();
-      setItemText(IDC_USER_ID, m_session->m_userId);
-      if (known) setItemText(IDC_PASSWORD, m_session->m_password);
-      FocusItem(hwnd, known ? IDC_PASSWORD : IDC_USER_ID);
-      return 0;
-    }
-
-    void onOK() override {
-      TakeCredentials();
-      m_session->m_savePassword = isChecked(IDC_SAVE_PASSWORD);
-      if (!m_session->VerifyAccount(hwnd)) {
-        m_session->m_password.clear();
-        return;
-      }
-      m_session->SaveProfile();
-      EndDialog(hwnd, IDOK);
-    }
-
-    void onDialogCommand(int id, HWND control, int code) override {
-      if (code == 0 && id == IDC_CREATE_ACCOUNT) return OnCreateAccount();
-      if (code == 0 && id == IDC_FORGOT) return static_cast<void>(OpenDocument(forgotPage, hwnd));
-      if (code == 0 && id == IDC_HELP_PAGE) return static_cast<void>(OpenDocument(helpPage, hwnd));
-      Dialog::onDialogCommand(id, control, code);
-    }
-
-   private:
-    void TakeCredentials() {
-      m_session->m_userId = getItemText(IDC_USER_ID);
-      m_session->m_password = getSecretText(IDC_PASSWORD);
-    }
-
-    // A created account counts as signed in.
-    void OnCreateAccount() {
-      TakeCredentials();
-      if (!m_session->CreateAccount(hwnd)) return;
-      setItemText(IDC_USER_ID, m_session->m_userId);
-      setItemText(IDC_PASSWORD, m_session->m_password);
-      EndDialog(hwnd, IDOK);
-    }
-
-    CVServiceManager* m_session;
-  };
-
   return CDlgLogin(this).run(parent) == IDOK;
 }
 

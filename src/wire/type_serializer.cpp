@@ -50,7 +50,7 @@ void CTypeSerializer::WriteString(std::string_view text) {
 }
 
 std::size_t CTypeSerializer::Encode(std::string_view text, char* to) const {
-  if (wide == 0) return text.copy(to, text.size());
+  if (!wide) return text.copy(to, text.size());
   for (const char character : text) {
     // Widened with its sign, whatever the sign of char is here.
     const auto unit = static_cast<std::uint16_t>(static_cast<signed char>(character));
@@ -80,7 +80,7 @@ void CTypeSerializer::ReadBlock(void* data, std::int32_t size) {
     return;
   }
   const bool delivered = Read(data, size);
-  good = IsGood() && delivered ? 1 : 0;
+  good = good && delivered;
 }
 
 bool CTypeSerializer::ReadString(std::string& text) {
@@ -105,7 +105,7 @@ void CTypeSerializer::AppendReadAhead(std::string& text, std::size_t length) {
   const std::size_t units = std::min<std::size_t>((readEnd - readPos) / unitSize, length - text.size());
   const std::uint8_t* const from = readAhead + readPos;
   const std::size_t start = text.size();
-  if (wide != 0) {
+  if (wide) {
     text.resize(start + units);
     char* const to = text.data() + start;
     for (std::size_t unit = 0; unit < units; ++unit) to[unit] = static_cast<char>(from[2 * unit]);

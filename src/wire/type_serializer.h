@@ -38,7 +38,7 @@ class CTypeSerializer {
   // field is as it was.
   bool ReadFixedString(char* field, std::int32_t width);
 
-  bool IsGood() const { return good != 0; }
+  bool IsGood() const { return good; }
   std::uint32_t Count() const { return count; }
 
  protected:
@@ -46,8 +46,8 @@ class CTypeSerializer {
   ~CTypeSerializer() = default;  // an object is always destroyed through its own class
 
   Mode mode = closed;
-  std::uint8_t good = 1;    // sticky: cleared by a read or file operation that fails
-  std::uint8_t wide = 1;    // strings travel in 2-byte units
+  bool good = true;         // sticky: cleared by a read or file operation that fails
+  bool wide = true;         // strings travel in 2-byte units
   std::uint32_t count = 0;  // bytes that the typed operations have passed in the current direction
 
   // What a channel has read ahead: the typed reads take it from here, and go to Read for what reaches beyond it.
@@ -56,7 +56,7 @@ class CTypeSerializer {
   std::uint32_t readEnd = 0;  // bytes in it
 
  private:
-  std::uint32_t UnitSize() const { return wide != 0 ? 2 : 1; }
+  std::uint32_t UnitSize() const { return wide ? 2 : 1; }
   // Puts down the units of a text; returns the bytes that they take up.
   std::size_t Encode(std::string_view text, char* to) const;
   // Appends the units that were read ahead, up to the length of the text.

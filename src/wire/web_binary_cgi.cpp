@@ -44,7 +44,7 @@ bool CWebBinaryCGI::Send() {
   const BusyCursor busy;
   const BOOL sent = HttpSendRequestA(request.get(), nullptr, 0, buffer.data(), static_cast<DWORD>(buffer.size()));
   mode = reading;
-  good = 1;
+  good = true;
   readPos = 0;
   readEnd = 0;
   count = 0;

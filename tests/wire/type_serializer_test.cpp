@@ -18,7 +18,7 @@ using testing::Text;
 // A channel over memory: what was written is what can be read.
 class MemoryChannel final : public CTypeSerializer {
  public:
-  explicit MemoryChannel(bool wideStrings) { wide = wideStrings ? 1 : 0; }
+  explicit MemoryChannel(bool wideStrings) { wide = wideStrings; }
   void Write(const void* data, std::int32_t size) override {
     bytes.append(static_cast<const char*>(data), static_cast<std::size_t>(size));
   }
