@@ -7,8 +7,8 @@
 
 namespace nvsupport::service {
 
-// The text in UTF-8: as it is if it is well-formed, else taken as Windows-1252. Zero characters, which a database does
-// not hold, become U+FFFD.
+// The text in UTF-8: as it is if it is well-formed, else taken as Windows-1252. Bytes that stand for no character
+// become U+FFFD, and so do zero characters, which a database does not hold.
 std::string ToUtf8(std::string_view text);
 
 }  // namespace nvsupport::service

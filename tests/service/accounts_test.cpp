@@ -320,11 +320,11 @@ TEST(ToUtf8, TakesWhatIsNoneForWindows1252) {
   const std::pair<std::string, const char*> cases[] = {
       {"J\u00FCrgen \u5BCC \U0001F5FA", "J\u00FCrgen \u5BCC \U0001F5FA"},
       {"\u0080 \u0800 \U00010000", "\u0080 \u0800 \U00010000"},
-      {"J\xFCrgen \x80\x92\x81", "J\u00FCrgen \u20AC\u2019\u0081"},
+      {"J\xFCrgen \x80\x92\x81", "J\u00FCrgen \u20AC\u2019\uFFFD"},
       {"Zo\xC3", "Zo\u00C3"},
       {"\xC0\xAFx", "\u00C0\u00AFx"},                    // in more bytes than it needs
       {"\xED\xA0\x80", "\u00ED\u00A0\u20AC"},            // half of a pair
-      {"\xF4\x90\x80\x80", "\u00F4\u0090\u20AC\u20AC"},  // beyond the end
+      {"\xF4\x90\x80\x80", "\u00F4\uFFFD\u20AC\u20AC"},  // beyond the end
       {std::string("a\0b", 3), "a\uFFFDb"},
   };
   for (const auto& [sent, kept] : cases) EXPECT_EQ(ToUtf8(sent), kept);
