@@ -62,6 +62,13 @@ TEST(Registry, ReadsEveryFormOfValueAndSkipsBrokenLines) {
   }
 }
 
+TEST(Registry, IsNotReadInPart) {
+  const TemporaryHome home;
+  const std::string value = "REGEDIT4\n[HKEY_CURRENT_USER\\Software\\Norvane]\n\"Language\"=\"Deutsch\"\n";
+  home.WriteUserRegistry(value + std::string(4 << 20, '\n'));
+  EXPECT_EQ(GetRegistryText(HKEY_CURRENT_USER, key, "Language", "too large"), "too large");
+}
+
 TEST(Registry, TheFirstMachineFileCounts) {
   const TemporaryHome home;
   const std::string head = "REGEDIT4\n[HKEY_LOCAL_MACHINE\\Software\\Norvane]\n";

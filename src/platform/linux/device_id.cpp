@@ -17,7 +17,7 @@ constexpr std::size_t machineIdLength = 32;
 // The machine id, else the host name, which is the next best thing that stays the same from run to run.
 std::string NameOfMachine() {
   for (const char* path : {"/etc/machine-id", "/var/lib/dbus/machine-id"}) {
-    std::string id = platform::ReadFileUpTo(path, machineIdLength).value_or("");
+    std::string id = platform::ReadSmallFile(path).value_or("").substr(0, machineIdLength);
     // A system that was not started yet holds a word here.
     if (id.size() == machineIdLength && id.find_first_not_of(base::lowerHexDigits) == std::string::npos) return id;
   }

@@ -2,14 +2,13 @@
 #ifndef NVSUPPORT_PLATFORM_LINUX_READ_FILE_H
 #define NVSUPPORT_PLATFORM_LINUX_READ_FILE_H
 
-#include <cstddef>
 #include <optional>
 #include <string>
 
 namespace platform {
 
-// The first `limit` bytes of a file; nothing if there is no such file.
-std::optional<std::string> ReadFileUpTo(const std::string& path, std::size_t limit);
+// Nothing if there is no such file, or it is larger than 4 MiB: more than any that a person or a program writes.
+std::optional<std::string> ReadSmallFile(const std::string& path);
 
 }  // namespace platform
 

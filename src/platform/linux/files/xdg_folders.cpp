@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr std::size_t maxUserDirsSize = 64 << 10;
-
 std::string WithoutTrailingSeparators(std::string path) {
   while (path.size() > 1 && path.back() == '/') path.pop_back();
   return path;
@@ -58,8 +56,7 @@ std::string QuotedValue(std::string_view line, std::string_view name) {
 // The documents folder that the user's desktop settings name; empty if they name none.
 std::string DocumentsOfUserDirs() {
   constexpr std::string_view homePrefix = "$HOME";
-  const std::string text =
-      platform::ReadFileUpTo(platform::ConfigHome() + "/user-dirs.dirs", maxUserDirsSize).value_or("");
+  const std::string text = platform::ReadSmallFile(platform::ConfigHome() + "/user-dirs.dirs").value_or("");
   std::string folder;
   for (std::size_t start = 0; start < text.size();) {
     const std::size_t end = std::min(text.find('\n', start), text.size());

@@ -20,8 +20,6 @@ using platform::RegistryValues;
 using platform::Trace;
 using platform::TraceArea;
 
-// More than any hand-written or exported file of an application holds; what lies behind it is not read.
-constexpr std::size_t maxRegistryFile = 4 << 20;
 constexpr const char* fileBelowConfig = "/norvane/registry.reg";
 constexpr std::string_view computerNameKey =
     "hkey_local_machine\\system\\currentcontrolset\\control\\computername\\activecomputername";
@@ -35,7 +33,7 @@ bool IsRoot(HKEY key) {
 
 std::optional<std::string> ReadText(const std::string& folder) {
   const std::string path = folder + fileBelowConfig;
-  std::optional<std::string> text = platform::ReadFileUpTo(path, maxRegistryFile);
+  std::optional<std::string> text = platform::ReadSmallFile(path);
   Trace(TraceArea::registry, text ? "file %s" : "no file %s", path.c_str());
   return text;
 }
