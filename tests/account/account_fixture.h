@@ -86,11 +86,15 @@ class AccountTest : public ::testing::Test {
     std::filesystem::remove(profile);
     x3e491215("Test Product");
     if (saved == Credentials()) return;
-    g_serviceManager->*& Fields::m_userId = saved.first;
-    g_serviceManager->*& Fields::m_password = saved.second;
-    g_serviceManager->*& Fields::m_savePassword = !saved.second.empty();
+    Enter(saved, !saved.second.empty());
     g_serviceManager->SaveProfile();
     x3e491215("Test Product");
+  }
+  // Sets the session's fields as the dialogs do.
+  static void Enter(const Credentials& typed, bool savePassword) {
+    g_serviceManager->*& Fields::m_userId = typed.first;
+    g_serviceManager->*& Fields::m_password = typed.second;
+    g_serviceManager->*& Fields::m_savePassword = savePassword;
   }
   // What the session holds now, and what is on disk.
   static Credentials InForce() {

@@ -14,7 +14,6 @@
 #include <string>
 #include <vector>
 
-#include "process.h"
 #include "support/run_program.h"
 #include "support/temporary_home.h"
 

@@ -9,7 +9,6 @@
 #include <thread>
 #include <vector>
 
-#include "display/process.h"
 #include "support/exchange.h"
 #include "support/run_program.h"
 #include "support/short_timeouts.h"

@@ -49,7 +49,7 @@ void ExpectCommandsWork(const std::string& document) {
   EXPECT_EQ(RunProgram({"bash", home.folder / "script"}).output, shown) << document;
 }
 
-TEST(Documents, CommandsDoWhatTheyShow) {
+TEST(Documents, ShowWhatTheirCommandsPrint) {
   const LocalService service;
   for (const char* document : {"/README.md", "/docs/host_guide.md", "/docs/translating.md"})
     ExpectCommandsWork(document);

@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <string>
 
-#include "display/process.h"
 #include "service/local_service.h"
 #include "support/run_program.h"
 #include "support/scripted_server.h"

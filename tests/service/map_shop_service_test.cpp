@@ -70,7 +70,7 @@ struct Shop {
   const std::string index = folder / "products.index";
 };
 
-TEST(MapShopSearch, FindsWhatMeetsTheBoxAroundThePoints) {
+TEST(MapShopService, FindsWhatMeetsTheBoxAroundThePoints) {
   const Shop shop("# the Alps, across the 180th meridian, the whole world, Marrakech\n\n" + Line(1, "45\t6\t46\t7") +
                   Line(2, "-19\t177\t-16\t-178") + Line(3, "-90\t-180\t90\t180") + Line(4, "30.1\t-10.1\t31.3\t-9.7"));
   const struct {
@@ -97,7 +97,7 @@ TEST(MapShopSearch, FindsWhatMeetsTheBoxAroundThePoints) {
   for (const auto& row : cases) EXPECT_EQ(shop.Answer(Search(row.points)), Finding(row.found, 4)) << row.what;
 }
 
-TEST(MapShopSearch, FollowsTheProductFile) {
+TEST(MapShopService, FollowsTheProductFile) {
   const std::string all = Search({});
   const Shop shop(Line(1));
   EXPECT_EQ(shop.Answer(all), Finding({1}, 1));
@@ -131,7 +131,7 @@ TEST(MapShopSearch, FollowsTheProductFile) {
   EXPECT_EQ(kept.ProductCount(), 2U);
 }
 
-TEST(MapShopSearch, GivesNoMoreThanFitsIntoAReply) {
+TEST(MapShopService, GivesNoMoreThanFitsIntoAReply) {
   const std::string title(900, 't');
   const Shop shop(Line(1, "0\t0\t0\t0", title) + Line(2) + Line(3));
   EXPECT_EQ(shop.Answer(Search({}), 1000, 1830),
@@ -157,7 +157,7 @@ TEST(MapShopSearch, IsNotOfferedProductsAtImpossiblePlaces) {
   }
 }
 
-TEST(MapShopSearch, IsNotUnderstoodWhenItIsCutOrNoArea) {
+TEST(MapShopService, IsNotUnderstoodWhenItIsCutOrNoArea) {
   const Shop shop;
   for (const Point bad : {Point{90.5, 0}, Point{-91, 0}, Point{0, 400.5}, Point{0, -401}, Point{0, std::nan("")}}) {
     EXPECT_EQ(shop.Answer(Search({{1, 1}, bad})), Int(1)) << bad.latitude << ' ' << bad.longitude;

@@ -21,8 +21,6 @@ class ProbeDialog final : public Dialog {
     return Dialog::onNotify(wParam, lParam);
   }
   void onLeftButton(bool twice, int x, int y, WPARAM keys) override { Note("onLeftButton", twice, x, y, keys); }
-  void onPaint() override { Note("onPaint"); }
-  void onTimer(WPARAM id) override { Note("onTimer", id); }
   void onSize(int width, int height) override { Note("onSize", width, height); }
   INT_PTR onDialogMessage(UINT message, WPARAM, LPARAM) override {
     if (message == WM_MOUSEWHEEL) Note("onDialogMessage", message);
@@ -64,8 +62,9 @@ TEST(Dialog, RoutesAMessageThroughBothStages) {
   EXPECT_EQ(CallsFor(WM_COMMAND, 0x0200'000D, 0), "onCommand 13 512\nonDialogCommand 13 512\n");
   EXPECT_EQ(CallsFor(WM_NOTIFY, 5, 0), "onNotify 5\nonDialogNotify 5\n");
   EXPECT_EQ(CallsFor(WM_MOUSEWHEEL, 0, 0), "onDialogMessage 522\n") << "as long as nothing else gets the wheel";
-  EXPECT_EQ(CallsFor(WM_PAINT, 0, 0), "onPaint\n");
-  EXPECT_EQ(CallsFor(WM_TIMER, 77, 0), "onTimer 77\n");
+}
+
+TEST(Dialog, TakesPlacesWithTheirSignAndSizesWithout) {
   EXPECT_EQ(CallsFor(WM_SIZE, 0, static_cast<LPARAM>(0xFFFF'8001u)), "onSize 32769 65535\n");
   EXPECT_EQ(CallsFor(WM_LBUTTONDOWN, 3, 0x0007'FFFE), "onLeftButton 0 -2 7 3\n");
   EXPECT_EQ(CallsFor(WM_LBUTTONDBLCLK, 0, static_cast<LPARAM>(0xFFF9'0002u)), "onLeftButton 1 2 -7 0\n");

@@ -1,7 +1,9 @@
 // The window core on the headless display: message orders, keys, focus, controls, handles.
 #include <gtest/gtest.h>
 
+#include <map>
 #include <sstream>
+#include <string>
 #include <thread>
 
 #include "platform/linux/windowing/window_tree.h"
@@ -40,15 +42,33 @@ class WindowCore : public ::testing::Test {
 
   static INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_COMMAND) {
-      seen << std::dec << LOWORD(wParam) << ':' << std::hex << HIWORD(wParam) << ' ';
+      seen << LOWORD(wParam) << ' ' << NameOf(codes, HIWORD(wParam)) << ", ";
     } else {
-      seen << std::hex << message << ' ';
+      seen << NameOf(messages, message) << ", ";
     }
     react(dialog, message, wParam, lParam);
     return message == WM_INITDIALOG;
   }
 
-  static inline std::ostringstream seen;  // numbers of messages; of commands control and code instead
+  using Names = std::map<UINT, const char*>;
+  static inline const Names messages = {{WM_DESTROY, "destroy"}, {WM_MOVE, "move"},       {WM_CLOSE, "close"},
+                                        {WM_SETFONT, "font"},    {WM_NCDESTROY, "gone"},  {WM_INITDIALOG, "init"},
+                                        {WM_MOVING, "moving"},   {WM_MOUSEWHEEL, "wheel"}};
+  static inline const Names codes = {
+      {0, "pushed"}, {0x100, "focus"}, {0x200, "focus lost"}, {0x300, "change"}, {0x400, "update"}};
+  static std::string NameOf(const Names& names, UINT number) {
+    const auto name = names.find(number);
+    return name != names.end() ? name->second : std::to_string(number);
+  }
+
+  // What was seen since the last time.
+  static std::string Seen() {
+    std::string text = seen.str();
+    seen.str("");
+    return text;
+  }
+
+  static inline std::ostringstream seen;  // names of messages; of commands control and code instead
   static inline Reaction react;
   PlayedUser person;
 };
@@ -65,23 +85,22 @@ TEST_F(WindowCore, SendsADialogItsMessagesInTheirOrder) {
     EndDialog(closed = dialog, 5);
     EndDialog(dialog, 6);
   };
-  person.steps = {PlayedUser::Clicks(IDC_HELP_PAGE), PlayedUser::Types(IDC_USER_ID, "typed"),
-                  [&](HWND dialog) {
-                    person.Drag(dialog, {1, 1});
-                    CoreEvents().OnWheel(Item(dialog, IDC_USER_ID), -120, {});
-                    MessageBoxA(dialog, "takes the focus meanwhile", nullptr, MB_OK);
-                  },
-                  closeBox};
+  person.steps = {[&](HWND dialog) {
+    EXPECT_EQ(Seen(), "font, init, 1001 update, 1001 change, 1001 focus, ") << "opening, with the first text";
+    PlayedUser::Clicks(IDC_HELP_PAGE)(dialog);
+    EXPECT_EQ(Seen(), "1001 focus lost, 1041 pushed, ");
+    PlayedUser::Types(IDC_USER_ID, "typed")(dialog);
+    EXPECT_EQ(Seen(), "1001 focus, 1001 update, 1001 change, ");
+    person.Drag(dialog, {1, 1});
+    CoreEvents().OnWheel(Item(dialog, IDC_USER_ID), -120, {});
+    EXPECT_EQ(Seen(), "moving, move, wheel, ");
+    MessageBoxA(dialog, "takes the focus meanwhile", nullptr, MB_OK);
+    EXPECT_EQ(Seen(), "1001 focus lost, 1001 focus, ");
+    closeBox(dialog);
+  }};
   EXPECT_EQ(Run(), 5);
   EXPECT_FALSE(IsWindow(closed));
-  EXPECT_EQ(seen.str(),
-            "30 110 1001:400 1001:300 "    // opening, with the first text
-            "1001:100 "                    // the first focus
-            "1001:200 1041:0 "             // the click
-            "1001:100 1001:400 1001:300 "  // typing
-            "216 3 20a "                   // dragging, the wheel
-            "1001:200 1001:100 "           // the message box
-            "10 2:0 1001:200 2 82 ");      // closing
+  EXPECT_EQ(Seen(), "close, 2 pushed, 1001 focus lost, destroy, gone, ");
 }
 
 TEST_F(WindowCore, ChangesACheckBoxBeforeItTellsTheDialog) {
@@ -121,7 +140,7 @@ TEST_F(WindowCore, OpensADialogInsideADialogWhichGoesWithIt) {
   person.steps = {[&](HWND dialog) {
                     outer = dialog;
                     EXPECT_EQ(Run(Item(dialog, IDC_USER_ID)), IDOK);
-                    EXPECT_TRUE(seen.str().ends_with("1001:100 2 82 ")) << "the focus came back";
+                    EXPECT_TRUE(seen.str().ends_with("1001 focus, destroy, gone, ")) << "the focus came back";
                     react = EndOnButton;
                     EXPECT_EQ(Run(dialog), 0);
                   },

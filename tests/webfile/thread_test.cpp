@@ -13,7 +13,7 @@
 namespace nvsupport::testing {
 namespace {
 
-TEST(WebFileThreads, WorkSideBySide) {
+TEST(WebFileThreads, MixUpNoTransfersOfEachOther) {
   constexpr int count = 6;
   const TemporaryFolder folder;
   std::latch start(count);

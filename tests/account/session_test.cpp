@@ -1,45 +1,28 @@
 // The session and what it saves: the profile of a product, the password's form on disk, the device identifier.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <utility>
-
-#include "account/service_manager.h"
-#include "nvsupport/nvsupport.h"
+#include "account_fixture.h"
 #include "support/run_program.h"
-#include "support/temporary_home.h"
 
 namespace nvsupport {
 namespace {
 
-using testing::ReadWholeFile;
-using testing::WriteWholeFile;
+using namespace testing;
 namespace fs = std::filesystem;
 
-// A session whose fields a test sets as the account dialogs do.
-class ProbeSession final : public CVServiceManager {
- public:
-  explicit ProbeSession(const std::string& product) : CVServiceManager(product, 1, 2) {}
-  std::string GetDeviceName() override { return "probe"; }
-  using CVServiceManager::m_password;
-  using CVServiceManager::m_savePassword;
-  using CVServiceManager::m_userId;
-};
-
-class Session : public ::testing::Test {
+class Session : public AccountTest {
  protected:
-  static void SaveAs(const std::string& product, const std::string& userId, const std::string& password) {
-    ProbeSession session(product);
-    session.m_userId = userId;
-    session.m_password = password;
-    session.m_savePassword = true;
-    session.SaveProfile();
+  void SaveAs(const std::string& product, const std::string& userId, const std::string& password) {
+    x3e491215(product.c_str());
+    Enter({userId, password}, true);
+    g_serviceManager->SaveProfile();
+  }
+  // What a new session of the product begins with.
+  Credentials SavedOf(const std::string& product) {
+    x3e491215(product.c_str());
+    return InForce();
   }
   std::string SettingsOf(const std::string& product) const {
     return home.folder / ("data/" + product + "-Service/settings.ini");
   }
-
-  testing::TemporaryHome home;
 };
 
 TEST_F(Session, KeepsTheFirstSixteenLettersAndDigitsOfAPassword) {
@@ -51,11 +34,8 @@ TEST_F(Session, KeepsTheFirstSixteenLettersAndDigitsOfAPassword) {
   };
   for (const auto& [typed, kept] : cases) {
     SaveAs("Sea Charts", "Ann B. & c=d", typed);
-    const ProbeSession next("Sea Charts");
-    EXPECT_EQ(next.m_userId, "Ann B. & c=d");
-    EXPECT_EQ(next.m_password, kept);
-    EXPECT_FALSE(next.m_savePassword);
-    EXPECT_EQ(ProbeSession("Land Maps").m_password, "") << typed;
+    EXPECT_EQ(SavedOf("Sea Charts"), Credentials("Ann B. & c=d", kept));
+    EXPECT_EQ(SavedOf("Land Maps"), Credentials()) << typed;
   }
 }
 
@@ -67,7 +47,8 @@ TEST_F(Session, KeepsTheSavedPasswordOutOfSight) {
   EXPECT_EQ(ReadWholeFile(settings), "Passwd=af510ac58c72fb3049c61de097247ba8\nUserID=ann\n");
   // Saving replaces the whole file; the password is not saved unless the user says so again.
   WriteWholeFile(settings, ReadWholeFile(settings) + "byhand=1\n");
-  ProbeSession("P").SaveProfile();
+  x3e491215("P");
+  g_serviceManager->SaveProfile();
   EXPECT_EQ(ReadWholeFile(settings), "UserID=ann\n");
 }
 
@@ -78,7 +59,7 @@ TEST_F(Session, ReadsAnOddPasswordAsFarAsItGoes) {
   };
   for (const auto& [value, password] : cases) {
     WriteWholeFile(SettingsOf("P"), std::string("UserID=u\nPasswd=") + value + "\n");
-    EXPECT_EQ(ProbeSession("P").m_password, password) << value;
+    EXPECT_EQ(SavedOf("P"), Credentials("u", password)) << value;
   }
 }
 
@@ -91,7 +72,7 @@ TEST_F(Session, ExportsAnswerBeforeDuringAndAfterASession) {
   x3e491215("A b");
   EXPECT_STREQ(x0d83f18d(), "ann");
   // The same on every run and for every product.
-  const testing::ProgramResult run = testing::RunProgram({NV_HOST, "whoami", "--product", "Another"});
+  const ProgramResult run = RunProgram({NV_HOST, "whoami", "--product", "Another"});
   EXPECT_NE(run.output.find("device identifier  " + std::to_string(x2ed7465a()) + "\n"), std::string::npos)
       << run.output;
 
@@ -103,7 +84,7 @@ TEST_F(Session, ExportsAnswerBeforeDuringAndAfterASession) {
 }
 
 TEST_F(Session, OfADataFolderWithoutANameIsNotSavedInTheRootFolder) {
-  const testing::ScopedVariable tooLong("XDG_DATA_HOME", "/" + std::string(300, 'x'));
+  const ScopedVariable tooLong("XDG_DATA_HOME", "/" + std::string(300, 'x'));
   SaveAs("Atlas", "ann", "");
   EXPECT_FALSE(fs::remove("/settings.ini")) << "that is where it would stand, for who may write there";
 }
