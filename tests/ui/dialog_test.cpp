@@ -14,6 +14,7 @@ namespace {
 class ProbeDialog final : public Dialog {
  public:
   ProbeDialog() : Dialog(IDD_COMPUTER_NAME) {}
+  using Dialog::wheelTarget;
 
   void onCommand(int id, HWND, int code) override { Note("onCommand", id, code); }
   LRESULT onNotify(WPARAM wParam, LPARAM lParam) override {
@@ -62,6 +63,15 @@ TEST(Dialog, RoutesAMessageThroughBothStages) {
   EXPECT_EQ(CallsFor(WM_COMMAND, 0x0200'000D, 0), "onCommand 13 512\nonDialogCommand 13 512\n");
   EXPECT_EQ(CallsFor(WM_NOTIFY, 5, 0), "onNotify 5\nonDialogNotify 5\n");
   EXPECT_EQ(CallsFor(WM_MOUSEWHEEL, 0, 0), "onDialogMessage 522\n") << "as long as nothing else gets the wheel";
+}
+
+TEST(Dialog, HandsTheWheelToItsTarget) {
+  ProbeDialog probe;
+  const std::string calls = probe.During([&](HWND window) {
+    probe.wheelTarget = GetDlgItem(window, IDC_COMPUTER_NAME);
+    SendMessageA(window, WM_MOUSEWHEEL, 0, 0);
+  });
+  EXPECT_EQ(calls, "");
 }
 
 TEST(Dialog, TakesPlacesWithTheirSignAndSizesWithout) {

@@ -5,6 +5,8 @@
 
 #include "nvsupport/nvsupport.h"
 #include "support/scripted_server.h"
+#include "support/test_authority.h"
+#include "webfile/web_file_connection.h"
 
 namespace nvsupport::testing {
 namespace {
@@ -30,6 +32,14 @@ TEST(WebRange, SendsTheRangeInFull) {
                   " HTTP/1.1\r\nHost: web.example\r\nUser-Agent: Norvane\r\nPragma: no-cache\r\nRange: bytes=" +
                   entry.range + "\r\n\r\n");
   }
+}
+
+TEST(WebRange, ComesOverTlsToAModuleThatAsksForIt) {
+  const TestAuthority authority;
+  const ScriptedServer server(HttpReply(206, "abc"), serverName, authority.Issue(serverName));
+  char bytes[4] = "";
+  EXPECT_EQ(WebFileConnection(serverName, false, true).ReadRange("", 0, 3, bytes), 3);
+  EXPECT_STREQ(bytes, "abc");
 }
 
 TEST(WebRange, TellsWholeFromBrokenFromNothing) {
