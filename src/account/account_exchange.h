@@ -13,7 +13,7 @@ namespace nvsupport {
 inline constexpr char accountCgi[] = "cgi-bin/svcapp.cgi";
 inline constexpr char helpPage[] = "http://" NV_SERVICE_HOST "/WebHelp/account_management.htm";
 
-// An item that requests which register something carry, always with this value.
+// An item of the requests that register something; it always has this value.
 inline constexpr std::int32_t registrationConstant = 124;
 
 inline constexpr std::int32_t statusSuccess = 0;

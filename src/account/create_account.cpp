@@ -39,7 +39,7 @@ class CVServiceManager::CDlgCreateAccount final : public Dialog {
  public:
   explicit CDlgCreateAccount(CVServiceManager* session) : Dialog(IDD_CREATE_ACCOUNT), m_session(session) {}
 
-  // The password is retyped in any case, also when it was handed over.
+  // The user retypes the password even when it came from the sign-in dialog.
   INT_PTR onInitDialog(WPARAM, LPARAM) override {
     setItemText(IDC_USER_ID, m_session->m_userId);
     setItemText(IDC_PASSWORD, m_session->m_password);
@@ -130,7 +130,7 @@ class CVServiceManager::CDlgCreateAccount final : public Dialog {
 };
 
 bool CVServiceManager::CreateAccount(HWND parent) {
-  // The service is not asked whether a new user's computer has a name.
+  // The computer of a new user never has a name, so the service is not asked.
   return CDlgCreateAccount(this).run(parent) == IDOK && SetDeviceName(parent);
 }
 

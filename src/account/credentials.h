@@ -20,7 +20,7 @@ inline constexpr Credential credentialMask = {0xb2, 0x5e, 0x07, 0xd9, 0x83, 0x6c
 
 // The first 16 letters and digits as codes from 1 to 36, either case alike; 0 behind the last one.
 Credential EncodeCredential(std::string_view text);
-// The text of masked bytes, in lower case. What is no code appends nothing.
+// The text of masked bytes, in lower case. A byte that is no code adds nothing.
 platform::SecretText DecodeCredential(const Credential& masked);
 // Lays the mask over the bytes, or takes it off again.
 Credential MaskCredential(const Credential& bytes);

@@ -20,8 +20,8 @@ constexpr char passwordKey[] = "Passwd";
 
 CVServiceManager* sessionInUse = nullptr;  // by the account operation that runs
 
-// False where the platform gives no folder for the settings: then nothing is read, and nothing is written in the
-// root.
+// False where the platform gives no folder for the settings. Then nothing is read or written; otherwise the file would
+// stand in the root folder.
 bool HasFolder(const std::string& settingsPath) {
   return !GetFolderOf(settingsPath).empty();
 }
@@ -41,7 +41,7 @@ CVServiceManager::CVServiceManager(const std::string& productName, std::uint32_t
   if (!HasFolder(path) || !settings.Load(path)) return;
   m_userId = settings.GetText(userIdKey);
   if (!settings.HasValue(passwordKey)) return;
-  Credential masked = credentialMask;  // bytes that the file does not give stand for no character
+  Credential masked = credentialMask;  // bytes that the file lacks stand for no character
   settings.GetHex(passwordKey, masked);
   m_password = DecodeCredential(masked);
 }
@@ -91,7 +91,8 @@ AccountOperation::~AccountOperation() {
 }  // namespace nvsupport
 
 void x3e491215(const char* product) try {
-  const std::string name = product != nullptr ? product : "";  // a copy: it may be a text of the session that goes
+  const std::string name =
+      product != nullptr ? product : "";  // a copy: it may be a text of the session that is closed next
   nvsupport::CloseSession();
   nvsupport::g_serviceManager = new nvsupport::CServiceManager(name);
 } catch (...) {

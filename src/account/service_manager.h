@@ -13,7 +13,7 @@ class CVServiceManager {
  public:
   CVServiceManager(const CVServiceManager&) = delete;
   CVServiceManager& operator=(const CVServiceManager&) = delete;
-  // Writes nothing: what was not saved is gone.
+  // Writes nothing: what was not saved is lost.
   virtual ~CVServiceManager() = default;
   // The name to propose for this computer when it has none at the account service.
   virtual std::string GetDeviceName() = 0;
@@ -26,8 +26,8 @@ class CVServiceManager {
   // Rewrites settings.ini with the user ID, and with the password if it is to be saved. A failure is not reported.
   void SaveProfile() const;
 
-  // The account operations. `parent` owns their dialogs and messages, and may be null. They show their failures
-  // themselves, each with its own texts; true when all that the operation leads to is done.
+  // The account operations. `parent` owns their dialogs and messages, and may be null. Each shows its failures to the
+  // user. True when the operation and all that follows from it are done.
   bool Login(HWND parent);
   bool CreateAccount(HWND parent);
   bool SetDeviceName(HWND parent);
@@ -67,8 +67,8 @@ extern CVServiceManager* g_serviceManager;
 // Ends the session if there is one.
 void CloseSession();
 
-// An account operation on the session in force. While its dialogs run the host's timers and events run, too, and the
-// host may open another session: then the one of the operation lives on until the operation is done.
+// An account operation on the current session. While its dialogs run the host's timers and events run, too, and the
+// host may open another session: then the old one lives on until the operation is done.
 class AccountOperation {
  public:
   AccountOperation();

@@ -89,7 +89,7 @@ bool CVServiceManager::VerifyAccount(HWND parent) {
   StatusReply reply;
   std::int32_t state = -1;
   {
-    // The connection goes before the user is asked anything further.
+    // The connection is closed before the user is asked anything else.
     CWebBinaryCGI cgi(accountCgi, true);
     cgi.WriteValue(operation);
     cgi.WriteString(m_userId);

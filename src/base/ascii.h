@@ -33,7 +33,7 @@ constexpr bool IsLetterOrDigit(char c) {
   return (c >= '0' && c <= '9') || (ToLower(c) >= 'a' && ToLower(c) <= 'z');
 }
 
-// A line end or a zero in a text that becomes part of a line could smuggle another line in.
+// A line end or a zero in a text that becomes part of a line could smuggle in another line.
 constexpr bool HasControlCharacters(std::string_view text) {
   return std::any_of(text.begin(), text.end(), [](char c) { return (c >= '\0' && c < ' ') || c == '\x7F'; });
 }

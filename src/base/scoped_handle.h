@@ -7,7 +7,8 @@
 
 namespace base {
 
-// `none` is no handle. A call that marks failure otherwise (INVALID_HANDLE_VALUE) is tested before its result is owned.
+// `none` stands for no handle. The result of a call that marks failure by another value (INVALID_HANDLE_VALUE) is
+// tested before it is owned.
 template <class Handle, auto close, Handle none = Handle{}>
 class ScopedHandle {
  public:

@@ -8,7 +8,8 @@
 namespace nvsupport {
 namespace {
 
-// Characters that UnescapeCatalogueText does not just copy, as a table, because every byte of a catalogue is looked up.
+// The characters that UnescapeCatalogueText does not just copy. A table, because every byte of a catalogue is looked
+// up.
 constexpr std::array<bool, 256> marks = [] {
   std::array<bool, 256> table{};
   for (const char mark : {'\r', '"', '\\'}) table[static_cast<unsigned char>(mark)] = true;

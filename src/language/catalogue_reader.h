@@ -1,5 +1,5 @@
-// The grammar of catalogue files, told in docs/catalogue_format.md: bytes to records, records to plain texts. Used by
-// the catalogue and by the translators' tool.
+// The grammar of catalogue files, which docs/catalogue_format.md defines: bytes to records, records to plain texts.
+// Used by the catalogue and by the translators' tool.
 #ifndef NVSUPPORT_LANGUAGE_CATALOGUE_READER_H
 #define NVSUPPORT_LANGUAGE_CATALOGUE_READER_H
 
@@ -11,7 +11,7 @@
 
 namespace nvsupport {
 
-// A larger file counts as unreadable: whatever the file's name leads to, loading costs bounded time and memory.
+// A larger file counts as unreadable, so that loading takes bounded time and memory, whatever the file is.
 inline constexpr std::size_t maxCatalogueBytes = std::size_t{32} << 20;
 
 // First bytes of the wide form, a little-endian byte-order mark.
@@ -44,7 +44,7 @@ class CatalogueReader {
   bool Next(CatalogueRecord& record);
 
  private:
-  // Where a character stands first from `position` on; `end` if it does not stand in front of that.
+  // The first place of a character from `position` on; `end` if there is none in front of that.
   std::size_t Find(char character, std::size_t end) const;
   // The text up to `end`, each character cut to its low 8 bits; goes on behind it. True if that changed a character.
   bool TakeColumn(std::size_t end, std::string& column);

@@ -1,4 +1,4 @@
-// Which language is in force: the user's, else the installer's, else that of the source texts.
+// Which language is used: the user's, else the installer's, else that of the source texts.
 #include <algorithm>
 #include <array>
 #include <charconv>

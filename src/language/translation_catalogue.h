@@ -1,5 +1,5 @@
-// The texts of the language in force, keyed by the English source text, and a record of the texts that it lacks.
-// The file formats are told in docs/catalogue_format.md.
+// The texts of the chosen language, keyed by the English source text, and a record of the texts that it lacks.
+// docs/catalogue_format.md defines the file formats.
 #ifndef NVSUPPORT_LANGUAGE_TRANSLATION_CATALOGUE_H
 #define NVSUPPORT_LANGUAGE_TRANSLATION_CATALOGUE_H
 
@@ -38,7 +38,7 @@ class CTranslationCatalogue {
   // Replaces the entries by those of a file; true if it gave at least one. A file that cannot be read changes nothing.
   bool LoadCatalogueFile(const std::string& path);
   // Called once, at unload. Writes the misses below the user's documents, if the folder for them exists, and then
-  // empties the catalogue, its translations included; only where the file cannot be opened all stays as it was.
+  // empties the catalogue, its translations included; only if the file cannot be opened, everything stays as it was.
   void WriteMissFile();
 
  private:
@@ -54,7 +54,7 @@ class CTranslationCatalogue {
 
   // Empties the catalogue.
   void Clear();
-  // Empty if the platform does not give the path or it has more than 259 characters.
+  // Empty if the platform does not give the path, or if the path has more than 259 characters.
   std::string GetModulePath() const;
 
   std::string language;

@@ -31,8 +31,8 @@ using RegistryKey = base::ScopedHandle<HKEY, &RegCloseKey>;
 
 // Operations of our own where the published interface has none.
 
-// The last of the process-wide objects. Where the system's loader has no entry call of its own, its life is what
-// calls DllMain; elsewhere it does nothing.
+// The last of the process-wide objects. Where the system's loader does not call DllMain, the constructor and destructor
+// do; elsewhere they do nothing.
 class ModuleEntry {
  public:
   ModuleEntry();
@@ -51,14 +51,14 @@ FileStream OpenFileStream(const char* path, const char* mode);
 // Where a path leads through symbolic links; the path itself if it leads nowhere, or where the loader sees to links.
 std::string ResolveLinks(const std::string& path);
 
-// Tells a trace, where the system has one, that a file is not read because it has more bytes than `limit`.
+// Writes to the trace, where the system has one, that a file is not read because it has more bytes than `limit`.
 void TraceTooLarge(const std::string& path, std::size_t limit);
 
-// Tells a trace, where the system has one, which language is in force and how many texts its catalogue gave.
+// Writes the chosen language and the number of texts in its catalogue to the trace, where the system has one.
 void TraceLanguage(const std::string& language, const std::string& catalogue, std::size_t texts);
 
-// The language of what the system itself says in dialogs, as in the menu of an edit, by the name that it gives itself,
-// such as "Deutsch". Where that is the system's own matter it does nothing.
+// Sets the language of what the system itself says in dialogs, as in the menu of an edit. It is named in that language,
+// such as "Deutsch". Does nothing where the system chooses that language itself.
 void SetDisplayLanguage(const std::string& name);
 
 // Called by the thread that is going to be blocked: shows its dialogs as they are meanwhile. False if there can be no

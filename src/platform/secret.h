@@ -32,7 +32,7 @@ struct WipingAllocator {
 template <typename T>
 using SecretVector = std::vector<T, WipingAllocator<T>>;
 
-// A text of which nothing stays where it once lay. Unlike a string it never lies in the object itself.
+// A text that is overwritten wherever it was stored. Unlike a string it is never stored in the object itself.
 class SecretText {
  public:
   SecretText() = default;
@@ -60,7 +60,7 @@ class SecretText {
   SecretVector<char> characters;
 };
 
-// Overwrites a text that is to stay in no memory, and empties it.
+// Overwrites a text that must not stay in memory, and empties it.
 inline void WipeText(std::string& text) {
   SecureZeroMemory(text.data(), text.size());
   text.clear();

@@ -1,4 +1,4 @@
-// What the user's desktop is asked for: texts of the registry, and the viewer of documents and web addresses.
+// What the library asks of the user's desktop: texts of the registry, and the viewer of documents and web addresses.
 #ifndef NVSUPPORT_STORAGE_DESKTOP_H
 #define NVSUPPORT_STORAGE_DESKTOP_H
 

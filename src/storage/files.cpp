@@ -69,7 +69,7 @@ bool ListFiles(const std::string& folder, const std::string& pattern, std::vecto
 
 std::string MakeTempFileName(const std::string& suffix) {
   const std::string folder = GetSpecialFolder(CSIDL_LOCAL_APPDATA, "Norvane\\Temp");
-  // Without a folder of its own the library has left nothing, and a sweep would go through the root folder.
+  // Without a folder of its own the library has left no files, and a sweep would search the root folder.
   if (nameCount == 0 && !folder.empty()) SweepOldTempFiles(folder, "T*.*", CurrentTime());
   ++nameCount;
   const std::uint32_t number = static_cast<std::uint32_t>(GetCurrentProcessId()) << 8 | nameCount;

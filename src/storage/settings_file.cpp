@@ -29,7 +29,7 @@ bool IsBlankOrComment(std::string_view line) {
   return start == std::string_view::npos || line[start] == '#';
 }
 
-// A larger file counts as one that cannot be read: whatever lies in its place, a load costs bounded time and memory.
+// A larger file counts as unreadable, so that a load takes bounded time and memory, whatever the file is.
 constexpr std::size_t maxSettingsBytes = std::size_t{1} << 20;
 
 // Takes the next line that is neither blank nor a comment off the text; false when there is none.
@@ -121,7 +121,7 @@ bool CSettingsFile::Save(const std::string& path) const {
     if (!key.empty() && !value.empty()) text.append(key).append("=").append(EncodeSettingsValue(value)).append("\n");
   }
   std::fwrite(text.data(), 1, text.size(), file.get());
-  // What still stands in the stream's buffer may fail as well.
+  // The rest of the stream's buffer is written only now, which may fail as well.
   std::fflush(file.get());
   const bool written = !std::ferror(file.get());
   return std::fclose(file.release()) == 0 && written;
@@ -145,7 +145,7 @@ void CSettingsFile::SetInt(const std::string& key, std::int32_t value) {
 }
 
 std::int32_t CSettingsFile::GetInt(const std::string& key) const {
-  // Base 0 tells the forms apart by their prefix. A negative number was written as its 32 bits.
+  // Base 0 recognises the forms by their prefix. A negative number was written as its 32 bits.
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(std::strtoll(GetText(key).c_str(), nullptr, 0)));
 }
 

@@ -1,5 +1,5 @@
 // A settings file in memory: ordered key and value texts, read from and written to a file of key=value lines.
-// The file format is told in docs/settings_format.md.
+// docs/settings_format.md defines the file format.
 #ifndef NVSUPPORT_STORAGE_SETTINGS_FILE_H
 #define NVSUPPORT_STORAGE_SETTINGS_FILE_H
 

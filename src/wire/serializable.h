@@ -1,5 +1,5 @@
-// Objects kept in a file as typed chunks, each with its length, so that a reader can step over what it has no class
-// for. A class joins by a CSerializable::Type record of its own. docs/object_file_format.md tells the bytes.
+// Objects kept in a file as typed chunks, each with its length, so that a reader can step over objects of classes
+// that it lacks. A class registers by a CSerializable::Type record. docs/object_file_format.md describes the bytes.
 #ifndef NVSUPPORT_WIRE_SERIALIZABLE_H
 #define NVSUPPORT_WIRE_SERIALIZABLE_H
 
@@ -66,7 +66,7 @@ class CSerializable::Type {
 // Head of the registry, null while it is empty.
 extern CSerializable::Type* serializableTypes;
 
-// A list of objects. It does not own them: whoever holds the list deletes the elements.
+// A list of objects. It does not own them: the owner of the list deletes the elements.
 class CSerializableList : public std::list<CSerializable*>, public CSerializable {
  public:
   class ListType final : public Type {

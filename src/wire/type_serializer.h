@@ -1,5 +1,5 @@
 // The typed byte channel: how typed values become bytes, on top of the two virtual operations of a channel.
-// Positional, least significant byte first; docs/wire_format.md tells the bytes of each item.
+// Positional, least significant byte first; docs/wire_format.md describes the bytes of each item.
 #ifndef NVSUPPORT_WIRE_TYPE_SERIALIZER_H
 #define NVSUPPORT_WIRE_TYPE_SERIALIZER_H
 

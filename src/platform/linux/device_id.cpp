@@ -10,7 +10,8 @@
 
 namespace {
 
-// The library's own key: numbers that other programs work out from the machine id have nothing in common with ours.
+// The library's own key, so that its number cannot be matched with those that other programs derive from the machine
+// id.
 constexpr platform::SipKey deviceKey{0x5d1c8e20b7f3a946, 0x92e6470bd83fc15a};
 constexpr std::size_t machineIdLength = 32;
 
@@ -18,7 +19,7 @@ constexpr std::size_t machineIdLength = 32;
 std::string NameOfMachine() {
   for (const char* path : {"/etc/machine-id", "/var/lib/dbus/machine-id"}) {
     std::string id = platform::ReadSmallFile(path).value_or("").substr(0, machineIdLength);
-    // A system that was not started yet holds a word here.
+    // On a system that has never been started the file holds a word.
     if (id.size() == machineIdLength && id.find_first_not_of(base::lowerHexDigits) == std::string::npos) return id;
   }
   char name[256] = {};

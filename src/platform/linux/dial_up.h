@@ -1,4 +1,4 @@
-// Dial-up connections, of which this system's programs know nothing: the network is there or it is not.
+// Dial-up connections, which are no matter of programs on this system: the network is there or it is not.
 #ifndef NVSUPPORT_PLATFORM_LINUX_DIAL_UP_H
 #define NVSUPPORT_PLATFORM_LINUX_DIAL_UP_H
 

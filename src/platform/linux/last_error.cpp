@@ -2,8 +2,8 @@
 
 namespace {
 
-// Initial-exec, so that each thread has it from its beginning. Otherwise the first use on a thread would allocate it,
-// and that may be the report of memory that ran out.
+// Initial-exec: each thread has the variable from its start. Otherwise its first use on a thread would allocate memory,
+// and the error to be kept may be that there is none.
 [[gnu::tls_model("initial-exec")]] thread_local DWORD lastError = 0;
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Over the dynamic linker.
+// The module loader, over the dynamic linker.
 #include "module.h"
 
 #include <dlfcn.h>
@@ -35,8 +35,8 @@ DWORD CopyPath(std::string_view path, LPSTR buffer, DWORD size) {
   return static_cast<DWORD>(path.size());
 }
 
-// Copies the path of the file that the module at an address was loaded from, as the loader was told; 0 if there is none
-// or it does not fit.
+// Copies the path of the file that the module at an address was loaded from, as it was given to the loader; 0 if there
+// is none or it does not fit.
 DWORD CopyLoadedFile(const void* address, LPSTR buffer, DWORD size) {
   Dl_info info{};
   if (dladdr(address, &info) == 0 || info.dli_fname == nullptr) return 0;

@@ -1,4 +1,4 @@
-// Module loader.
+// The module loader: paths and handles of modules.
 #ifndef NVSUPPORT_PLATFORM_LINUX_MODULE_H
 #define NVSUPPORT_PLATFORM_LINUX_MODULE_H
 

@@ -72,7 +72,7 @@ class Converter {
   iconv_t descriptor;
 };
 
-// Windows-1252 differs from the first 256 characters of Unicode in these 32, from 0x80 up. Five are not assigned.
+// Windows-1252 differs from the first 256 characters of Unicode in these 32, from 0x80 up. It does not assign five.
 constexpr char32_t windows1252[32] = {0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
                                       0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0xFFFD, 0x017D, 0xFFFD,
                                       0xFFFD, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
@@ -115,7 +115,7 @@ void AppendUtf8(std::string& utf8, char32_t character) {
   }
 }
 
-// What is the same in both is copied: converted, it would leave its traces in buffers that are not ours to wipe.
+// Text that is the same in both is copied: a conversion would leave it in buffers that are not ours to wipe.
 std::string ToUtf8(std::string_view bytes) {
   if (CodePage() == utf8Name && std::none_of(bytes.begin(), bytes.end(), IsAboveAscii)) return std::string(bytes);
   Converter toUtf8(utf8Name, CodePage().c_str());

@@ -6,7 +6,7 @@
 
 #include <cstddef>
 
-// Not left out by the compiler, whoever reads the memory next.
+// The compiler does not leave it out, even if the memory is never read again.
 inline void* SecureZeroMemory(void* memory, std::size_t size) {
   explicit_bzero(memory, size);
   return memory;

@@ -30,8 +30,8 @@ bool IsWebAddress(const char* target) {
   return strncasecmp(target, "http://", 7) == 0 || strncasecmp(target, "https://", 8) == 0;
 }
 
-// What the viewer gets for a target: a web address as it stands, a document by its path. Empty for what it is not to
-// see: other kinds of address, and anything that it would take for an option.
+// What the viewer gets for a target: a web address as it is, a document by its path. Empty for targets that it must not
+// get: other kinds of address, and anything that it would take for an option.
 std::string ViewerTarget(const char* target) {
   if (target == nullptr) return {};
   for (const char* at = target; *at != '\0'; ++at) {

@@ -54,7 +54,7 @@ class Thread final : public Waitable {
  public:
   // Throws std::system_error when the system gives no thread.
   Thread(LPTHREAD_START_ROUTINE start, LPVOID parameter) {
-    // No handler of the host may run on a thread that it does not know.
+    // Signal handlers of the host must not run on a thread that it does not know.
     const platform::BlockedSignals blocked(platform::AllSignals());
     thread = std::thread([this, start, parameter] {
       start(parameter);

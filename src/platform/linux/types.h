@@ -44,7 +44,7 @@ struct RECT {
 
 #define TRUE 1
 #define FALSE 0
-// Calling conventions, which this system does not tell apart.
+// Calling conventions, which are all one on this system.
 #define CALLBACK
 #define WINAPI
 #define APIENTRY

@@ -1,4 +1,4 @@
-// The version as a text in the module's file, for whoever looks into it.
+// The version as a text in the module's file, where `strings` and similar tools find it.
 #include <nvsupport/nvsupport.h>
 
 [[gnu::used]] static constexpr char version[] = "nvsupport " NVSUPPORT_VERSION;

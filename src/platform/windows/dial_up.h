@@ -4,7 +4,7 @@
 
 namespace platform {
 
-// A dial-up connection that a transfer brings up where none is there, hung up again with the object.
+// Dials up for a transfer when there is no connection, and hangs up when the object is destroyed.
 class DialUp {
  public:
   DialUp() = default;
@@ -15,7 +15,7 @@ class DialUp {
   void ConnectIfNeeded();
 
  private:
-  bool dialled = false;  // asked for; whether that led to a connection is not told
+  bool dialled = false;  // it was asked for, which does not mean that there is a connection
 };
 
 }  // namespace platform

@@ -1,4 +1,5 @@
-// Each open key reads its root's file anew: the files are small, few keys are read, and there is no state to go stale.
+// Each key that is opened reads its root's file again: the files are small, few keys are read, and nothing gets out of
+// date.
 #include "registry/registry.h"
 
 #include <unistd.h>

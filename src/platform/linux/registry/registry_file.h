@@ -24,7 +24,7 @@ struct RegistryValue {
 using RegistryValues = std::map<std::string, RegistryValue>;
 
 // The values of one key of a file, nothing if the file has neither the key nor a key below it. `key` begins with the
-// root's name. A later value replaces an earlier one; lines that are no sound part of the form are passed over.
+// root's name. A later value replaces an earlier one; lines that do not follow the form are skipped.
 std::optional<RegistryValues> FindRegistryKey(std::string_view text, std::string_view key);
 
 }  // namespace platform
