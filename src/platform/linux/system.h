@@ -1,5 +1,6 @@
 // The published names that the library uses, for Linux: types and constants with their published values, functions
-// with their published signatures. Each header is implemented by the file of the same name.
+// with their published signatures. A header with functions is implemented by the file of the same name; windowing.h,
+// which has many, names its files.
 #ifndef NVSUPPORT_PLATFORM_LINUX_SYSTEM_H
 #define NVSUPPORT_PLATFORM_LINUX_SYSTEM_H
 
