@@ -145,7 +145,7 @@ TEST(MapShopService, GivesNoMoreThanFitsIntoAReply) {
   EXPECT_EQ(shop.Answer(Search({}), 3000, 100'000).size(), Finding({}, 0).size() + 3000 * 20);
 }
 
-TEST(MapShopSearch, IsNotOfferedProductsAtImpossiblePlaces) {
+TEST(MapShopService, IsNotOfferedProductsAtImpossiblePlaces) {
   for (const char* area : {"-90.1\t0\t0\t0", "0\t0\t91\t0", "0\tnan\t0\t0", "0\t0\tinf\t0", "0\t0\t0\t401"}) {
     const Shop shop(Line(1) + Line(2, area));
     try {
