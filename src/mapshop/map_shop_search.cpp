@@ -6,16 +6,24 @@
 #include <cstring>
 #include <exception>
 #include <limits>
+#include <list>
 #include <new>
 #include <string>
 
 #include "wire/web_binary_cgi.h"
 
-// What a search handle points to. The records stay packed, so that they take no more memory than the reply did on its
-// way: a record with short texts is a fiftieth of what the host gets.
+// Records one behind the other, packed: a record with short texts is a fiftieth of what the host gets.
+struct RecordBlock {
+  RecordBlock() {}  // leaves the bytes as they are
+
+  std::size_t end = 0;  // of its records
+  char bytes[65'000];   // with what the list and the allocator add, 16 pages
+};
+
+// What a search handle points to.
 struct MapShopResults {
-  std::string records;            // in reply order, as Pack leaves them
-  std::size_t next = 0;           // where in `records` the next one begins
+  std::list<RecordBlock> blocks;  // in reply order; each goes when the host has its last record
+  std::size_t next = 0;           // where in the first of them the next record begins
   std::int32_t left = 0;          // records from there on
   std::int32_t closingValue = 0;  // the reply's last word
 };
@@ -74,40 +82,47 @@ void MarkPackage(MapShopItem& item) {
   std::memcpy(item.title, title.c_str(), title.size() + 1);
 }
 
-template <std::size_t width>
-bool ReadField(CTypeSerializer& channel, char (&field)[width]) {
-  return channel.ReadFixedString(field, width);
-}
-
-// False when the reply ended before the item did or holds a string over the limit: what follows is out of step.
-bool ReadItem(CTypeSerializer& channel, MapShopItem& item) {
-  item = {};
-  if (!ReadField(channel, item.title)) return false;
-  channel.ReadValue(item.firstValue);
-  if (!ReadField(channel, item.shortText) || !ReadField(channel, item.fileReference)) return false;
-  channel.ReadValue(item.secondValue);
-  if (!channel.IsGood()) return false;
-  MarkPackage(item);
-  return true;
-}
-
-// The texts with their terminators, then the values.
-void Pack(const MapShopItem& item, std::string& records) {
-  for (const char* text : {item.title, item.shortText, item.fileReference}) records.append(text, std::strlen(text) + 1);
-  for (const std::int32_t* value : {&item.firstValue, &item.secondValue}) {
-    records.append(reinterpret_cast<const char*>(value), sizeof *value);
-  }
-}
-
-// Returns the place behind the record.
-const char* Unpack(const char* record, MapShopItem& item) {
-  const auto take = [&record](void* field, std::size_t size) {
-    std::memcpy(field, record, size);
-    record += size;
+// Puts an item down as it comes, the texts with their terminators, in no more bytes than the host's record has. Returns
+// the place behind it; null when the reply ended before the item did or holds a string over the limit: what follows is
+// out of step.
+char* ReadItem(CTypeSerializer& channel, char* place) {
+  const auto takeText = [&](std::size_t width) {
+    if (!channel.ReadFixedString(place, static_cast<std::int32_t>(width))) return false;
+    place += std::strlen(place) + 1;
+    return true;
   };
-  for (char* text : {item.title, item.shortText, item.fileReference}) take(text, std::strlen(record) + 1);
-  for (std::int32_t* value : {&item.firstValue, &item.secondValue}) take(value, sizeof *value);
-  return record;
+  const auto takeValue = [&] {
+    std::int32_t value = 0;
+    channel.ReadValue(value);
+    std::memcpy(place, &value, sizeof value);
+    place += sizeof value;
+    return channel.IsGood();
+  };
+  const bool whole = takeText(sizeof MapShopItem::title) && takeValue() && takeText(sizeof MapShopItem::shortText) &&
+                     takeText(sizeof MapShopItem::fileReference) && takeValue();
+  return whole ? place : nullptr;
+}
+
+// Makes the host's record, all bytes of it, of what ReadItem put down; returns the place behind that.
+const char* MakeRecord(const char* place, MapShopItem& item) {
+  const auto take = [&place](void* field, std::size_t size) {
+    std::memcpy(field, place, size);
+    place += size;
+  };
+  item = {};
+  take(item.title, std::strlen(place) + 1);
+  take(&item.firstValue, sizeof item.firstValue);
+  take(item.shortText, std::strlen(place) + 1);
+  take(item.fileReference, std::strlen(place) + 1);
+  take(&item.secondValue, sizeof item.secondValue);
+  MarkPackage(item);
+  return place;
+}
+
+// The last block, with room for one more record.
+RecordBlock& BlockWithRoom(std::list<RecordBlock>& blocks) {
+  if (blocks.empty() || sizeof blocks.back().bytes - blocks.back().end < sizeof(MapShopItem)) blocks.emplace_back();
+  return blocks.back();
 }
 
 // Takes what is there up to the first failure. A count is only a promise: nothing is done for it in advance.
@@ -126,10 +141,12 @@ void ReadReply(CTypeSerializer& channel, MapShopResults& results) {
   std::int32_t itemCount = 0;
   channel.ReadValue(itemCount);
   if (!channel.IsGood()) return;
-  MapShopItem item;
   for (; itemCount > 0; --itemCount) {
-    if (results.left == maxItems || !ReadItem(channel, item)) return;
-    Pack(item, results.records);
+    if (results.left == maxItems) return;
+    RecordBlock& block = BlockWithRoom(results.blocks);
+    const char* const end = ReadItem(channel, block.bytes + block.end);
+    if (end == nullptr) return;
+    block.end = static_cast<std::size_t>(end - block.bytes);
     ++results.left;  // now that it is there whole
   }
   channel.ReadValue(results.closingValue);
@@ -158,10 +175,13 @@ NVMapShopHandle NSMapShopSearch(const MapShopPoint* points, int32_t count) {
 
 bool NSMapShopGetNext(NVMapShopHandle handle, MapShopItem* item) {
   if (handle == nullptr || item == nullptr || handle->left == 0) return false;
-  *item = {};  // behind the terminators, too
-  const char* const records = handle->records.data();
-  handle->next = static_cast<std::size_t>(nvsupport::Unpack(records + handle->next, *item) - records);
+  const RecordBlock& block = handle->blocks.front();
+  handle->next = static_cast<std::size_t>(nvsupport::MakeRecord(block.bytes + handle->next, *item) - block.bytes);
   --handle->left;
+  if (handle->next == block.end) {
+    handle->blocks.pop_front();
+    handle->next = 0;
+  }
   return true;
 }
 

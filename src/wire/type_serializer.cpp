@@ -85,48 +85,64 @@ void CTypeSerializer::ReadBlock(void* data, std::int32_t size) {
 
 bool CTypeSerializer::ReadString(std::string& text) {
   text.clear();
-  std::uint32_t length = 0;
-  ReadValue(length);
-  if (!IsGood() || length > maxStringLength) return false;
-  text.reserve(length);
-  while (text.size() < length) {
-    AppendReadAhead(text, length);
-    if (text.size() == length) break;
-    char unit[2] = {};
-    ReadBlock(unit, static_cast<std::int32_t>(UnitSize()));
-    if (!IsGood()) return false;
-    text += unit[0];  // the low byte; the other one only repeats the sign
-  }
-  return true;
-}
-
-void CTypeSerializer::AppendReadAhead(std::string& text, std::size_t length) {
-  const std::uint32_t unitSize = UnitSize();
-  const std::size_t units = std::min<std::size_t>((readEnd - readPos) / unitSize, length - text.size());
-  const std::uint8_t* const from = readAhead + readPos;
-  const std::size_t start = text.size();
-  if (wide) {
-    text.resize(start + units);
-    char* const to = text.data() + start;
-    for (std::size_t unit = 0; unit < units; ++unit) to[unit] = static_cast<char>(from[2 * unit]);
-  } else {
-    text.append(reinterpret_cast<const char*>(from), units);
-  }
-  const auto size = static_cast<std::uint32_t>(units * unitSize);
-  readPos += size;
-  count += size;
+  const std::optional<std::uint32_t> length = ReadLength();
+  if (!length) return false;
+  text.resize(*length);
+  text.resize(ReadUnits(*length, text.data(), *length));
+  return text.size() == *length;
 }
 
 bool CTypeSerializer::ReadFixedString(char* field, std::int32_t width) {
-  std::string text;
-  if (!ReadString(text)) return false;
-  // One that does not fit is cut where the terminator still has room, at the end of a character. One that fits is not
-  // looked at: its last byte may well be none that a character ends with.
-  const auto size = static_cast<std::size_t>(width);
-  const std::size_t room = std::strlen(text.c_str()) < size ? size : size - 1;
-  _mbsnbcpy(reinterpret_cast<unsigned char*>(field), reinterpret_cast<const unsigned char*>(text.c_str()), room);
-  field[width - 1] = '\0';
+  const std::optional<std::uint32_t> length = ReadLength();
+  if (!length) return false;
+  std::array<char, maxFieldWidth + 1> text;
+  const std::uint32_t taken = std::min(*length, static_cast<std::uint32_t>(width));
+  if (ReadUnits(*length, text.data(), taken) < *length) return false;
+  text[taken] = '\0';
+  const std::size_t size = std::strlen(text.data());
+  if (size < static_cast<std::size_t>(width)) {
+    std::memcpy(field, text.data(), size + 1);  // its last byte may well be none that a character ends with
+  } else {
+    // Cut where the terminator still has room, at the end of a character.
+    _mbsnbcpy(reinterpret_cast<unsigned char*>(field), reinterpret_cast<const unsigned char*>(text.data()),
+              static_cast<std::size_t>(width) - 1);
+    field[width - 1] = '\0';
+  }
   return true;
+}
+
+std::optional<std::uint32_t> CTypeSerializer::ReadLength() {
+  std::uint32_t length = 0;
+  ReadValue(length);
+  return IsGood() && length <= maxStringLength ? std::optional(length) : std::nullopt;
+}
+
+std::uint32_t CTypeSerializer::ReadUnits(std::uint32_t length, char* text, std::uint32_t room) {
+  std::uint32_t done = 0;
+  while (done < length) {
+    const std::uint32_t ahead = std::min((readEnd - readPos) / UnitSize(), length - done);
+    const std::uint32_t kept = std::min(ahead, room - std::min(done, room));
+    Narrow(readAhead + readPos, kept, text + std::min(done, room));
+    readPos += ahead * UnitSize();
+    count += ahead * UnitSize();
+    done += ahead;
+    if (done == length) break;
+    char unit[2] = {};
+    ReadBlock(unit, static_cast<std::int32_t>(UnitSize()));
+    if (!IsGood()) break;
+    if (done < room) text[done] = unit[0];
+    ++done;
+  }
+  return done;
+}
+
+void CTypeSerializer::Narrow(const std::uint8_t* units, std::uint32_t length, char* text) const {
+  if (!wide) {
+    std::copy_n(units, length, text);
+    return;
+  }
+  // The low byte of each; the other one only repeats the sign.
+  for (std::uint32_t unit = 0; unit < length; ++unit) text[unit] = static_cast<char>(units[2 * unit]);
 }
 
 }  // namespace nvsupport

@@ -4,6 +4,7 @@
 #define NVSUPPORT_WIRE_TYPE_SERIALIZER_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,7 @@ class CTypeSerializer {
 
   // The longest string that ReadString takes, in characters.
   static constexpr std::uint32_t maxStringLength = 100000;
+  static constexpr std::size_t maxFieldWidth = 1000;
 
   virtual void Write(const void* data, std::int32_t size) = 0;
   // True if bytes were delivered.
@@ -34,8 +36,8 @@ class CTypeSerializer {
   void ReadBlock(void* data, std::int32_t size);
   // False when the string did not arrive whole or is over the limit; over the limit `good` stays as it was.
   bool ReadString(std::string& text);
-  // Fills a character field of `width` bytes with at most width - 1 characters, always terminated. On false the
-  // field is as it was.
+  // Fills a character field of `width` bytes, at most maxFieldWidth, with at most width - 1 characters, always
+  // terminated and cut at whole ones. On false the field is as it was.
   bool ReadFixedString(char* field, std::int32_t width);
 
   bool IsGood() const { return good; }
@@ -59,8 +61,11 @@ class CTypeSerializer {
   std::uint32_t UnitSize() const { return wide ? 2 : 1; }
   // Puts down the units of a text; returns the bytes that they take up.
   std::size_t Encode(std::string_view text, char* to) const;
-  // Appends the units that were read ahead, up to the length of the text.
-  void AppendReadAhead(std::string& text, std::size_t length);
+  // The length of a text; nothing if it did not come or is over the limit.
+  std::optional<std::uint32_t> ReadLength();
+  // Reads `length` units and puts the first of them down as characters, as far as there is room; returns how many came.
+  std::uint32_t ReadUnits(std::uint32_t length, char* text, std::uint32_t room);
+  void Narrow(const std::uint8_t* units, std::uint32_t length, char* text) const;
 };
 
 }  // namespace nvsupport

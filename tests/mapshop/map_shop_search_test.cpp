@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 #include <nvsupport/nvsupport.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 #include <limits>
 #include <string>
 #include <string_view>
@@ -144,6 +146,19 @@ TEST(MapShopSearch, TakesWhatIsSoundInABrokenReply) {
     const Found found = Search();
     EXPECT_EQ(found.items.size(), row.items) << row.what;
     EXPECT_EQ(found.closingValue, row.closing) << row.what;
+  }
+}
+
+TEST(MapShopSearch, GivesManyRecordsInOrder) {
+  std::vector<OfferedItem> offered;
+  for (std::int32_t i = 0; i < 400; ++i) offered.push_back({std::to_string(i), i, "", std::string(3 * i, 'f'), -i});
+  const ScriptedServer service(HttpReply(200, ReplyWith(offered, 9)), NV_SERVICE_HOST);
+  const Found found = Search();
+  ASSERT_EQ(found.items.size(), offered.size());
+  for (std::size_t i = 0; i < offered.size(); ++i) {
+    EXPECT_EQ(found.items[i].title, offered[i].title);
+    EXPECT_EQ(std::strlen(found.items[i].fileReference), std::min<std::size_t>(3 * i, 999));
+    EXPECT_EQ(found.items[i].secondValue, offered[i].secondValue);
   }
 }
 
