@@ -25,6 +25,7 @@ finish() {
 trap finish EXIT
 
 open_screen "$work"
+export LC_ALL=C.UTF-8 # the user looks for English titles
 
 token >"$work/token" &
 host_pid=$!

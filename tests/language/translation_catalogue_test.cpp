@@ -121,6 +121,29 @@ TEST_F(Catalogue, OfALinkedModuleStandsBesideTheLinkElseWhereItLeads) {
   dlclose(linked);
 }
 
+TEST_F(Catalogue, TakesTheLanguageOfTheDesktopWhereNoFileTellsTheInstallers) {
+  for (const char* name : {"Deutsch", "Francais", "Nederlands"}) WriteLanguage(name, "Yes\tX\n");
+  const struct {
+    const char *all, *messages, *lang;
+    std::string installer, inForce;
+  } cases[] = {
+      {"", "", "de_AT.UTF-8", "", "Deutsch"},
+      {"", "fr@euro", "de_DE", "", "Francais"},
+      {"nl", "fr_FR", "de_DE", "", "Nederlands"},
+      {"C.UTF-8", "fr_FR", "de_DE", "", ""},
+      {"", "", "nds_DE", "", ""},
+      {"", "", "de_DE", "\"inst_language\"=\"1036\"", "Francais"},
+      {"", "", "de_DE", "\"inst_language\"=\"\"", ""},
+      {"", "", "de_DE", "\"other\"=\"1036\"", "Deutsch"},
+  };
+  for (const auto& [all, messages, lang, installer, inForce] : cases) {
+    const testing::ScopedVariable first("LC_ALL", all), second("LC_MESSAGES", messages), third("LANG", lang);
+    if (!installer.empty()) home.WriteMachineRegistry("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Norvane]\n" + installer);
+    catalogue.emplace().Init(static_cast<HINSTANCE>(dlsym(loaded, "nvsupportTestModule")));
+    EXPECT_EQ(catalogue->Language(), inForce) << all << '|' << messages << '|' << lang << '|' << installer;
+  }
+}
+
 TEST_F(Catalogue, WritesEachMissOnceInByteOrder) {
   const std::string missFile = home.folder / "documents/NVTranslation/nvsupport.txt";
   WriteWholeFile(missFile, "of an earlier run");

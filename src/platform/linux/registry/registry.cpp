@@ -4,6 +4,7 @@
 
 #include <unistd.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -24,6 +25,11 @@ using platform::TraceArea;
 constexpr const char* fileBelowConfig = "/norvane/registry.reg";
 constexpr std::string_view computerNameKey =
     "hkey_local_machine\\system\\currentcontrolset\\control\\computername\\activecomputername";
+constexpr std::string_view installationKey = "hkey_local_machine\\software\\norvane";
+constexpr const char* installedLanguage = "inst_language";
+
+// Its values for the languages that have a catalogue, by the language of a locale such as de_AT.UTF-8.
+constexpr std::pair<std::string_view, const char*> localeIds[] = {{"de", "1031"}, {"fr", "1036"}, {"nl", "1043"}};
 
 constexpr LONG errorInvalidHandle = 6;
 constexpr LONG errorInvalidParameter = 87;
@@ -50,6 +56,27 @@ std::string MachineText() {
   return {};
 }
 
+// As everywhere, that of the first of these variables that holds anything.
+std::string DesktopLocale() {
+  for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+    const char* const locale = secure_getenv(variable);
+    if (locale != nullptr && locale[0] != '\0') return locale;
+  }
+  return {};
+}
+
+// Where no file tells the language of the installation, the desktop's stands for it.
+void AddDesktopLanguage(std::optional<RegistryValues>& values) {
+  if (values && values->contains(installedLanguage)) return;
+  const std::string locale = DesktopLocale();
+  for (const auto& [language, id] : localeIds) {
+    if (locale.substr(0, locale.find_first_of("_.@")) != language) continue;
+    if (!values) values.emplace();
+    (*values)[installedLanguage] = {platform::REG_SZ, std::string(id) + '\0'};
+    Trace(TraceArea::registry, "%s from the locale %s", installedLanguage, locale.c_str());
+  }
+}
+
 RegistryValues ComputerName() {
   char name[256] = {};
   if (gethostname(name, sizeof name - 1) != 0) return {};
@@ -69,10 +96,12 @@ LONG RegOpenKeyExA(HKEY root, LPCSTR subKey, DWORD, DWORD, HKEY* key) {
   if (subKey != nullptr && subKey[0] != '\0') name += std::string("\\") + subKey;
   while (name.ends_with('\\')) name.pop_back();
 
+  const std::string plainName = base::ToLower(name);
   std::optional<RegistryValues> values =
-      base::ToLower(name) == computerNameKey
+      plainName == computerNameKey
           ? ComputerName()
           : platform::FindRegistryKey(root == HKEY_CURRENT_USER ? UserText() : MachineText(), name);
+  if (plainName == installationKey) AddDesktopLanguage(values);
   Trace(TraceArea::registry, values ? "key %s" : "no key %s", name.c_str());
   if (!values) return ERROR_FILE_NOT_FOUND;
   *key = reinterpret_cast<HKEY>(new RegistryValues(std::move(*values)));
