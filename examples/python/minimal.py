@@ -45,7 +45,11 @@ def search(module, points):
 
 
 def main():
-    module = load(sys.argv[1] if len(sys.argv) > 1 else "./nvsupport.so")
+    path = sys.argv[1] if len(sys.argv) > 1 else "./nvsupport.so"
+    try:
+        module = load(path)
+    except OSError as error:
+        sys.exit(f"minimal.py: {error}\nusage: minimal.py [PATH OF nvsupport.so, else ./nvsupport.so]")
     products = list(search(module, [(45.8, 6.8), (46.0, 7.0)]))
     for title, file_reference in products:
         print(f"{title}: {file_reference}")

@@ -13,17 +13,21 @@
 #define NVSUPPORT_NVSUPPORT_MODULE_H
 
 #include <nvsupport/nvsupport.h>
-#include <stddef.h>
 #include <string.h>
 
 #ifdef _WIN32
 #include <windows.h>
+typedef HMODULE NVLibrary;
+typedef FARPROC NVFunction;
 #else
 #include <dlfcn.h>
+typedef void* NVLibrary;
+typedef void* NVFunction;
 #endif
 
 typedef struct NVSupportModule {
-  void* library; /* as the system knows it; null while the module is not open */
+  NVLibrary library; /* as the system knows it; null while the module is not open */
+  /* The functions, in the order in which NVSupportOpen finds them. */
   NVOpenSessionFunction openSession;
   NVUserIdFunction userId;
   NVDeviceIdFunction deviceId;
@@ -41,9 +45,9 @@ typedef struct NVSupportModule {
  * nothing if it is not open.
  */
 static inline void NVSupportClose(NVSupportModule* module) {
-  if (module->library != NULL) {
+  if (module->library) {
 #ifdef _WIN32
-    FreeLibrary((HMODULE)module->library);
+    FreeLibrary(module->library);
 #else
     dlclose(module->library);
 #endif
@@ -59,42 +63,38 @@ static inline void NVSupportClose(NVSupportModule* module) {
  * GetLastError() tells why; or the name of the function that the module lacks.
  */
 static inline const char* NVSupportOpen(NVSupportModule* module, const char* path) {
-  static const struct {
-    const char* name;
-    size_t member;
-  } functions[] = {
-      {"x3e491215", offsetof(NVSupportModule, openSession)},
-      {"x0d83f18d", offsetof(NVSupportModule, userId)},
-      {"x2ed7465a", offsetof(NVSupportModule, deviceId)},
-      {"xff99a5e4", offsetof(NVSupportModule, sessionToken)},
-      {"NSMapShopSearch", offsetof(NVSupportModule, search)},
-      {"NSMapShopGetNext", offsetof(NVSupportModule, getNext)},
-      {"NSMapShopClose", offsetof(NVSupportModule, closeSearch)},
-      {"NSDownloadWebFileProgress", offsetof(NVSupportModule, download)},
-      {"x77fc64c7", offsetof(NVSupportModule, downloadWithoutCounters)},
-      {"xfa704a3f", offsetof(NVSupportModule, readRange)},
+  /* Behind the last name stands null. */
+  static const char* const names[11] = {
+      "x3e491215",       "x0d83f18d",        "x2ed7465a",      "xff99a5e4",
+      "NSMapShopSearch", "NSMapShopGetNext", "NSMapShopClose", "NSDownloadWebFileProgress",
+      "x77fc64c7",       "xfa704a3f",
   };
+  /* The module byte for byte, with the functions as the system finds them. */
+  struct {
+    NVLibrary library;
+    NVFunction functions[10];
+  } found;
+  int i = 0;
+  memset(&found, 0, sizeof found);
   memset(module, 0, sizeof *module);
 #ifdef _WIN32
-  module->library = (void*)LoadLibraryA(path);
+  found.library = LoadLibraryA(path);
 #else
-  module->library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
+  found.library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
 #endif
-  if (module->library == NULL) return path;
-  for (size_t i = 0; i < sizeof functions / sizeof functions[0]; ++i) {
+  if (!found.library) return path;
+  for (; names[i]; ++i) {
 #ifdef _WIN32
-    const FARPROC function = GetProcAddress((HMODULE)module->library, functions[i].name);
+    found.functions[i] = GetProcAddress(found.library, names[i]);
 #else
-    void* const function = dlsym(module->library, functions[i].name);
+    found.functions[i] = dlsym(found.library, names[i]);
 #endif
-    if (function == NULL) {
-      NVSupportClose(module);
-      return functions[i].name;
-    }
-    /* Copied as bytes: C has no cast from an object's address to a function's. */
-    memcpy((char*)module + functions[i].member, &function, sizeof function);
+    if (!found.functions[i]) break;
   }
-  return NULL;
+  /* Copied as bytes: C has no cast from an object's address to a function's. */
+  memcpy(module, &found, sizeof found);
+  if (names[i]) NVSupportClose(module);
+  return names[i];
 }
 
 #endif
