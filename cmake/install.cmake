@@ -34,6 +34,8 @@ foreach(program nvhost nvcatalogue)
   if(TARGET ${program})
     install(TARGETS ${program})
     install(FILES docs/man/${program}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    install(FILES tools/completion/nvsupport.bash
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME ${program})
   endif()
 endforeach()
 

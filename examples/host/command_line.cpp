@@ -5,15 +5,18 @@
 
 #include <charconv>
 #include <cmath>
-#include <cstdio>
+#include <filesystem>
 #include <limits>
 #include <string>
 #include <vector>
 
 #include "library.h"
+#include "system.h"
 
 namespace nvhost {
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr const char* exitCodes =
     "Exit codes:\n"
@@ -27,7 +30,7 @@ constexpr const char* exitCodes =
     "  7    the transfer failed\n"
     "  8    no session token: the sign-in was cancelled or refused, or the service is out of reach\n"
     "  9    standard output cannot be written\n"
-    "  10   there is no screen for the window of gui\n"
+    "  10   there is no screen for the window of gui or the sign-in of token\n"
     "  11   incomplete: the server closed before the whole file was there\n"
     "  130  stopped with Ctrl-C (143: by SIGTERM)";
 
@@ -51,6 +54,23 @@ MapShopPoint ParsePoint(const std::string& text) {
   return point;
 }
 
+// What hinders an argument, as CLI11 asks for it: an empty text if nothing does.
+
+std::string WhyNoHost(const std::string& host) {
+  const bool isAddress = host.starts_with('[') && host.ends_with(']');
+  const bool isName = !host.empty() && host.find_first_of(isAddress ? "/" : ":/") == std::string::npos;
+  return isName ? "" : '"' + host + "\" is no name of a server; it has no scheme, port or path";
+}
+
+std::string WhyNoDestination(const std::string& file) {
+  if (file == standardOutput) return {};
+  const fs::path folder = fs::absolute(file).parent_path();
+  std::error_code ignored;
+  if (fs::is_directory(file, ignored)) return file + " is a folder";
+  if (!fs::is_directory(folder, ignored)) return "there is no folder " + folder.string();
+  return TakesNewFiles(folder.string()) ? "" : "nothing can be written in " + folder.string();
+}
+
 // Reads arguments to its members; the command that is there leaves its work in the request.
 class Parser {
  public:
@@ -63,13 +83,14 @@ class Parser {
     app.add_flag("--trace", request.trace, "Let the library tell on standard error what it does, as NV_TRACE=all");
     app.require_subcommand(1);
     app.fallthrough();
-    app.footer(exitCodes);
+    app.failure_message(&WhatIsWrong);
     AddSearch();
     AddDownload();
     AddRead();
     AddWhoAmI();
     AddToken();
     AddGui();
+    app.footer(exitCodes);  // which commands take over that are added behind it
   }
 
   // The exit code.
@@ -78,16 +99,21 @@ class Parser {
       app.parse(argc, argv);
       return done;
     } catch (const CLI::ParseError& error) {
-      if (app.exit(error) == 0) return done;
-      // What stands where a command should.
-      if (!app.remaining().empty() && app.get_subcommands().empty()) {
-        std::fprintf(stderr, "There is no command %s.\n", app.remaining().front().c_str());
-      }
-      return wrongArguments;
+      return app.exit(error) == 0 ? done : wrongArguments;
     }
   }
 
  private:
+  static std::string WhatIsWrong(const CLI::App* app, const CLI::Error& error) {
+    const std::vector<std::string> unknown = app->remaining();
+    std::string reason = error.what();
+    // The library for command lines does not name what stands where a command should.
+    if (app->get_subcommands().empty() && !unknown.empty()) {
+      reason = (unknown[0].starts_with('-') ? "there is no option " : "there is no command ") + unknown[0];
+    }
+    return "nvhost: " + reason + " (see nvhost --help)\n";
+  }
+
   void AddSearch() {
     CLI::App* const command = app.add_subcommand("search", "List the products of the map shop for an area");
     command->add_option("points", points, "Corners or outline of the area, in degrees; none: everywhere")
@@ -101,9 +127,15 @@ class Parser {
 
   void AddDownload() {
     CLI::App* const command = app.add_subcommand("download", "Download a file from a web server");
-    command->add_option("host", download.host, "Name of the web server")->required()->type_name("HOST");
+    command->add_option("host", download.host, "Name of the web server")
+        ->required()
+        ->type_name("HOST")
+        ->check(WhyNoHost);
     command->add_option("path", download.path, "Path on the server")->required()->type_name("PATH");
-    command->add_option("file", download.file, "Local file to write")->required()->type_name("FILE");
+    command->add_option("file", download.file, "Local file to write; - for standard output")
+        ->required()
+        ->type_name("FILE")
+        ->check(WhyNoDestination);
     command->callback([this] {
       request.work = [download = download](const NVSupportModule& support) { Download(support, download); };
     });
@@ -112,7 +144,7 @@ class Parser {
   void AddRead() {
     CLI::App* const command =
         app.add_subcommand("read", "Write some bytes of a file on a web server to standard output");
-    command->add_option("host", read.host, "Name of the web server")->required()->type_name("HOST");
+    command->add_option("host", read.host, "Name of the web server")->required()->type_name("HOST")->check(WhyNoHost);
     command->add_option("path", read.path, "Path on the server")->required()->type_name("PATH");
     command->add_option("offset", read.offset, "First byte, counted from 0")
         ->required()
@@ -133,8 +165,12 @@ class Parser {
   void AddWhoAmI() {
     CLI::App* const command = app.add_subcommand("whoami", "Show the user ID and the identifier of this computer");
     AddProduct(*command)->required();
-    command->callback(
-        [this] { request.work = [name = product](const NVSupportModule& support) { WhoAmI(support, name); }; });
+    command->add_flag("--json", whoAmIJson, "Write JSON");
+    command->callback([this] {
+      request.work = [name = product, json = whoAmIJson](const NVSupportModule& support) {
+        WhoAmI(support, name, json);
+      };
+    });
   }
 
   void AddToken() {
@@ -158,6 +194,7 @@ class Parser {
   SearchArguments search;
   DownloadArguments download;
   ReadArguments read;
+  bool whoAmIJson = false;
   std::string product = "Map Viewer";
 };
 

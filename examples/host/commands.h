@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace nvhost {
@@ -40,6 +41,9 @@ struct SearchArguments {
 };
 void Search(const NVSupportModule& support, const SearchArguments& arguments);
 
+inline constexpr std::string_view standardOutput = "-";  // as the name of a file
+inline constexpr const char* outputFault = "standard output cannot be written";
+
 struct DownloadArguments {
   std::string host;
   std::string path;
@@ -55,7 +59,7 @@ struct ReadArguments {
 };
 void Read(const NVSupportModule& support, const ReadArguments& arguments);
 
-void WhoAmI(const NVSupportModule& support, const std::string& product);
+void WhoAmI(const NVSupportModule& support, const std::string& product, bool json);
 void Token(const NVSupportModule& support, const std::string& product);
 
 // Goes over to nvhost-gui, so it returns only by a Failure.

@@ -16,12 +16,13 @@ nvhost::Library Load(const std::string& path) try {
 
 int Run(int argc, char** argv) {
   const nvhost::Request request = nvhost::ReadCommandLine(argc, argv);
-  if (!request.work) return request.exitCode;
   static char traceAll[] = "NV_TRACE=all";
   if (request.trace) putenv(traceAll);
-  request.work(Load(request.library).Functions());
-  if (std::fflush(stdout) != 0) throw nvhost::Failure(nvhost::cannotWrite, "standard output cannot be written");
-  return nvhost::done;
+  if (request.work) request.work(Load(request.library).Functions());
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    throw nvhost::Failure(nvhost::cannotWrite, nvhost::outputFault);
+  }
+  return request.exitCode;
 }
 
 }  // namespace

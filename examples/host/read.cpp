@@ -13,13 +13,13 @@ void Read(const NVSupportModule& support, const ReadArguments& arguments) {
   if (got == arguments.length) {
     UseBinaryOutput();
     if (std::fwrite(buffer.data(), 1, buffer.size(), stdout) != buffer.size()) {
-      throw Failure(cannotWrite, "standard output cannot be written");
+      throw Failure(cannotWrite, outputFault);
     }
     return;
   }
-  throw Failure(transferFailed,
-                got < 0 ? arguments.host + " cannot be reached, or does not give these bytes of " + arguments.path
-                        : "the file ended or the transfer broke off before all bytes were there");
+  throw Failure(transferFailed, got < 0 ? arguments.host + " cannot be reached, or does not give these bytes of " +
+                                              arguments.path + "; --trace tells which"
+                                        : "the file ended or the transfer broke off before all bytes were there");
 }
 
 }  // namespace nvhost

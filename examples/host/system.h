@@ -2,6 +2,7 @@
 #ifndef NVHOST_SYSTEM_H
 #define NVHOST_SYSTEM_H
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -14,8 +15,12 @@ std::string AbsolutePath(const std::string& path);
 std::string WhyNotLoaded();
 // Whether this process itself has the file open and can remove it all the same.
 bool IsOpenHere(const std::string& file);
-// Whether standard output is a terminal; from then on it understands escape sequences.
-bool UseTerminal();
+// Whether the user may make files there.
+bool TakesNewFiles(const std::string& folder);
+// False where no window can open for certain.
+bool HasScreen();
+// How wide the terminal is that standard error goes to, which understands escape sequences; 0 if it is none.
+std::size_t TerminalColumns();
 // Standard output passes every byte on as it is.
 void UseBinaryOutput();
 // Ctrl-C and the polite requests to end.

@@ -1,7 +1,9 @@
 #include <dlfcn.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 
 #include "system.h"
@@ -30,8 +32,23 @@ bool IsOpenHere(const std::string& file) {
   return false;
 }
 
-bool UseTerminal() {
-  return isatty(STDOUT_FILENO) != 0;
+bool TakesNewFiles(const std::string& folder) {
+  return access(folder.c_str(), W_OK | X_OK) == 0;
+}
+
+bool HasScreen() {
+  for (const char* variable : {"DISPLAY", "WAYLAND_DISPLAY", "WAYLAND_SOCKET", "QT_QPA_PLATFORM"}) {
+    const char* const value = std::getenv(variable);
+    if (value != nullptr && value[0] != '\0') return true;
+  }
+  return false;
+}
+
+std::size_t TerminalColumns() {
+  constexpr std::size_t usual = 80;
+  if (isatty(STDERR_FILENO) == 0) return 0;
+  winsize size{};
+  return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
 }
 
 void UseBinaryOutput() {}

@@ -33,10 +33,23 @@ bool IsOpenHere(const std::string&) {
   return false;  // what is open cannot be removed
 }
 
-bool UseTerminal() {
-  const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+bool TakesNewFiles(const std::string& folder) {
+  constexpr int writing = 2;
+  return _access(folder.c_str(), writing) == 0;
+}
+
+bool HasScreen() {
+  return true;
+}
+
+std::size_t TerminalColumns() {
+  const HANDLE output = GetStdHandle(STD_ERROR_HANDLE);
   DWORD mode = 0;
-  return GetConsoleMode(output, &mode) && SetConsoleMode(output, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+  CONSOLE_SCREEN_BUFFER_INFO buffer = {};
+  const bool isTerminal = GetConsoleMode(output, &mode) &&
+                          SetConsoleMode(output, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) &&
+                          GetConsoleScreenBufferInfo(output, &buffer);
+  return isTerminal ? static_cast<std::size_t>(buffer.dwSize.X) : 0;
 }
 
 void UseBinaryOutput() {

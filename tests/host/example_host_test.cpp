@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <filesystem>
+#include <sstream>
 #include <string>
 
 #include "service/local_service.h"
@@ -34,8 +35,15 @@ TEST(ExampleHost, ShowsWhatTheServiceOffersAndTellsFailuresApartByItsExitCode) {
       {"search --json 46,7", 0, "\"package\": true,\n      \"title\": \"Package: The Alps\",\n"},
       {"search --json 46,7", 0, "\"secondValue\": 20480\n    }\n  ],\n  \"closingValue\": 38\n}"},
       {"download " + fiji + file, 0, "fiji: "},
-      {"", 2, "subcommand"},
-      {"serach 45,6", 2, "no command serach"},
+      {"whoami --json --product P", 0, "{\n  \"userId\": \"\",\n  \"deviceId\": "},
+      {"", 2, "nvhost: A subcommand"},
+      {"serach 45,6", 2, "nvhost: there is no command serach"},
+      {"--jsn", 2, "nvhost: there is no option --jsn"},
+      {"search 45,6 --jsn", 2, "nvhost: The following argument was not expected: --jsn"},
+      {"download http://host /f f", 2, "\"http://host\" is no name of a server"},
+      {"read host:80 /f 0 1", 2, "\"host:80\" is no name of a server"},
+      {"download " + fiji + "/tmp", 2, "/tmp is a folder"},
+      {"download " + fiji + "/no/file", 2, "there is no folder /no"},
       {"search 45,6x", 2, "LATITUDE,LONGITUDE"},
       {"--library /nowhere/nvsupport.so whoami --product P", 3, "/nowhere/nvsupport.so"},
       {"--library \"" NV_NO_MODULE "\" whoami --product P", 3, "lacks the function x3e491215"},
@@ -43,9 +51,10 @@ TEST(ExampleHost, ShowsWhatTheServiceOffersAndTellsFailuresApartByItsExitCode) {
       {"search 0,400.1", 4, "out of range"},
       {"search 0,-30 --trace", 5, " web POST http://service.norvane.example/cgi-bin/mapstore2.cgi"},
       {"download " + serviceHost + " /files/none " + file, 7, "cannot be reached or does not give"},
-      {"read " + fiji + "99999999 10", 7, "does not give these bytes"},
+      {"read " + fiji + "99999999 10", 7, "does not give these bytes of /files/maps/fiji.nvmap; --trace tells"},
       {"read " + fiji + "294900 100", 7, "before all bytes were there"},
       {"gui", 10, "no screen"},
+      {"token --product P", 10, "no screen"},
   };
   for (const auto& row : cases) {
     const ProgramResult result = RunHost(row.command + " 2>&1");
@@ -55,7 +64,12 @@ TEST(ExampleHost, ShowsWhatTheServiceOffersAndTellsFailuresApartByItsExitCode) {
   const std::string served = ReadWholeFile(service.Path("www/files/maps/fiji.nvmap"));
   EXPECT_EQ(ReadWholeFile(file), served);
   EXPECT_EQ(RunHost("read " + fiji + "7 1000").output, served.substr(7, 1000));
-  EXPECT_EQ(RunHost("read " + fiji + "7 10 2>/dev/null >/dev/full").exitCode, 9);
+  EXPECT_EQ(RunHost("download " + fiji + "- 2>/dev/null").output, served);
+  const std::string outputs[] = {"--version", "search --help", "read " + fiji + "7 10", "download " + fiji + "-"};
+  for (const std::string& command : outputs) {
+    EXPECT_EQ(RunHost(command + " 2>/dev/null >/dev/full").exitCode, 9) << command;
+  }
+  EXPECT_EQ(RunHost("search --help").output.find("Exit codes"), std::string::npos) << "which nvhost --help tells";
 
   const ScopedVariable nowhere("NV_CONNECT_TO", serviceHost + ":80:127.0.0.1:1");
   EXPECT_EQ(RunHost("search 2>/dev/null").exitCode, 6);
@@ -92,6 +106,37 @@ TEST(ExampleHost, LeavesNothingOfAFileThatIsNotWhole) {
   EXPECT_EQ(ended.exitCode, 11);
   EXPECT_TRUE(ended.output.ends_with("incomplete: 5 of 100,000 bytes; nothing was kept\n")) << ended.output;
   EXPECT_TRUE(std::filesystem::is_empty(folder.path));
+}
+
+TEST(ExampleHost, ShowsItsProgressAsWideAsTheTerminal) {
+  const ScriptedServer server(
+      Reply{.bytes = "HTTP/1.1 200 OK\r\nContent-Length: 99999\r\n\r\n12345", .end = Reply::End::hold});
+  const TemporaryFolder folder;
+  const std::string host = std::string(NV_HOST) + " download " + serverName + " /f " + (folder / "file");
+  const ProgramResult shown =
+      RunProgram({"script", "-qec", "stty cols 30; timeout --foreground -s INT 3 " + host, "/dev/null"});
+  EXPECT_NE(shown.output.find("bytes of 97.7 KiB"), std::string::npos) << shown.output;
+  std::istringstream lines(shown.output);
+  const std::string clearLine = "\x1b[K";
+  for (std::string line; std::getline(lines, line, '\r');) {
+    if (line.find('%') == std::string::npos) continue;
+    EXPECT_LT(line.size(), clearLine.size() + 30) << line;
+  }
+}
+
+TEST(ExampleHost, IsCompletedByTheShell) {
+  const std::string tools = NV_SOURCE_FOLDER "/tools/completion/nvsupport.bash";
+  const auto completed = [&](const std::string& line) {  // the last word of a line
+    return RunProgram({"bash", "-c",
+                       "source \"$0\"; COMP_WORDS=(nvhost " + line +
+                           "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _nvsupport_complete \"$1\" "
+                           "\"${COMP_WORDS[-1]}\"; echo ${COMPREPLY[@]}",
+                       tools, NV_HOST})
+        .output;
+  };
+  EXPECT_EQ(completed("se"), "search\n");
+  EXPECT_EQ(completed("search --j"), "--json\n");
+  EXPECT_EQ(completed("--trace download --"), "--help\n");
 }
 
 }  // namespace

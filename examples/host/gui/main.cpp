@@ -29,6 +29,9 @@ int Run(int argc, char** argv) {
   std::string library = nvhost::FindLibrary();
   std::string product = "Map Viewer";
   std::string host = NV_SERVICE_HOST;
+  app.set_version_flag("--version", "nvhost-gui " NVSUPPORT_VERSION);
+  app.failure_message(
+      [](const CLI::App*, const CLI::Error& error) { return "nvhost-gui: " + std::string(error.what()) + '\n'; });
   app.add_option("--library", library, "The support library to load")->type_name("PATH")->capture_default_str();
   app.add_option("--product", product, "Product whose settings to use")->type_name("NAME")->capture_default_str();
   app.add_option("--host", host, "Server that products are downloaded from")->type_name("HOST")->capture_default_str();

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <vector>
 
 #include "system.h"
 
@@ -14,7 +15,9 @@ using namespace std::chrono_literals;
 
 constexpr auto terminalPause = 100ms;
 constexpr auto plainPause = 1s;
-constexpr int barColumns = 24;
+constexpr std::size_t shortestBar = 8;
+constexpr std::size_t longestBar = 24;
+constexpr std::size_t anyWidth = 1000;
 constexpr const char* clearLine = "\r\x1b[K";
 
 template <typename... Values>
@@ -29,10 +32,23 @@ std::string FormatDuration(double seconds) {
   return rounded < 100 ? Format("%ld s", rounded) : Format("%ld min", (rounded + 30) / 60);
 }
 
-std::string Bar(double share) {
-  const int filled = static_cast<int>(share * barColumns);
-  return "[" + std::string(static_cast<std::size_t>(filled), '#') +
-         std::string(static_cast<std::size_t>(barColumns - filled), '-') + "] ";
+// A bar for the room that is left in front of a text; none where it would be too short.
+std::string Bar(double share, std::size_t room) {
+  constexpr std::size_t frame = 3;
+  if (room < shortestBar + frame) return {};
+  const std::size_t columns = std::min(room - frame, longestBar);
+  const auto filled = static_cast<std::size_t>(share * static_cast<double>(columns));
+  return "[" + std::string(filled, '#') + std::string(columns - filled, '-') + "] ";
+}
+
+// The weightiest parts stand in front; those that do not fit any more are left out.
+std::string Line(const std::vector<std::string>& parts, std::size_t room) {
+  std::string line;
+  for (const std::string& part : parts) {
+    if (line.size() + part.size() > room) break;
+    line += part;
+  }
+  return line;
 }
 
 }  // namespace
@@ -51,7 +67,7 @@ std::string FormatCount(std::uint64_t count) {
 }
 
 ProgressDisplay::ProgressDisplay()
-    : terminal(UseTerminal()),
+    : terminal(TerminalColumns() > 0),
       pause(terminal ? Clock::duration(terminalPause) : Clock::duration(plainPause)),
       next(begin + pause) {}
 
@@ -63,13 +79,16 @@ std::string ProgressDisplay::Describe(const WebProgressCounters& counters) const
   const auto done = static_cast<double>(counters.done);
   const auto total = static_cast<double>(counters.total);
   const double speed = done / std::max(Seconds(), 0.001);
-  const std::string pace = FormatBytes(speed) + "/s";
-  if (counters.total <= 0) return FormatBytes(done) + ", " + pace;
+  const std::string pace = ", " + FormatBytes(speed) + "/s";
+  // Asked each time: the user may make the window narrower. A character in the last column could begin a new line.
+  const std::size_t room = terminal ? std::max<std::size_t>(TerminalColumns(), 1) - 1 : anyWidth;
+  if (counters.total <= 0) return Line({FormatBytes(done), pace}, room);
   const double share = std::min(done / total, 1.0);
-  std::string text = terminal ? Bar(share) : "";
-  text += Format("%3.0f%%  ", std::floor(100 * share)) + FormatBytes(done) + " of " + FormatBytes(total) + ", " + pace;
-  if (speed > 0) text += ", " + FormatDuration(std::max(total - done, 0.0) / speed) + " left";
-  return text;
+  const std::string left = speed > 0 ? ", " + FormatDuration(std::max(total - done, 0.0) / speed) + " left" : "";
+  const std::string line = Line(
+      {Format("%3.0f%%", std::floor(100 * share)), "  " + FormatBytes(done) + " of " + FormatBytes(total), pace, left},
+      room);
+  return (terminal ? Bar(share, room - line.size()) : "") + line;
 }
 
 void ProgressDisplay::Update(const WebProgressCounters& counters) {
@@ -77,13 +96,11 @@ void ProgressDisplay::Update(const WebProgressCounters& counters) {
   if (now < next) return;
   next = now + pause;
   Clear();
-  std::fputs(Describe(counters).c_str(), stdout);
-  if (!terminal) std::fputc('\n', stdout);
-  std::fflush(stdout);
+  std::fprintf(stderr, terminal ? "%s" : "%s\n", Describe(counters).c_str());
 }
 
 void ProgressDisplay::Clear() {
-  if (terminal) std::fputs(clearLine, stdout);
+  if (terminal) std::fputs(clearLine, stderr);
 }
 
 }  // namespace nvhost

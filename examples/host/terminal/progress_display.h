@@ -1,4 +1,5 @@
-// Shows on standard output how far a transfer is: a bar that is drawn anew in a terminal, else a line now and then.
+// Shows on standard error how far a transfer is: a line that is drawn anew in a terminal, as wide as that allows, else
+// a line now and then.
 #ifndef NVHOST_TERMINAL_PROGRESS_DISPLAY_H
 #define NVHOST_TERMINAL_PROGRESS_DISPLAY_H
 
@@ -20,7 +21,7 @@ class ProgressDisplay {
 
   // Call it as often as you like; it shows something only when enough time has passed.
   void Update(const WebProgressCounters& counters);
-  // Takes the bar away, so that a last line can follow.
+  // Takes the line away in a terminal, so that a last one can follow.
   void Clear();
   double Seconds() const;  // since the transfer began
 
