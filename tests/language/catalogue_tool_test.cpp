@@ -90,6 +90,22 @@ TEST(WorkFile, IsUpdatedWithoutLosingATranslation) {
   EXPECT_TRUE(Told(Update(Utf16(u"A\tB"), texts)).starts_with("1: "));
 }
 
+TEST(WorkFile, IsReplacedWholeWithItsMode) {
+  const testing::TemporaryFolder folder;
+  const std::string file = folder / "file";
+  testing::WriteWholeFile(file, "A\tB\n");
+  std::filesystem::permissions(file, std::filesystem::perms(0640));
+  const auto update = [&](const std::string& limit) {
+    return testing::RunProgram({"sh", "-c", limit + " exec \"$0\" update \"$1\" 2>&1", NV_CATALOGUE, file});
+  };
+  EXPECT_EQ(update("trap \"\" XFSZ; ulimit -f 0;").exitCode, 3) << "no room";
+  EXPECT_EQ(testing::ReadWholeFile(file), "A\tB\n");
+  EXPECT_EQ(update("").exitCode, 0);
+  EXPECT_TRUE(testing::ReadWholeFile(file).ends_with("#~ A\tB\n"));
+  EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0640));
+  EXPECT_FALSE(std::filesystem::exists(file + ".new"));
+}
+
 TEST(CollectTexts, StopsAtALookupWhoseTextsItCannotFind) {
   const std::pair<const char*, int> cases[] = {
       {"ShowMessage(Parent(a, \",\"), MB_OK, \"a, \\\"b\\\" \"  // why\n  \"c\");", 0},

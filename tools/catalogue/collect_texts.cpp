@@ -2,7 +2,7 @@
 // those of the dialog templates, and those that the sources hand to a function that looks texts up. It stops at an
 // argument whose texts it cannot find: a text that nobody lists is one that nobody translates.
 //
-// collect_texts OUTPUT SOURCE-FOLDER: writes the texts as C++ literals, each with a comma behind it.
+// collect_texts OUTPUT SOURCE-FOLDER: writes C++ arrays, one of all texts and one of those that messages show.
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
@@ -24,11 +24,14 @@ namespace fs = std::filesystem;
 struct Lookup {
   const char* function;
   std::size_t argument;
+  bool isMessage = true;
 };
 
 constexpr Lookup lookups[] = {
-    {"Translate", 0},       {"TranslateFormat", 0}, {"ShowMessage", 2}, {"ShowMessageFormat", 2},
-    {"ShowMessageArgs", 2}, {"ShowError", 0},       {"MessageFor", 0},  {"MessageFor", 2},
+    {"Translate", 0, false}, {"TranslateFormat", 0, false},
+    {"ShowMessage", 2},      {"ShowMessageFormat", 2},
+    {"ShowMessageArgs", 2},  {"ShowError", 0},
+    {"MessageFor", 0},       {"MessageFor", 2},
 };
 
 // Arguments without texts of their own, and why.
@@ -98,14 +101,18 @@ class Collector {
         auto at = static_cast<std::size_t>(found->position() + found->length());
         std::string argument = TakeArgument(source, at);
         for (std::size_t i = 0; i < lookup.argument; ++i) argument = TakeArgument(source, ++at);
+        const std::size_t before = texts.size();
         if (!HasKnownTexts(source, name, argument))
           throw std::runtime_error(name + ": the text in a call of " + lookup.function +
                                    " is neither a literal nor a constant of the file: " + argument);
+        if (!lookup.isMessage) continue;
+        for (std::size_t i = before; i < texts.size(); ++i) messages.push_back(texts[i]);
       }
     }
   }
 
   std::vector<std::string> texts;
+  std::vector<std::string> messages;
 
  private:
   // Whether the texts of an argument are collected, here or elsewhere.
@@ -137,6 +144,12 @@ class Collector {
   }
 };
 
+void Write(std::ofstream& stream, const char* name, const std::vector<std::string>& texts) {
+  stream << "constexpr auto " << name << " = std::to_array<std::string_view>({\n";
+  for (const std::string& text : texts) stream << "R\"text(" << text << ")text\",\n";
+  stream << "});\n";
+}
+
 int Run(const char* output, const fs::path& sources) {
   Collector collector;
   collector.CollectTemplates(ReadFile(sources / "resources/nvsupport.rc"));
@@ -147,7 +160,8 @@ int Run(const char* output, const fs::path& sources) {
   std::ranges::sort(files);
   for (const fs::path& file : files) collector.CollectSource(file, file.lexically_relative(sources).generic_string());
   std::ofstream stream(output, std::ios::binary);
-  for (const std::string& text : collector.texts) stream << "R\"text(" << text << ")text\",\n";
+  Write(stream, "sourceTexts", collector.texts);
+  Write(stream, "messageTexts", collector.messages);
   return collector.texts.empty() || !stream.flush() ? 1 : 0;
 }
 

@@ -5,14 +5,16 @@
 namespace nvsupport {
 namespace {
 
-constexpr auto sourceTexts = std::to_array<std::string_view>({
 #include "source_texts.inc"  // made by collect_texts
-});
 
 }  // namespace
 
 std::span<const std::string_view> SourceTexts() {
   return sourceTexts;
+}
+
+std::span<const std::string_view> MessageTexts() {
+  return messageTexts;
 }
 
 }  // namespace nvsupport

@@ -9,6 +9,8 @@ namespace nvsupport {
 
 // Each text once: those of the dialogs, then those of the sources.
 std::span<const std::string_view> SourceTexts();
+// Those that message boxes show.
+std::span<const std::string_view> MessageTexts();
 
 }  // namespace nvsupport
 
