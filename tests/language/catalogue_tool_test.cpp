@@ -110,6 +110,8 @@ TEST(CollectTexts, StopsAtALookupWhoseTextsItCannotFind) {
   const std::pair<const char*, int> cases[] = {
       {"ShowMessage(Parent(a, \",\"), MB_OK, \"a, \\\"b\\\" \"  // why\n  \"c\");", 0},
       {"// Translate(other) does.\nconst std::string& Translate(const std::string& text);", 0},
+      {"#include \"ui/texts.h\"\nTranslate(headed);", 0},
+      {"Translate(headed);", 1},
       {"Translate(\"a\" + name);", 1},
       {"ShowMessage(parent, MB_OK, isBad ? \"a\" : \"b\");", 1},
       {"ShowMessageFormat(\n    parent, MB_OK, text, \"a\");", 1},
@@ -117,6 +119,7 @@ TEST(CollectTexts, StopsAtALookupWhoseTextsItCannotFind) {
   for (const auto& [source, exitCode] : cases) {
     const testing::TemporaryFolder folder;
     testing::WriteWholeFile(folder / "resources/nvsupport.rc", "\nCAPTION \"Title\"\n");
+    testing::WriteWholeFile(folder / "ui/texts.h", "constexpr char headed[] = \"a\";\n");
     testing::WriteWholeFile(folder / "ui/new.cpp", source);
     EXPECT_EQ(testing::RunProgram({NV_COLLECT_TEXTS, folder / "out", folder / ""}).exitCode, exitCode) << source;
   }

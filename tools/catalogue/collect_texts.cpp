@@ -65,6 +65,16 @@ std::string ReadSource(const fs::path& path) {
   return std::regex_replace(std::regex_replace(ReadFile(path), comment, "$1"), std::regex(R"re("\s*\n\s*")re"), "");
 }
 
+// The library's headers that a source includes itself.
+std::string ReadHeadersOf(const std::string& source, const fs::path& sources) {
+  std::string headers;
+  const std::regex include("#include " + literal);
+  for (std::sregex_iterator found(source.begin(), source.end(), include), end; found != end; ++found) {
+    headers += ReadSource(sources / (*found)[1].str());
+  }
+  return headers;
+}
+
 // What stands from a place on, without blanks around it, up to a comma or closing bracket that ends it; moves there.
 std::string TakeArgument(const std::string& source, std::size_t& at) {
   const std::size_t begin = source.find_first_not_of(" \n", at);
@@ -93,8 +103,9 @@ class Collector {
   // A text is the first thing behind the kind of a control, and behind CAPTION.
   void CollectTemplates(const std::string& script) { Collect(script, R"re(\n *[A-Z0-9]+ +"((?:[^"\n]|"")+)")re"); }
 
-  void CollectSource(const fs::path& path, const std::string& name) {
-    const std::string source = ReadSource(path);
+  void CollectSource(const fs::path& sources, const std::string& name) {
+    const std::string source = ReadSource(sources / name);
+    const std::string constants = source + ReadHeadersOf(source, sources);
     for (const Lookup& lookup : lookups) {
       const std::regex call(CallOf(lookup.function));
       for (std::sregex_iterator found(source.begin(), source.end(), call), end; found != end; ++found) {
@@ -102,9 +113,10 @@ class Collector {
         std::string argument = TakeArgument(source, at);
         for (std::size_t i = 0; i < lookup.argument; ++i) argument = TakeArgument(source, ++at);
         const std::size_t before = texts.size();
-        if (!HasKnownTexts(source, name, argument))
-          throw std::runtime_error(name + ": the text in a call of " + lookup.function +
-                                   " is neither a literal nor a constant of the file: " + argument);
+        if (!HasKnownTexts(constants, name, argument))
+          throw std::runtime_error(
+              name + ": the text in a call of " + lookup.function +
+              " is neither a literal nor a constant of the file or of a header of it: " + argument);
         if (!lookup.isMessage) continue;
         for (std::size_t i = before; i < texts.size(); ++i) messages.push_back(texts[i]);
       }
@@ -158,7 +170,8 @@ int Run(const char* output, const fs::path& sources) {
     if (entry.path().extension() == ".cpp" || entry.path().extension() == ".h") files.push_back(entry.path());
   }
   std::ranges::sort(files);
-  for (const fs::path& file : files) collector.CollectSource(file, file.lexically_relative(sources).generic_string());
+  for (const fs::path& file : files)
+    collector.CollectSource(sources, file.lexically_relative(sources).generic_string());
   std::ofstream stream(output, std::ios::binary);
   Write(stream, "sourceTexts", collector.texts);
   Write(stream, "messageTexts", collector.messages);
