@@ -1,9 +1,13 @@
 // Connections that are kept between exchanges: the caller and the server never suffer for them.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <thread>
@@ -49,6 +53,37 @@ TEST_P(KeptConnection, IsNotKeptInTheMiddleOfAReply) {
   EXPECT_TRUE(Open().Send());
   EXPECT_EQ(Open().Fetch(), "next");
   EXPECT_EQ(server.Connections(), 2);
+}
+
+// What nobody asked for would be read as the next reply.
+TEST_P(KeptConnection, IsNotUsedOnceMoreCameThanTheReply) {
+  const std::string one = HttpReply(200, "one").bytes;
+  const std::string stale = "HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\nold";
+  const std::string chunked = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\none\r\n0\r\n\r\n";
+  const struct {
+    const char* name;
+    std::string bytes;
+    std::size_t piece;
+    Reply::End end;
+  } cases[] = {
+      {"the reply again, later", one + one, one.size(), Reply::End::keep},
+      {"behind the body, at once", one + stale, 0, Reply::End::keep},
+      {"behind the body's last byte, which comes by itself", one + stale, one.size() - 1, Reply::End::keep},
+      {"behind chunks, later", chunked + stale, chunked.size(), Reply::End::keep},
+      {"a time-out", one + "HTTP/1.1 408 Late\r\nContent-Length: 0\r\n\r\n", one.size(), Reply::End::close},
+  };
+  for (const auto& entry : cases) {
+    for (const char* verb : {"GET", "POST"}) {
+      SCOPED_TRACE(std::string(entry.name) + ", then " + verb);
+      const Reply first{.bytes = entry.bytes, .end = entry.end, .piece = entry.piece, .pause = 20ms};
+      const ScriptedServer server(std::vector{first, HttpReply(200, "two")}, serverName, shown);
+      EXPECT_NE(Open().Fetch(), "!");
+      std::this_thread::sleep_for(100ms);
+      EXPECT_EQ(Open(verb).Fetch(), "two");
+      EXPECT_EQ(Open().Fetch(), "two");
+      EXPECT_EQ(server.Connections(), 2);
+    }
+  }
 }
 
 // The server takes a request on a kept connection and closes without a reply. It may have acted on the request.
@@ -110,23 +145,77 @@ TEST_P(KeptConnection, IsLeftAloneByAForkedChild) {
 TEST(KeptConnectionThatIdles, ServesForALimitedTime) {
   const ShortTimeouts restored;
   const ScriptedServer server(HttpReply(200, "body"));
+  const ScriptedServer another(HttpReply(200, "body"), "other.example");
   EXPECT_EQ(Exchange().Fetch(), "body");
-  platform::webLimits.idleBeforeBody = 0s;
-  std::this_thread::sleep_for(1s);  // which is the unit that libcurl counts in
+  std::this_thread::sleep_for(1100ms);  // common servers close after some seconds, and a request is on its way for long
   EXPECT_EQ(Exchange({.verb = "POST"}).Fetch("x"), "body");
   EXPECT_EQ(server.Connections(), 2);
-  platform::webLimits.idle = 0s;
+  EXPECT_EQ(Exchange({.host = "other.example"}).Fetch(), "body");
+  platform::webLimits.idle = 200ms;
+  std::this_thread::sleep_for(100ms);
+  EXPECT_EQ(Exchange({.host = "other.example"}).Fetch(), "body");
+  EXPECT_EQ(another.Connections(), 1);
+  std::this_thread::sleep_for(150ms);
+  EXPECT_EQ(Exchange({.host = "other.example"}).Fetch(), "body");
+  EXPECT_TRUE(WaitUntil([&] { return server.Open() == 0; })) << "closed by an exchange with another host";
+  EXPECT_EQ(another.Connections(), 1);
   EXPECT_EQ(Exchange().Fetch(), "body");
   EXPECT_EQ(server.Connections(), 3);
 }
 
-TEST(KeptConnectionOverTls, CountsNoMoreThanANewOneWhenTheTrustIsGone) {
+// Which programs that it starts may well be meant to have.
+TEST(KeptConnectionsEngine, LeavesSocketsThatTheHostOpensMeanwhileAsTheyAre) {
+  const ShortTimeouts restored;
+  platform::webLimits.idle = -1ms;  // each exchange makes anew what is kept
+  const ScriptedServer server(HttpReply(200, "body"));
+  std::atomic<bool> goesOn = true;
+  std::atomic<int> changed = 0;
+  std::thread host([&] {
+    while (goesOn) {
+      int ends[100];
+      for (int i = 0; i < 100; i += 2) {
+        EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends + i), 0);
+        EXPECT_EQ(write(ends[i], "x", 1), 1);
+      }
+      for (const int end : ends) {
+        if (fcntl(end, F_GETFD) != 0) ++changed;
+        close(end);
+      }
+    }
+  });
+  for (int i = 0; i < 100; ++i) EXPECT_EQ(Exchange().Fetch(), "body");
+  goesOn = false;
+  host.join();
+  EXPECT_EQ(changed, 0);
+}
+
+// Neither a connection nor a TLS session that it has verified.
+TEST(KeptConnectionOverTls, IsOfTheTrustStoreAsTheFileIsNow) {
   const TestAuthority authority;
-  const ScriptedServer server(HttpReply(200, "body"), serverName, authority.Issue(serverName));
-  EXPECT_EQ(Exchange({.flags = INTERNET_FLAG_SECURE}).Fetch(), "body");
-  const TestAuthority other;
-  static_cast<void>(other.Issue("other.example"));
-  EXPECT_EQ(Exchange({.flags = INTERNET_FLAG_SECURE}).Fetch(), "!");
+  const TlsIdentity shown = authority.Issue(serverName);
+  const std::string store = std::getenv("SSL_CERT_FILE");
+  const std::string good = ReadWholeFile(store);
+  const std::string bad = good.substr(0, good.size() / 2) + std::string(good.size() - good.size() / 2, 'A');
+  const auto fetch = [] { return Exchange({.flags = INTERNET_FLAG_SECURE}).Fetch(); };
+  for (const Reply::End end : {Reply::End::keep, Reply::End::close}) {
+    const ScriptedServer server(Reply{.bytes = HttpReply(200, "body").bytes, .end = end}, serverName, shown);
+    for (const std::string& written : {store, store + ".new"}) {
+      for (const std::string& bytes : {good, bad, good}) {
+        std::this_thread::sleep_for(20ms);  // file systems tell the time in steps
+        WriteWholeFile(written, bytes);
+        std::filesystem::rename(written, store);
+        EXPECT_EQ(fetch(), bytes == good ? "body" : "!") << written;
+      }
+    }
+  }
+  const ScopedVariable folder("SSL_CERT_DIR", std::filesystem::path(store).parent_path());
+  const ScriptedServer server(HttpReply(200, "body"), serverName, shown);
+  EXPECT_EQ(fetch() + fetch(), "bodybody");
+  EXPECT_EQ(server.Connections(), 1);
+  std::this_thread::sleep_for(20ms);
+  WriteWholeFile(store + ".added", "");
+  EXPECT_EQ(fetch(), "body");
+  EXPECT_EQ(server.Connections(), 2);
 }
 
 }  // namespace

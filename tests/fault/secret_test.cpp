@@ -1,10 +1,12 @@
 // What stays in memory of a password and a token: nothing, once the session is gone. All memory that C++ takes in this
-// program lies in one piece and is never used again, which is searched after a sign-in. What libcurl and the TLS
-// library took and gave back is theirs to wipe.
+// program and libcurl take lies in a piece each and is never used again, which is searched after a sign-in. What
+// libcurl took for a request, and the TLS library for anything, is theirs to wipe.
+#include <curl/curl.h>
 #include <gtest/gtest.h>
 #include <atomic>
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <iterator>
 #include <new>
@@ -21,18 +23,35 @@
 #include "support/test_authority.h"
 #include "support/wire_items.h"
 
-alignas(std::max_align_t) static char all[64 << 20];
-static std::atomic<std::size_t> taken = 0;
+struct Memory {
+  alignas(std::max_align_t) char bytes[64 << 20];
+  std::atomic<std::size_t> taken = 0;
+
+  void* Take(std::size_t size) {
+    constexpr std::size_t unit = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
+    return bytes + taken.fetch_add((size + unit) / unit * unit);
+  }
+};
+static Memory own, libcurls;
 
 void* operator new(std::size_t size) {
-  constexpr std::size_t unit = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
-  return all + taken.fetch_add((size + unit) / unit * unit);
+  return own.Take(size);
 }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
   return operator new(size);
 }
 void operator delete(void*) noexcept {}
 void operator delete(void*, std::size_t) noexcept {}
+
+// Before the library is the first to use it.
+[[maybe_unused]] static const CURLcode ready = curl_global_init_mem(
+    CURL_GLOBAL_DEFAULT, [](std::size_t size) { return libcurls.Take(size); }, [](void*) {},
+    [](void* memory, std::size_t size) {
+      void* const larger = libcurls.Take(size);
+      return memory != nullptr ? std::memmove(larger, memory, size) : larger;  // what lies behind it is ours, too
+    },
+    [](const char* text) { return std::strcpy(static_cast<char*>(libcurls.Take(std::strlen(text) + 1)), text); },
+    [](std::size_t count, std::size_t size) { return libcurls.Take(count * size); });  // untouched memory is 0
 
 namespace nvsupport {
 namespace {
@@ -50,10 +69,10 @@ std::string Reveal(const Backwards& text) {
 }
 
 // How often it stands in memory, in plain form and as it travels.
-int Copies(const Backwards& text) {
+int Copies(const Backwards& text, const Memory& where = own) {
   int copies = 0;
   for (const std::size_t stride : {1u, 2u}) {
-    for (const char* memory = all; memory < all + taken; ++memory) {
+    for (const char* memory = where.bytes; memory < where.bytes + where.taken; ++memory) {
       std::size_t at = 0;
       while (at < length && memory[at * stride] == text[length - 1 - at]) ++at;
       if (at == length) ++copies;
@@ -75,7 +94,7 @@ void SignInAndSearch() {
   char token[20] = "";
   EXPECT_TRUE(xff99a5e4(nullptr, token));
   EXPECT_EQ(token[0], sessionToken[length - 1]);
-  EXPECT_EQ(Copies(sessionToken), 0);
+  EXPECT_EQ(Copies(sessionToken) + Copies(sessionToken, libcurls), 0);
   EXPECT_EQ(Copies(password), 1) << "the session's";
   x3e491215("Other");
   EXPECT_EQ(Copies(password), 0);

@@ -87,6 +87,7 @@ void ScriptedServer::Serve() {
     }
     shutdown(client, SHUT_RD);  // TLS would wait for the client's goodbye
     BIO_free_all(channel);
+    ++ended;
   }
 }
 

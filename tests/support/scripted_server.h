@@ -61,6 +61,8 @@ class ScriptedServer {
   std::vector<std::string> Requests() const;
   // Connections so far, those without a complete request (or handshake) included.
   int Connections() const { return connections; }
+  // Those that are still there.
+  int Open() const { return connections - ended; }
 
  private:
   void Serve();
@@ -74,6 +76,7 @@ class ScriptedServer {
   int listener;
   std::string route;
   std::atomic<int> connections = 0;
+  std::atomic<int> ended = 0;
   mutable std::mutex mutex;  // guards what follows
   std::vector<std::string> requests;
   std::thread thread;

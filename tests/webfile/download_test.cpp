@@ -89,6 +89,8 @@ TEST_F(WebDownload, LeavesWhatTheTableOfFailuresSays) {
   } cases[] = {
       {"206", HttpReply(206, "new"), true, "new", 3, {0, 3}},
       {"300", HttpReply(300, "choose"), false, old, 0, {}},
+      {"zipped", HttpReply(200, "new", "Transfer-Encoding: gzip\r\n"), false, old, 0, {}},
+      {"zipped chunks", {.bytes = ok + "transfer-encoding:gzip, chunked\r\n\r\n0\r\n\r\n"}, false, old, 0, {}},
       {"301", HttpReply(301, "", "Location: /b\r\n"), false, old, 0, {}},
       {"half a head", {.bytes = ok + "X: y"}, false, old, 0, {}},
       {"empty", HttpReply(200, ""), true, "", 0, {0}},

@@ -44,9 +44,11 @@ class HandleTable {
     const auto found = objects.find(handle);
     return found != objects.end() && found->second->kind == kind ? found->second.get() : nullptr;
   }
-  bool Remove(HINTERNET handle) {
+  // Null if there is none. The caller destroys the object, which may take its time on the network.
+  std::unique_ptr<WebObject> Remove(HINTERNET handle) {
     const std::lock_guard lock(mutex);
-    return objects.erase(handle) != 0;
+    auto node = objects.extract(handle);
+    return node ? std::move(node.mapped()) : nullptr;
   }
 
  private:
@@ -160,5 +162,5 @@ BOOL InternetReadFile(HINTERNET request, LPVOID buffer, DWORD size, LPDWORD read
 }
 
 BOOL InternetCloseHandle(HINTERNET handle) {
-  return Handles().Remove(handle);
+  return Handles().Remove(handle) != nullptr;
 }

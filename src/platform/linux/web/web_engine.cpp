@@ -5,21 +5,24 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <linux/sockios.h>
+#include <poll.h>
+#include <sys/auxv.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <ctime>
+#include <iterator>
+#include <map>
 #include <mutex>
 #include <new>
-#include <set>
 #include <utility>
 #include <vector>
 
 #include "base/scoped_handle.h"
 #include "web/web_limits.h"
-#include "web/web_options.h"
 
 namespace platform {
 namespace {
@@ -29,42 +32,74 @@ constexpr std::size_t mostIdle = 4;
 // libcurl counts the calls, so a host that uses libcurl too is not disturbed.
 class CurlLibrary {
  public:
-  CurlLibrary() { curl_global_init(CURL_GLOBAL_DEFAULT); }
+  CurlLibrary() {
+    // A process with more rights than its user would write the keys of its connections where the user's environment
+    // says.
+    if (getauxval(AT_SECURE) != 0) unsetenv("SSLKEYLOGFILE");
+    curl_global_init(CURL_GLOBAL_DEFAULT);
+  }
   ~CurlLibrary() { curl_global_cleanup(); }
   CurlLibrary(const CurlLibrary&) = delete;
   CurlLibrary& operator=(const CurlLibrary&) = delete;
 };
 
-// Descriptors of sockets that lead to this machine alone.
-std::set<int> LocalSockets() {
-  std::set<int> found;
+// What lies in a socket that leads to this machine alone.
+struct Backlog {
+  int unread = 0;
+  int unsent = 0;  // not yet read by the other end, in a unit of the system's
+};
+
+std::map<int, Backlog> LocalSockets() {
+  std::map<int, Backlog> found;
   // The standard library's walk ends the process when memory runs out.
   const base::ScopedHandle<DIR*, &closedir> folder(opendir("/proc/self/fd"));
   while (const dirent* entry = folder ? readdir(folder.get()) : nullptr) {
     const int descriptor = std::atoi(entry->d_name);
     int domain = 0;
     socklen_t size = sizeof domain;
-    if (getsockopt(descriptor, SOL_SOCKET, SO_DOMAIN, &domain, &size) == 0 && domain == AF_UNIX) {
-      found.insert(descriptor);
-    }
+    if (getsockopt(descriptor, SOL_SOCKET, SO_DOMAIN, &domain, &size) != 0 || domain != AF_UNIX) continue;
+    Backlog& backlog = found[descriptor];
+    ioctl(descriptor, SIOCINQ, &backlog.unread);
+    ioctl(descriptor, SIOCOUTQ, &backlog.unsent);
   }
   return found;
 }
 
 // libcurl wakes itself through a pair of sockets that it tells nobody of and leaves open in programs that the host
-// starts. They are known by the one byte in them after a wake-up, because the host may open others at the same time.
+// starts. The host's other threads may open pairs at the same time, so each end is known by what lies in it after one
+// wake-up, a byte, and after some more.
 std::unique_ptr<CURLM, MultiDeleter> MakeMulti() {
-  const std::set<int> before = LocalSockets();
+  constexpr int wakeUps = 7;
+  const std::map<int, Backlog> before = LocalSockets();
   std::unique_ptr<CURLM, MultiDeleter> multi(curl_multi_init());
   if (!multi || curl_multi_wakeup(multi.get()) != CURLM_OK) return multi;
-  for (const int descriptor : LocalSockets()) {
-    int unread = 0;
-    int unsent = 0;  // not yet read by the other end
-    ioctl(descriptor, SIOCINQ, &unread);
-    ioctl(descriptor, SIOCOUTQ, &unsent);
-    if (!before.contains(descriptor) && (unread == 1 || unsent > 0)) fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+  const std::map<int, Backlog> afterOne = LocalSockets();
+  for (int i = 1; i < wakeUps; ++i) curl_multi_wakeup(multi.get());
+  for (const auto& [descriptor, last] : LocalSockets()) {
+    const auto found = afterOne.find(descriptor);
+    if (before.contains(descriptor) || found == afterOne.end()) continue;
+    const Backlog& first = found->second;
+    const bool isReadEnd = first.unread == 1 && last.unread == wakeUps;
+    const bool isWriteEnd = first.unsent > 0 && last.unsent == wakeUps * first.unsent;
+    if (isReadEnd || isWriteEnd) fcntl(descriptor, F_SETFD, FD_CLOEXEC);
   }
   return multi;
+}
+
+// Goes on while the machine sleeps.
+std::chrono::milliseconds Uptime() {
+  timespec now{};
+  clock_gettime(CLOCK_BOOTTIME, &now);
+  return std::chrono::seconds(now.tv_sec) + std::chrono::milliseconds(now.tv_nsec / 1'000'000);
+}
+
+using Library = base::ScopedHandle<void*, &dlclose>;
+
+// libcurl as it is loaded.
+Library OpenCurl() {
+  Dl_info info{};
+  const bool found = dladdr(reinterpret_cast<const void*>(&curl_easy_init), &info) != 0;
+  return Library(found ? dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD) : nullptr);
 }
 
 using Engine = std::unique_ptr<WebEngine>;
@@ -74,26 +109,27 @@ class Pool {
  public:
   Pool() { idle.reserve(mostIdle + 1); }  // giving back must not run out of memory
 
-  // Null if none idles.
-  Engine Take() {
-    const auto oldest = std::chrono::steady_clock::now() - webLimits.idle;
+  // Null if none for that peer idles.
+  Engine Take(const WebPeer& peer) {
     std::vector<Engine> outworn;
     outworn.reserve(mostIdle);
     const std::lock_guard lock(mutex);
-    const auto isFresh = [oldest](const Engine& engine) {
-      return engine->IsOfThisProcess() && engine->idleSince >= oldest;
+    const auto isGood = [&peer](const Engine& engine) {
+      const bool isTrusted = engine->Peer() == peer || engine->Peer().origin != peer.origin;
+      return engine->IsOfThisProcess() && engine->IdleTime() <= webLimits.idle && isTrusted;
     };
-    const auto firstOutworn = std::stable_partition(idle.begin(), idle.end(), isFresh);
+    const auto firstOutworn = std::stable_partition(idle.begin(), idle.end(), isGood);
     std::move(firstOutworn, idle.end(), std::back_inserter(outworn));
     idle.erase(firstOutworn, idle.end());
-    if (idle.empty()) return nullptr;
-    Engine last = std::move(idle.back());
-    idle.pop_back();
-    return last;
+    const auto isForPeer = [&peer](const Engine& engine) { return engine->Peer() == peer; };
+    const auto last = std::find_if(idle.rbegin(), idle.rend(), isForPeer);
+    if (last == idle.rend()) return nullptr;
+    Engine engine = std::move(*last);
+    idle.erase(std::prev(last.base()));
+    return engine;
   }
 
   void GiveBack(Engine engine) {
-    engine->idleSince = std::chrono::steady_clock::now();
     Engine tooMany;
     const std::lock_guard lock(mutex);
     idle.push_back(std::move(engine));
@@ -115,8 +151,10 @@ Pool& ThePool() {
 
 }  // namespace
 
-WebEngine::WebEngine() : owner(getpid()), multi(MakeMulti()), easy(curl_easy_init()) {
+WebEngine::WebEngine(WebPeer served)
+    : peer(std::move(served)), owner(getpid()), multi(MakeMulti()), easy(curl_easy_init()) {
   if (!multi || !easy) throw std::bad_alloc();
+  curl_multi_setopt(multi.get(), CURLMOPT_MAXCONNECTS, 1L);
 }
 
 WebEngine::~WebEngine() {
@@ -130,19 +168,49 @@ bool WebEngine::IsOfThisProcess() const {
   return owner == getpid();
 }
 
+std::chrono::milliseconds WebEngine::IdleTime() const {
+  return Uptime() - idleSince;
+}
+
+bool WebEngine::CanReuse(std::chrono::milliseconds longestIdle) const {
+  if (connection == CURL_SOCKET_BAD || IdleTime() > longestIdle) return false;
+  pollfd events{.fd = connection, .events = POLLIN | POLLPRI | POLLRDHUP, .revents = 0};
+  return poll(&events, 1, 0) == 0;
+}
+
+void WebEngine::BeginRequest() {
+  curl_tlssessioninfo* session = nullptr;
+  tls = {};
+  if (curl_easy_getinfo(easy.get(), CURLINFO_TLS_SSL_PTR, &session) == CURLE_OK && session != nullptr) tls = *session;
+}
+
+void WebEngine::EndTransfer(bool whole) {
+  connection = CURL_SOCKET_BAD;
+  if (whole) curl_easy_getinfo(easy.get(), CURLINFO_ACTIVESOCKET, &connection);
+  if (connection != CURL_SOCKET_BAD && HasUnreadTls()) connection = CURL_SOCKET_BAD;
+  idleSince = Uptime();
+  curl_multi_remove_handle(multi.get(), easy.get());
+  curl_easy_reset(easy.get());
+}
+
+// libcurl takes no more than the body from the TLS library, which may have more of the same record.
+bool WebEngine::HasUnreadTls() const {
+  using Ask = int (*)(const void* connection);
+  static const auto ask = reinterpret_cast<Ask>(dlsym(OpenCurl().get(), "SSL_has_pending"));
+  if (tls.internals == nullptr) return false;
+  return tls.backend != CURLSSLBACKEND_OPENSSL || ask == nullptr || ask(tls.internals) != 0;
+}
+
 void PinCurl() {
-  Dl_info info{};
-  // The handle stays open: that is the pin.
-  if (dladdr(reinterpret_cast<const void*>(&curl_easy_init), &info) != 0)
-    dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD);
+  static_cast<void>(OpenCurl().release());
 }
 
-std::unique_ptr<WebEngine> TakeWebEngine() {
-  Engine engine = ThePool().Take();
-  return engine ? std::move(engine) : std::make_unique<WebEngine>();
+Engine TakeWebEngine(const WebPeer& peer) {
+  Engine engine = ThePool().Take(peer);
+  return engine ? std::move(engine) : std::make_unique<WebEngine>(peer);
 }
 
-void GiveBackWebEngine(std::unique_ptr<WebEngine> engine) {
+void GiveBackWebEngine(Engine engine) {
   ThePool().GiveBack(std::move(engine));
 }
 

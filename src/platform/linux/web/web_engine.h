@@ -1,4 +1,4 @@
-// Transfer engines: libcurl with all that it keeps from one exchange to the next, that is open connections, TLS
+// Transfer engines: libcurl with all that it keeps from one exchange to the next, that is an open connection, TLS
 // sessions, resolved names and the parsed trust store. A few idle between exchanges. Used by WebExchange.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WEB_ENGINE_H
 #define NVSUPPORT_PLATFORM_LINUX_WEB_ENGINE_H
@@ -8,6 +8,9 @@
 
 #include <chrono>
 #include <memory>
+#include <string>
+
+#include "web/web_trust.h"
 
 namespace platform {
 
@@ -18,33 +21,56 @@ struct MultiDeleter {
   void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
 };
 
-// One exchange uses it at a time.
+// Whom an engine serves. What it keeps is used for nothing else.
+struct WebPeer {
+  std::string origin;  // scheme, host and port
+  TrustStore trust;    // over TLS
+
+  bool operator==(const WebPeer&) const = default;
+};
+
+// One exchange uses it at a time. Of its connections libcurl keeps the one that was used last.
 class WebEngine {
  public:
   // Throws std::bad_alloc.
-  WebEngine();
+  explicit WebEngine(WebPeer peer);
   ~WebEngine();
   WebEngine(const WebEngine&) = delete;
   WebEngine& operator=(const WebEngine&) = delete;
 
   CURL* Easy() const { return easy.get(); }
   CURLM* Multi() const { return multi.get(); }
-  // False in a child that the host has forked: the connections are its parent's.
+  const WebPeer& Peer() const { return peer; }
+  // False in a child that the host has forked: the connection is its parent's.
   bool IsOfThisProcess() const;
+  std::chrono::milliseconds IdleTime() const;
 
-  std::chrono::steady_clock::time_point idleSince;
+  // Whether its connection, if there is one, may carry another request: it idled that long at most, and nothing came
+  // on it meanwhile, which would be read as the reply, nor has it ended.
+  bool CanReuse(std::chrono::milliseconds longestIdle) const;
+  // A request goes out on a connection.
+  void BeginRequest();
+  // Takes the transfer out. whole: the reply came to its end.
+  void EndTransfer(bool whole);
 
  private:
+  bool HasUnreadTls() const;
+
+  const WebPeer peer;
   const pid_t owner;
   std::unique_ptr<CURLM, MultiDeleter> multi;
   std::unique_ptr<CURL, EasyDeleter> easy;
+  curl_socket_t connection = CURL_SOCKET_BAD;  // the one that is kept
+  curl_tlssessioninfo tls{};                   // of the connection of the latest request
+  std::chrono::milliseconds idleSince{};
 };
 
 // Keeps libcurl's code in memory to the end of the process.
 void PinCurl();
 
-// For one exchange: one that idled, the last first, or a new one. Initialises libcurl at the first call.
-std::unique_ptr<WebEngine> TakeWebEngine();
+// For one exchange: one that idled, the last first, or a new one. Closes those that idled for too long or that were
+// verified by what is no longer trusted. Initialises libcurl at the first call.
+std::unique_ptr<WebEngine> TakeWebEngine(const WebPeer& peer);
 // No transfer is in it any more.
 void GiveBackWebEngine(std::unique_ptr<WebEngine> engine);
 

@@ -6,6 +6,7 @@
 #include <new>
 #include <utility>
 
+#include "base/ascii.h"
 #include "trace.h"
 #include "web/web_limits.h"
 
@@ -26,6 +27,23 @@ bool KeepsMethod(long status) {
   return status == 307 || status == 308;
 }
 
+// Scheme, host and port.
+std::string OriginOf(const std::string& url) {
+  return url.substr(0, url.find_first_of("/?#", url.find("://") + 3));
+}
+
+// How a server may give the length of a body. The other ways pack it, and nobody asked for that.
+bool IsPlainCoding(std::string_view line) {
+  const auto isSame = [](std::string_view text, std::string_view lower) {
+    return std::equal(text.begin(), text.end(), lower.begin(), lower.end(),
+                      [](char a, char b) { return base::ToLower(a) == b; });
+  };
+  constexpr std::string_view name = "transfer-encoding:";
+  if (!isSame(line.substr(0, name.size()), name)) return true;
+  const std::string_view coding = base::Trim(line.substr(name.size()), " \t\r\n");
+  return isSame(coding, "chunked") || isSame(coding, "identity");
+}
+
 long long MillisecondsSince(std::chrono::steady_clock::time_point start) {
   return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
 }
@@ -33,10 +51,7 @@ long long MillisecondsSince(std::chrono::steady_clock::time_point start) {
 }  // namespace
 
 WebExchange::~WebExchange() {
-  if (!engine || !engine->IsOfThisProcess()) return;
-  Detach();
-  curl_easy_reset(engine->Easy());
-  GiveBackWebEngine(std::move(engine));
+  Release();
 }
 
 bool WebExchange::Send(WebRequest request, std::string_view extraHeader, std::string_view body) {
@@ -45,7 +60,6 @@ bool WebExchange::Send(WebRequest request, std::string_view extraHeader, std::st
     Trace(TraceArea::web, "host \"%s\" and its path make no address", request.host.c_str());
     return false;
   }
-  if (!engine) engine = TakeWebEngine();
   connectTo = MakeConnectToList();
   sentBody.assign(body.begin(), body.end());
   start = Clock::now();
@@ -73,10 +87,12 @@ bool WebExchange::Send(WebRequest request, std::string_view extraHeader, std::st
   return false;
 }
 
-void WebExchange::Detach() {
+void WebExchange::Release() {
+  if (!engine || !engine->IsOfThisProcess()) return engine.reset();
   // The rest of a reply may be there, though the caller did not ask for it: without it the connection is not kept.
   if (phase == Phase::running && headDone) Advance();
-  curl_multi_remove_handle(engine->Multi(), engine->Easy());
+  engine->EndTransfer(phase == Phase::ended);
+  GiveBackWebEngine(std::move(engine));
 }
 
 bool WebExchange::SendOnce(const std::string& url, const WebRequest& request, std::string_view extraHeader,
@@ -89,14 +105,18 @@ bool WebExchange::SendOnce(const std::string& url, const WebRequest& request, st
   if (IsTraced(TraceArea::web)) {
     Trace(TraceArea::web, "%s %s", request.post ? "POST" : "GET", PublicPartOf(url).c_str());
   }
-  CURL* const easy = engine->Easy();
-  Detach();
+  Release();
   phase = Phase::failed;
   once = request.post;
+  isSecret = request.secure;
   begun = headDone = false;
-  curl_easy_reset(easy);
   headers = MakeCurlList(*lines);
-  if (!SetTransferOptions(easy, url, request, headers.get(), connectTo.get(), body)) return false;
+  const TrustStore trust = request.secure ? FindTrustStore() : TrustStore();
+  engine = TakeWebEngine({.origin = OriginOf(url), .trust = trust});
+  CURL* const easy = engine->Easy();
+  if (!SetTransferOptions(easy, url, request, trust, headers.get(), connectTo.get(), body)) return false;
+  const bool reuses = engine->CanReuse(request.post ? webLimits.idleBeforeBody : webLimits.idle);
+  curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, reuses ? 0L : 1L);
   reason[0] = '\0';
   curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, reason);
   curl_easy_setopt(easy, CURLOPT_PREREQFUNCTION, &OnRequest);
@@ -195,7 +215,9 @@ void WebExchange::End(CURLcode result) {
 void WebExchange::TraceEnd(CURLcode result) const {
   curl_off_t received = 0;
   curl_easy_getinfo(engine->Easy(), CURLINFO_SIZE_DOWNLOAD_T, &received);
-  const char* const outcome = result == CURLE_OK ? "whole" : reason[0] != '\0' ? reason : curl_easy_strerror(result);
+  // What libcurl says of a proxy's address holds it as it stands in the environment, a password included.
+  const bool mayTell = reason[0] != '\0' && (std::strstr(reason, "proxy") == nullptr || !std::strchr(reason, '\''));
+  const char* const outcome = result == CURLE_OK ? "whole" : mayTell ? reason : curl_easy_strerror(result);
   Trace(TraceArea::web, "%lld bytes of the body after %lld ms: %s", static_cast<long long>(received),
         MillisecondsSince(start), outcome);
 }
@@ -204,6 +226,7 @@ int WebExchange::OnRequest(void* exchange, char*, char*, int, int) {
   auto* self = static_cast<WebExchange*>(exchange);
   // libcurl repeats a request where a kept connection turns out dead, though the server may have taken it.
   const bool again = std::exchange(self->begun, true);
+  self->engine->BeginRequest();
   return again && self->once ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
 }
 
@@ -212,7 +235,7 @@ std::size_t WebExchange::OnHead(char* data, std::size_t unit, std::size_t size, 
   const std::string_view line(data, unit * size);
   self->headBytes += line.size();
   // Nobody asked to switch protocols; what follows would be the body of a reply that never comes.
-  if (self->headBytes > headLimit || self->StatusCode() == switchingProtocols) return 0;
+  if (self->headBytes > headLimit || self->StatusCode() == switchingProtocols || !IsPlainCoding(line)) return 0;
   const bool blank = line == "\r\n" || line == "\n";
   if (blank && self->StatusCode() >= 200) self->headDone = true;
   return line.size();
@@ -235,6 +258,8 @@ std::size_t WebExchange::OnBody(char* data, std::size_t unit, std::size_t size, 
   self->window.resize(unread + taken);
   std::memcpy(self->window.data() + unread, data, taken);
   self->bodyRoom -= taken;
+  // So that no token stays in libcurl's buffer.
+  if (self->isSecret) SecureZeroMemory(data, arrived);
   return taken;  // fewer than came end the transfer
 } catch (const std::bad_alloc&) {
   return 0;

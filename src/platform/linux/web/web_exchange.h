@@ -49,8 +49,8 @@ class WebExchange {
   static std::size_t OnHead(char* data, std::size_t unit, std::size_t size, void* exchange);
   static std::size_t OnBody(char* data, std::size_t unit, std::size_t size, void* exchange);
 
-  // Takes the transfer, if there is one, out of the engine.
-  void Detach();
+  // Ends the transfer, if there is one, and gives the engine back.
+  void Release();
   // Sends one request and waits for the head of its reply.
   bool SendOnce(const std::string& url, const WebRequest& request, std::string_view extraHeader, std::string_view body,
                 Clock::time_point until);
@@ -81,6 +81,7 @@ class WebExchange {
   Phase phase = Phase::failed;
   Clock::time_point start;            // of the whole exchange
   char reason[CURL_ERROR_SIZE] = {};  // libcurl's own text for a failure
+  bool isSecret = false;              // the exchange goes over TLS: the reply is wiped where libcurl had it
   bool once = false;                  // the request must not go out a second time
   bool begun = false;                 // a connection is there, and the request goes out
   bool headDone = false;

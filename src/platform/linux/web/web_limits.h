@@ -16,9 +16,9 @@ struct WebLimits {
   std::chrono::milliseconds exchange{120'000};            // from sending to the last byte read
   std::size_t replySize = std::size_t{64} * 1024 * 1024;  // bytes
   // How long a connection may idle and still be used: for a request with a body only while it is almost certainly
-  // open, because the request cannot be repeated.
-  std::chrono::seconds idle{30};
-  std::chrono::seconds idleBeforeBody{5};
+  // open, because the request cannot be repeated. Common servers close after a few seconds.
+  std::chrono::milliseconds idle{30'000};
+  std::chrono::milliseconds idleBeforeBody{1'000};
 };
 inline WebLimits webLimits;
 

@@ -30,23 +30,16 @@ class Options {
   bool good = true;
 };
 
-// Null if the variable is not set or empty.
-const char* Variable(const char* name) {
-  const char* value = secure_getenv(name);
-  return value != nullptr && *value != '\0' ? value : nullptr;
-}
-
-void SetTrust(Options& options) {
+void SetTrust(Options& options, const TrustStore& trust) {
   options.Set(CURLOPT_SSL_VERIFYPEER, 1L);
   options.Set(CURLOPT_SSL_VERIFYHOST, 2L);
-  const char* file = Variable("SSL_CERT_FILE");
-  const char* folder = Variable("SSL_CERT_DIR");
-  // libcurl keeps a store that comes from a file alone; one with a folder it would read again for each connection.
-  if (file == nullptr && folder == nullptr) file = curl_version_info(CURLVERSION_NOW)->cainfo;
-  if (file == nullptr && folder == nullptr) return;
-  // Null takes the system's store out.
-  options.Set(CURLOPT_CAINFO, file);
-  options.Set(CURLOPT_CAPATH, folder);
+  if (trust.file.empty() && trust.folders.empty()) return;
+  // Null takes the system's store out. libcurl keeps a store that comes from a file alone; one with a folder it reads
+  // again for each connection.
+  options.Set(CURLOPT_CAINFO, trust.file.empty() ? nullptr : trust.file.c_str());
+  options.Set(CURLOPT_CAPATH, trust.folders.empty() ? nullptr : trust.folders.c_str());
+  // One that goes on with a session is not verified again.
+  if (!trust.folders.empty()) options.Set(CURLOPT_SSL_SESSIONID_CACHE, 0L);
 }
 
 // Programs that the host starts must not hold the connections.
@@ -79,7 +72,7 @@ CurlList MakeCurlList(const std::vector<std::string>& lines) {
 }
 
 CurlList MakeConnectToList() {
-  const char* variable = Variable("NV_CONNECT_TO");
+  const char* variable = secure_getenv("NV_CONNECT_TO");
   std::istringstream stream(variable != nullptr ? variable : "");
   std::vector<std::string> entries;
   for (std::string entry; std::getline(stream, entry, ',');) {
@@ -89,8 +82,8 @@ CurlList MakeConnectToList() {
   return MakeCurlList(entries);
 }
 
-bool SetTransferOptions(CURL* easy, const std::string& url, const WebRequest& request, curl_slist* headers,
-                        curl_slist* connectTo, std::string_view body) {
+bool SetTransferOptions(CURL* easy, const std::string& url, const WebRequest& request, const TrustStore& trust,
+                        curl_slist* headers, curl_slist* connectTo, std::string_view body) {
   Options options(easy);
   options.Set(CURLOPT_URL, url.c_str());
   options.Set(CURLOPT_PATH_AS_IS, 1L);
@@ -104,13 +97,11 @@ bool SetTransferOptions(CURL* easy, const std::string& url, const WebRequest& re
     options.Set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
     options.Set(CURLOPT_POSTFIELDS, body.empty() ? "" : body.data());
   }
-  SetTrust(options);
+  SetTrust(options, trust);
   options.Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(webLimits.connect.count()));
   // libcurl looks names up on a thread, which cannot be interrupted. Waiting for it would outlast the time-out.
   options.Set(CURLOPT_QUICK_EXIT, 1L);
   options.Set(CURLOPT_OPENSOCKETFUNCTION, &OpenSocket);
-  const std::chrono::seconds idle = request.post ? webLimits.idleBeforeBody : webLimits.idle;
-  options.Set(CURLOPT_MAXAGE_CONN, static_cast<long>(idle.count()));
   // Refused where a transfer that failed early left its buffer behind; then that one serves.
   curl_easy_setopt(easy, CURLOPT_BUFFERSIZE, webReceiveSize);
   options.Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "web/web_request.h"
+#include "web/web_trust.h"
 
 namespace platform {
 
@@ -27,8 +28,8 @@ inline constexpr long webReceiveSize = 512L * 1024;
 
 // Sets all that does not depend on who receives the reply. The lists and the body must outlive the transfer.
 // False if the transfer cannot be made as it should be.
-bool SetTransferOptions(CURL* easy, const std::string& url, const WebRequest& request, curl_slist* headers,
-                        curl_slist* connectTo, std::string_view body);
+bool SetTransferOptions(CURL* easy, const std::string& url, const WebRequest& request, const TrustStore& trust,
+                        curl_slist* headers, curl_slist* connectTo, std::string_view body);
 
 }  // namespace platform
 
