@@ -10,7 +10,7 @@ class Trace : public AccountTest {};
 TEST_F(Trace, TellsWhatHappenedButNoSecret) {
   OpenSession({"secret-user", "secretpassword"});
   home.WriteUserRegistry("[HKEY_CURRENT_USER\\Software\\Norvane]\n\"Language\"=\"Klingon\"\n");
-  const ScopedVariable route("NV_CONNECT_TO", "nonsense");
+  const ScopedVariable route("NV_CONNECT_TO", "nonsense \xC3\xA9\x9B\xC2\x9B\xC3\x1B\xE2\x80\xAE\xED\xA0\x80");
   Serve({Int(0) + Text("secret-token")});
   const ScriptedServer web(HttpReply(200, "secret body"));
   const auto traceOf = [](const std::string& arguments) {
@@ -20,14 +20,20 @@ TEST_F(Trace, TellsWhatHappenedButNoSecret) {
   EXPECT_EQ(traceOf(token), "");
   const ScopedVariable areas("NV_TRACE", "web,files,display,language,registry");
   WriteWholeFile(home.folder / "data/Large-Service/settings.ini", std::string((1 << 20) + 1, '#'));
-  const std::string trace = traceOf(token) + traceOf("whoami --product Large") +
-                            traceOf("download web.example a.map?secret=1 " + (home.folder / "a.map"));
+  std::string trace = traceOf(token) + traceOf("whoami --product Large") +
+                      traceOf("download web.example a.map?secret=1 " + (home.folder / "a.map"));
   for (const std::string told :
        {"web POST https://" NV_SERVICE_HOST "/cgi-bin/svcapp.cgi\n", "web status 200 after ",
-        "web 32 bytes of the body after ", "web GET http://web.example/a.map\n", "\"nonsense\" is malformed\n",
-        "/norvane/registry.reg\n", " = \"Klingon\"\n", "nvsupport.Klingon.txt", "files read ", "settings.ini\n",
+        "web 32 bytes of the body after ", "web GET http://web.example/a.map\n",
+        "\"nonsense \xC3\xA9???????????\" is malformed\n", "/norvane/registry.reg\n", " = \"Klingon\"\n",
+        "nvsupport.Klingon.txt", "files read ", "settings.ini\n",
         "/Large-Service/settings.ini: more than 1048576 bytes\n", "files create ", "a.map.TMP\n"}) {
     EXPECT_NE(trace.find(told), std::string::npos) << told;
+  }
+  const ScopedVariable noExceptions("no_proxy", "");
+  for (const std::string proxy : {"secret:secret word@proxy:80", "x://secret:secret@proxy"}) {
+    const ScopedVariable used("http_proxy", proxy);
+    trace += traceOf("download web.example a.map " + (home.folder / "a.map"));
   }
   EXPECT_EQ(trace.find("secret"), std::string::npos) << trace;
   EXPECT_EQ(Requests().size(), 2u);

@@ -32,6 +32,24 @@ unsigned ReadAreas() {
   return areas;
 }
 
+// Bytes of the character of UTF-8 that `text` begins with; 0 for an invalid one, and for one that a terminal obeys: a
+// control character, the end of a line or a change of direction.
+std::size_t ShownBytes(std::string_view text) {
+  const auto first = static_cast<unsigned char>(text.front());
+  if (first < 0x80) return first >= 0x20 && first != 0x7F ? 1 : 0;
+  const std::size_t size = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
+  if (first < 0xC2 || first > 0xF4 || text.size() < size) return 0;
+  char32_t character = first & (0x7Fu >> size);
+  for (const char c : text.substr(1, size - 1)) {
+    if ((c & 0xC0) != 0x80) return 0;
+    character = character << 6 | (c & 0x3Fu);
+  }
+  constexpr char32_t least[] = {0x80, 0x800, 0x10000};  // of that size
+  const auto within = [character](char32_t from, char32_t to) { return character >= from && character <= to; };
+  const bool invalid = character < least[size - 2] || character > 0x10FFFF || within(0xD800, 0xDFFF);
+  return invalid || character < 0xA0 || within(0x2028, 0x202E) || within(0x2066, 0x2069) ? 0 : size;
+}
+
 }  // namespace
 
 bool IsTraced(TraceArea area) {
@@ -55,8 +73,11 @@ void Trace(TraceArea area, const char* format, ...) {
   va_end(arguments);
   length += std::clamp(wanted, 0, static_cast<int>(room) - 1);
   // A name or a server's text must neither begin a line of its own nor speak to the terminal.
-  std::replace_if(
-      line, line + length, [](unsigned char c) { return c < 0x20 || c == 0x7F; }, '?');
+  for (int at = 0; at < length;) {
+    const std::size_t shown = ShownBytes({line + at, static_cast<std::size_t>(length - at)});
+    if (shown == 0) line[at] = '?';
+    at += std::max(1, static_cast<int>(shown));
+  }
   line[length] = '\n';
   WriteToStandardError({line, static_cast<std::size_t>(length) + 1});
 }
