@@ -17,8 +17,9 @@
  * Waiting, on Linux: 60 s for the head of a reply, connecting and redirects included, and then 60 s for each further
  * stretch of it. An exchange with a service ends after 120 s or 64 MiB; a transfer of a file has no limit but the
  * callback. On Windows the time-outs are the system's.
- * End: no call may run, on any thread, when the module is unloaded, and none may follow when main has returned. A
- * process may end without unloading.
+ * End: no call may run, on any thread, when the module is unloaded. A process may end without unloading, on any thread
+ * and while calls are under way on others: then nothing is torn down, and no list of missing translations is written.
+ * Where none is under way, one that begins later fails.
  */
 #ifndef NVSUPPORT_NVSUPPORT_H
 #define NVSUPPORT_NVSUPPORT_H

@@ -4,6 +4,7 @@
 
 #include "account/credentials.h"
 #include "base/ascii.h"
+#include "base/process_wide.h"
 #include "nvsupport/nvsupport.h"
 #include "storage/files.h"
 #include "storage/settings_file.h"
@@ -91,6 +92,8 @@ AccountOperation::~AccountOperation() {
 }  // namespace nvsupport
 
 void x3e491215(const char* product) try {
+  const base::Call call;
+  if (!call) return;
   const std::string name =
       product != nullptr ? product : "";  // a copy: it may be a text of the session that is closed next
   nvsupport::CloseSession();
@@ -100,9 +103,11 @@ void x3e491215(const char* product) try {
 }
 
 const char* x0d83f18d(void) {
-  return nvsupport::g_serviceManager != nullptr ? nvsupport::g_serviceManager->GetUserId() : "";
+  const base::Call call;
+  return call && nvsupport::g_serviceManager != nullptr ? nvsupport::g_serviceManager->GetUserId() : "";
 }
 
 uint32_t x2ed7465a(void) {
-  return nvsupport::g_serviceManager != nullptr ? nvsupport::g_serviceManager->GetDeviceId() : 0;
+  const base::Call call;
+  return call && nvsupport::g_serviceManager != nullptr ? nvsupport::g_serviceManager->GetDeviceId() : 0;
 }

@@ -3,6 +3,7 @@
 
 #include "account/account_exchange.h"
 #include "account/service_manager.h"
+#include "base/process_wide.h"
 #include "nvsupport/nvsupport.h"
 
 namespace nvsupport {
@@ -31,7 +32,9 @@ std::string CVServiceManager::GetSessionToken(HWND parent) {
 }  // namespace nvsupport
 
 bool xff99a5e4(NVWindow parent, char* token) {
+  const base::Call call;
   token[0] = '\0';
+  if (!call) return false;
   try {
     const nvsupport::AccountOperation operation;
     if (operation.Session() == nullptr) return false;

@@ -2,6 +2,7 @@
 #include <exception>
 
 #include "account/service_manager.h"
+#include "base/process_wide.h"
 #include "language/translation_catalogue.h"
 #include "platform/platform.h"
 #include "ui/dialog.h"
@@ -29,6 +30,6 @@ void Detach() {
 
 BOOL APIENTRY DllMain(HINSTANCE module, DWORD reason, LPVOID) {
   if (reason == DLL_PROCESS_ATTACH) nvsupport::Attach(module);
-  if (reason == DLL_PROCESS_DETACH) nvsupport::Detach();
+  if (reason == DLL_PROCESS_DETACH && base::Call::AllEnded()) nvsupport::Detach();
   return TRUE;
 }

@@ -1,6 +1,7 @@
 // All process-wide objects, in the order in which they come to life; they go in the reverse order. Their
 // declarations stand in the headers of their owners.
 #include "account/service_manager.h"
+#include "base/process_wide.h"
 #include "language/translation_catalogue.h"
 #include "platform/platform.h"
 #include "ui/dialog.h"
@@ -21,14 +22,29 @@ MemoryException memoryException;
 
 CSerializable::Type* serializableTypes = nullptr;
 CSerializableList::ListType CSerializableList::cType;
-InstanceSubclasser windowSubclasser{&Window::wndProc};
-std::string messageCaption;
-std::map<std::uint32_t, POINT> dialogPositions;
-CTranslationCatalogue translations;
-platform::InternetHandle webSession{InternetOpenA("Norvane", INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0)};
 CVServiceManager* g_serviceManager = nullptr;
 
-// Last: calls the module's entry when everything above lives, and again before any of it goes.
-static const platform::ModuleEntry moduleEntry;
+namespace {
+
+// What goes at unload, and at the end of a process without a call under way.
+struct Objects {
+  InstanceSubclasser subclasser{&Window::wndProc};
+  std::string caption;
+  std::map<std::uint32_t, POINT> positions;
+  CTranslationCatalogue catalogue;
+  platform::InternetHandle session{InternetOpenA("Norvane", INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0)};
+  // Last: calls the module's entry when everything above lives, and again before any of it goes.
+  platform::ModuleEntry entry;
+};
+base::ProcessWide<Objects> objects;
+
+}  // namespace
+
+// Bound before anything is constructed, so that the module's entry has them.
+constinit InstanceSubclasser& windowSubclasser = (*objects).subclasser;
+constinit std::string& messageCaption = (*objects).caption;
+constinit std::map<std::uint32_t, POINT>& dialogPositions = (*objects).positions;
+constinit CTranslationCatalogue& translations = (*objects).catalogue;
+constinit platform::InternetHandle& webSession = (*objects).session;
 
 }  // namespace nvsupport

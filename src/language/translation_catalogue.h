@@ -65,7 +65,7 @@ class CTranslationCatalogue {
 };
 
 // The process-wide catalogue.
-extern CTranslationCatalogue translations;
+extern CTranslationCatalogue& translations;
 
 // Translate of the process-wide catalogue.
 std::string_view Translate(const std::string& text);

@@ -10,6 +10,7 @@
 #include <new>
 #include <string>
 
+#include "base/process_wide.h"
 #include "wire/web_binary_cgi.h"
 
 // Records one behind the other, packed: a record with short texts is a fiftieth of what the host gets.
@@ -163,7 +164,8 @@ void Search(const MapShopPoint* points, std::int32_t count, MapShopResults& resu
 }  // namespace nvsupport
 
 NVMapShopHandle NSMapShopSearch(const MapShopPoint* points, int32_t count) {
-  auto* results = new (std::nothrow) MapShopResults;
+  const base::Call call;
+  auto* results = call ? new (std::nothrow) MapShopResults : nullptr;
   if (results == nullptr) return nullptr;
   try {
     nvsupport::Search(points, count, *results);
@@ -173,6 +175,7 @@ NVMapShopHandle NSMapShopSearch(const MapShopPoint* points, int32_t count) {
   return results;
 }
 
+// These two touch nothing but the results, so they need not be counted as calls that use more.
 bool NSMapShopGetNext(NVMapShopHandle handle, MapShopItem* item) {
   if (handle == nullptr || item == nullptr || handle->left == 0) return false;
   const RecordBlock& block = handle->blocks.front();

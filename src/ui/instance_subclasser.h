@@ -39,7 +39,7 @@ class InstanceSubclasser {
 };
 
 // The one of Window and its subclasses.
-extern InstanceSubclasser windowSubclasser;
+extern InstanceSubclasser& windowSubclasser;
 
 }  // namespace nvsupport
 

@@ -10,7 +10,7 @@
 
 namespace nvsupport {
 
-extern std::string messageCaption;
+extern std::string& messageCaption;
 
 void SetMessageCaption(const std::string& text);
 

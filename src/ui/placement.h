@@ -11,7 +11,7 @@ namespace nvsupport {
 
 // Places that the user gave to dialogs, by dialog id, relative to the owner's client area. Kept for this load of the
 // library only.
-extern std::map<std::uint32_t, POINT> dialogPositions;
+extern std::map<std::uint32_t, POINT>& dialogPositions;
 
 void PlaceDialog(HWND window, std::uint32_t dialogId);
 void RememberPosition(HWND window, std::uint32_t dialogId);

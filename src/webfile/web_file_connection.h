@@ -13,7 +13,7 @@
 namespace nvsupport {
 
 // What all transfers connect through. Null if the platform gave none: then every connect fails.
-extern platform::InternetHandle webSession;
+extern platform::InternetHandle& webSession;
 
 class WebFileConnection {
  public:

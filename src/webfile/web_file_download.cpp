@@ -2,6 +2,7 @@
 #include <exception>
 #include <string>
 
+#include "base/process_wide.h"
 #include "webfile/web_file_connection.h"
 
 namespace nvsupport {
@@ -30,7 +31,8 @@ platform::ObjectHandle CreateTemporaryFile(const std::string& name) {
 // What both exports are. One does not call the other: a host may have a function of that name, which would be called.
 bool Download(const char* host, const char* path, const char* file, WebProgressCallback callback, void* callbackData,
               WebProgressCounters* counters) try {
-  if (file == nullptr) return false;
+  const base::Call call;
+  if (!call || file == nullptr) return false;
   WebFileConnection connection(host, true, false);
   connection.SetCallback(callback, callbackData);
   connection.SetCounters(counters);

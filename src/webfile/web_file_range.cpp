@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/ascii.h"
+#include "base/process_wide.h"
 #include "webfile/web_file_connection.h"
 
 namespace nvsupport {
@@ -58,9 +59,11 @@ std::int32_t WebFileConnection::ReadBody(void* buffer, std::int32_t length) {
 
 int32_t xfa704a3f(const char* host, const char* path, int64_t offset, int32_t length, void* buffer,
                   WebProgressCallback callback, void* callbackData) try {
+  const base::Call call;
+  if (!call) return nvsupport::noBody;
   nvsupport::WebFileConnection connection(host, true, false);
   connection.SetCallback(callback, callbackData);
   return connection.ReadRange(path, offset, length, buffer);
 } catch (const std::exception&) {
-  return -1;
+  return nvsupport::noBody;
 }

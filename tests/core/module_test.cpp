@@ -6,10 +6,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <thread>
 
 #include "mapshop/map_shop_reply.h"
 #include "support/run_program.h"
@@ -104,6 +107,20 @@ TEST_F(Module, LeavesTheHostsSignalsAloneWhenNobodyReadsStandardError) {
     EXPECT_EQ(sigismember(&signals, SIGPIPE), waiting);
     sigaddset(&signals, SIGPIPE);
   }
+}
+
+TEST_F(Module, StaysWholeWhenTheProcessEndsInTheMiddleOfCalls) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const ScriptedServer web(HttpReply(206, std::string(5000, 'x')));
+  const auto endBusily = [this] {
+    static std::atomic<int> reads = 0;
+    std::thread([module = Load()] {
+      for (char bytes[5000];; ++reads) module.readRange(serverName, "x", 0, sizeof bytes, bytes, nullptr, nullptr);
+    }).detach();
+    while (reads < 100) std::this_thread::yield();
+    std::exit(0);
+  };
+  for (int round = 0; round < 5; ++round) EXPECT_EXIT(endBusily(), ::testing::ExitedWithCode(0), "");
 }
 
 TEST_F(Module, HoldsNothingMoreAfterManyLoadsInUse) {

@@ -11,6 +11,7 @@
 #include <new>
 
 #include "base/ascii.h"
+#include "base/process_wide.h"
 #include "base/scoped_handle.h"
 #include "secure_zero_memory.h"
 
@@ -32,8 +33,8 @@ std::string FindCodePage() {
 }
 
 const std::string& CodePage() {
-  static const std::string name = FindCodePage();
-  return name;
+  static base::ProcessWide<const std::string> name(FindCodePage());
+  return *name;
 }
 
 class Converter {

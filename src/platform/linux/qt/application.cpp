@@ -69,7 +69,7 @@ bool EnsureApplication(std::string& whyNot) {
 }
 
 void TranslateApplication(const std::string& language) {
-  static std::string inForce;
+  static std::string& inForce = *new std::string;  // the plugin is never unloaded, nor its objects destroyed
   if (!madeHere || inForce == language) return;
   inForce = language;
   static auto* const translator = new QTranslator(qApp);

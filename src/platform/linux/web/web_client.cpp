@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "base/process_wide.h"
 #include "web/web_exchange.h"
 #include "web/web_request.h"
 
@@ -58,8 +59,8 @@ class HandleTable {
 };
 
 HandleTable& Handles() {
-  static HandleTable table;
-  return table;
+  static base::ProcessWide<HandleTable> table;
+  return *table;
 }
 
 std::string_view TextOf(LPCSTR text, DWORD length) {

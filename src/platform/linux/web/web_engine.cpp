@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <ctime>
 #include <iterator>
@@ -21,6 +22,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/process_wide.h"
 #include "base/scoped_handle.h"
 #include "web/web_limits.h"
 
@@ -29,6 +31,15 @@ namespace {
 
 constexpr std::size_t mostIdle = 4;
 
+// OpenSSL, where libcurl stands on it, would take itself apart when the process ends, even under a call. Whoever uses
+// it first says whether it is to; the system takes all back either way.
+void KeepTlsToTheEnd() {
+  constexpr std::uint64_t noExitHandler = 0x00080000;  // OPENSSL_INIT_NO_ATEXIT
+  using Initialise = int (*)(std::uint64_t options, const void* settings);
+  const auto initialise = reinterpret_cast<Initialise>(dlsym(RTLD_DEFAULT, "OPENSSL_init_crypto"));
+  if (initialise != nullptr) initialise(noExitHandler, nullptr);
+}
+
 // libcurl counts the calls, so a host that uses libcurl too is not disturbed.
 class CurlLibrary {
  public:
@@ -36,6 +47,7 @@ class CurlLibrary {
     // A process with more rights than its user would write the keys of its connections where the user's environment
     // says.
     if (getauxval(AT_SECURE) != 0) unsetenv("SSLKEYLOGFILE");
+    KeepTlsToTheEnd();
     curl_global_init(CURL_GLOBAL_DEFAULT);
   }
   ~CurlLibrary() { curl_global_cleanup(); }
@@ -144,9 +156,9 @@ class Pool {
 };
 
 Pool& ThePool() {
-  static const CurlLibrary library;  // outlives the engines
-  static Pool pool;
-  return pool;
+  static base::ProcessWide<CurlLibrary> library;  // outlives the engines
+  static base::ProcessWide<Pool> pool;
+  return *pool;
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include "../threads.h"
 #include "../trace.h"
+#include "base/process_wide.h"
 #include "dialog_manager.h"
 #include "platform/platform.h"
 
@@ -19,8 +20,8 @@ NvOpenDisplay openDisplay = nullptr;  // of the display that is open
 
 // Chosen while the module loads, when this file's own variables need not be there yet.
 std::string& Language() {
-  static std::string language;
-  return language;
+  static base::ProcessWide<std::string> language;
+  return *language;
 }
 
 void SetDisplay(Display* display) {

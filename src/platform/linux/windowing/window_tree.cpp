@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "base/process_wide.h"
 #include "display_selection.h"
 
 namespace windowing {
@@ -18,8 +19,8 @@ struct WindowTable {
 };
 
 WindowTable& Table() {
-  static WindowTable table;
-  return table;
+  static base::ProcessWide<WindowTable> table;
+  return *table;
 }
 
 }  // namespace
