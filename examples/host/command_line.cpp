@@ -26,7 +26,7 @@ constexpr const char* exitCodes =
     "  3    the support library cannot be loaded\n"
     "  4    a point of the area is out of range (latitude -90 to 90, longitude -400 to 400)\n"
     "  5    the service answered and has no products for the area\n"
-    "  6    no products, and nothing tells that the service answered\n"
+    "  6    no products, and no sign that the service answered\n"
     "  7    the transfer failed\n"
     "  8    no session token: the sign-in was cancelled or refused, or the service is out of reach\n"
     "  9    standard output cannot be written\n"

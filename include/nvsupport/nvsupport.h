@@ -9,8 +9,8 @@
  * one call at a time. Every call blocks until it is done; the library has no main loop and no queue of its own.
  * Calls within calls: a transfer's callback, and the host's timers and events that run while a dialog is open, may call
  * every function that its thread may. Neither may leave the call by an exception, longjmp or the end of its thread.
- * Errors: no function raises an exception or ends the process. Failures are results, as told at each function; the
- * environment variable NV_TRACE makes the library tell the reasons on standard error.
+ * Errors: no function raises an exception or ends the process. Failures are results, as described at each function; the
+ * environment variable NV_TRACE makes the library write the reasons to standard error.
  * Texts: zero-terminated bytes in the host's code page (UTF-8 on Linux normally). Arguments are read during the
  * call only. What a function returns by pointer stays the library's. Null stands for the empty text.
  * Files: on Linux both / and \ separate folders in the names of products and files.
@@ -85,7 +85,7 @@ NVSUPPORT_API uint32_t x2ed7465a(void);
  *
  * Blocks for as long as a dialog is open, without limit; while it is, events of the host run in the middle of the
  * call. Meanwhile the host's Qt 6 windows, or on Windows the window `parent`, take no input; others do, unless the host
- * prevents it. Each exchange with the service blocks as told above, and no event runs.
+ * prevents it. Each exchange with the service blocks as described above, and no event runs.
  *
  * parent: owner of the dialogs, or null.
  * token:  buffer of 20 bytes, not null; receives the token (at most 19 characters) and its terminator. It receives
@@ -121,8 +121,8 @@ typedef struct MapShopItem {
 typedef struct MapShopResults* NVMapShopHandle;
 
 /*
- * Asks the map shop service which products are on offer for an area. Blocks for the whole exchange, as told above; the
- * host cannot end it, and none of its events run.
+ * Asks the map shop service which products are on offer for an area. Blocks for the whole exchange, as described above;
+ * the host cannot end it, and none of its events run.
  *
  * points: `count` points, read during the call; may be null if count is 0.
  * count:  number of points, 0 to 134,217,727.
@@ -190,7 +190,8 @@ NVSUPPORT_API bool NSDownloadWebFileProgress(const char* host, const char* path,
                                              WebProgressCallback callback, void* callbackData,
                                              WebProgressCounters* counters);
 
-/* As NSDownloadWebFileProgress, without counters: a file that ended early cannot be told from a complete one. */
+/* As NSDownloadWebFileProgress, without counters: a file that ended early cannot be distinguished from a complete one.
+ */
 NVSUPPORT_API bool x77fc64c7(const char* host, const char* path, const char* file, WebProgressCallback callback,
                              void* callbackData);
 
@@ -205,7 +206,7 @@ NVSUPPORT_API bool x77fc64c7(const char* host, const char* path, const char* fil
  * the buffer); -1 when there is no body to read (no connection, a status of 300 or more, a reply with status 206 that
  * says that it brings another range, or several).
  * A length of 0 or less sends a request for an empty range and gives 0, or -1 when the server refuses it.
- * A server that ignores ranges answers with the file from its start; that is not told apart.
+ * A server that ignores ranges answers with the file from its start; that is not noticed.
  */
 NVSUPPORT_API int32_t xfa704a3f(const char* host, const char* path, int64_t offset, int32_t length, void* buffer,
                                 WebProgressCallback callback, void* callbackData);

@@ -60,7 +60,7 @@ static inline void NVSupportClose(NVSupportModule* module) {
  *
  * path: file of the module, best with its folder; a bare name is looked for where the system looks for libraries.
  * Returns null when all is there. Else what is not: `path` itself if the system cannot load it, and then dlerror() or
- * GetLastError() tells why; or the name of the function that the module lacks.
+ * GetLastError() says why; or the name of the function that the module lacks.
  */
 static inline const char* NVSupportOpen(NVSupportModule* module, const char* path) {
   /* Behind the last name stands null. */

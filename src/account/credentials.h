@@ -1,5 +1,5 @@
 // The form in which a password is kept on disk, out of plain sight: up to 16 letters and digits as one code each,
-// laid under a fixed mask. Used by the session, which reads and saves the profile.
+// laid under a fixed mask. credentials.cpp also loads and saves the profile of a session, in settings.ini.
 #ifndef NVSUPPORT_ACCOUNT_CREDENTIALS_H
 #define NVSUPPORT_ACCOUNT_CREDENTIALS_H
 

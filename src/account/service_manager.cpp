@@ -2,12 +2,8 @@
 
 #include <utility>
 
-#include "account/credentials.h"
-#include "base/ascii.h"
 #include "base/process_wide.h"
 #include "nvsupport/nvsupport.h"
-#include "storage/files.h"
-#include "storage/settings_file.h"
 
 namespace nvsupport {
 namespace {
@@ -15,49 +11,13 @@ namespace {
 constexpr std::uint32_t personalComputer = 0x10000000;
 constexpr DWORD maxComputerName = 256;
 
-// The keys of settings.ini.
-constexpr char userIdKey[] = "UserID";
-constexpr char passwordKey[] = "Passwd";
-
 CVServiceManager* sessionInUse = nullptr;  // by the account operation that runs
-
-// False where the platform gives no folder for the settings. Then nothing is read or written; otherwise the file would
-// stand in the root folder.
-bool HasFolder(const std::string& settingsPath) {
-  return !GetFolderOf(settingsPath).empty();
-}
-
-std::string HexDigits(const Credential& bytes) {
-  std::string digits;
-  for (const std::uint8_t byte : bytes) base::AppendHexByte(digits, byte);
-  return digits;
-}
 
 }  // namespace
 
 CVServiceManager::CVServiceManager(const std::string& productName, std::uint32_t platform, std::uint32_t deviceId)
     : m_platform(platform), m_productName(productName), m_deviceId(deviceId) {
-  const std::string path = GetSettingsPath();
-  CSettingsFile settings;
-  if (!HasFolder(path) || !settings.Load(path)) return;
-  m_userId = settings.GetText(userIdKey);
-  if (!settings.HasValue(passwordKey)) return;
-  Credential masked = credentialMask;  // bytes that the file lacks stand for no character
-  settings.GetHex(passwordKey, masked);
-  m_password = DecodeCredential(masked);
-}
-
-void CVServiceManager::SaveProfile() const {
-  const std::string path = GetSettingsPath();
-  if (!HasFolder(path)) return;
-  CSettingsFile settings;
-  settings.SetText(userIdKey, m_userId);
-  if (m_savePassword) settings.SetText(passwordKey, HexDigits(MaskCredential(EncodeCredential(m_password.view()))));
-  settings.Save(path);
-}
-
-std::string CVServiceManager::GetSettingsPath() const {
-  return GetSpecialFolder(CSIDL_LOCAL_APPDATA, m_productName + "-Service") + "\\settings.ini";
+  LoadProfile();
 }
 
 CServiceManager::CServiceManager(const std::string& productName)

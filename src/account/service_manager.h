@@ -48,6 +48,9 @@ class CVServiceManager {
   std::uint32_t m_deviceId;
 
  private:
+  // Takes what settings.ini gives.
+  void LoadProfile();
+
   // The dialogs of the operations, which read and write the fields.
   class CDlgLogin;
   class CDlgCreateAccount;

@@ -1,5 +1,5 @@
-// All process-wide objects, in the order in which they come to life; they go in the reverse order. Their
-// declarations stand in the headers of their owners.
+// All process-wide objects, in the order in which they are made; they are destroyed in the reverse order. The headers
+// of their owners declare them.
 #include "account/service_manager.h"
 #include "base/process_wide.h"
 #include "language/translation_catalogue.h"
@@ -33,7 +33,7 @@ struct Objects {
   std::map<std::uint32_t, POINT> positions;
   CTranslationCatalogue catalogue;
   platform::InternetHandle session{InternetOpenA("Norvane", INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0)};
-  // Last: calls the module's entry when everything above lives, and again before any of it goes.
+  // Last: calls the module's entry when everything above is made, and again before any of it is destroyed.
   platform::ModuleEntry entry;
 };
 base::ProcessWide<Objects> objects;

@@ -1,5 +1,5 @@
-// Whether a translated printf format takes the same arguments as its source. Used where formats are translated and by
-// the translators' tool.
+// Whether a translated printf format takes the same arguments as its source. TranslateFormat
+// (translation_catalogue.h) does not use one that differs; the translators' tool reports it.
 #ifndef NVSUPPORT_LANGUAGE_FORMAT_CHECK_H
 #define NVSUPPORT_LANGUAGE_FORMAT_CHECK_H
 

@@ -1,5 +1,5 @@
-// The map shop search: one exchange collects the whole answer, the host then pulls it record by record. The items
-// are told in docs/wire_format.md.
+// The map shop search: one exchange collects the whole answer, the host then pulls it record by record.
+// docs/wire_format.md describes the items.
 #include <nvsupport/nvsupport.h>
 
 #include <algorithm>
@@ -42,7 +42,7 @@ constexpr double longitudeLimit = 400;  // degrees either way
 
 // The points travel as one block, whose size is 32-bit.
 constexpr std::int32_t maxPoints = std::numeric_limits<std::int32_t>::max() / sizeof(MapShopPoint);
-// An endless reply, which anyone on the road to the service can send, must not take the host's memory.
+// Anyone on the network path can send an endless reply, which must not take the host's memory.
 constexpr std::int32_t maxItems = 1000000;
 
 constexpr char packageSuffix[] = "nvpkg";
@@ -126,7 +126,7 @@ RecordBlock& BlockWithRoom(std::list<RecordBlock>& blocks) {
   return blocks.back();
 }
 
-// Takes what is there up to the first failure. A count is only a promise: nothing is done for it in advance.
+// Takes the records up to the first failure. A count is only a promise, so no memory is taken for it in advance.
 void ReadReply(CTypeSerializer& channel, MapShopResults& results) {
   std::int32_t status = -1;
   channel.ReadValue(status);

@@ -1,3 +1,4 @@
+// A thread of its own waits for the delay, because the calling one is blocked in an exchange.
 #include "ui/busy_cursor.h"
 
 namespace nvsupport {
@@ -15,7 +16,7 @@ BusyCursor::~BusyCursor() {
   if (watcher) WaitForSingleObject(watcher.get(), INFINITE);
   watcher.reset();
   stopEvent.reset();
-  // Moving the pointer, if only to where it stands, makes the window below it choose its cursor again.
+  // Moving the pointer, even to where it is, makes the window below it choose its cursor again.
   POINT position{};
   if (GetCursorPos(&position)) SetCursorPos(static_cast<int>(position.x), static_cast<int>(position.y));
 }

@@ -25,7 +25,7 @@ class WebFileConnection {
 
   // Called between chunks, stops the transfer with false. May be null.
   void SetCallback(WebProgressCallback function, void* data);
-  // Where a download tells its progress; owned by the host. May be null.
+  // Where a download writes its progress; owned by the host. May be null.
   void SetCounters(WebProgressCounters* progress) { counters = progress; }
 
   bool ConnectIfNeeded();
@@ -37,7 +37,7 @@ class WebFileConnection {
   std::int64_t ContentLength() const;
 
   // Takes the reply's body into a temporary file beside `file` and moves it there at its end. On a failure neither an
-  // old nor a new file is left, unless the status told of it.
+  // old nor a new file is left, unless it was the status that failed.
   bool DownloadToFile(const char* file);
   bool DownloadFile(const char* path, const char* file);
 

@@ -28,7 +28,7 @@ platform::ObjectHandle CreateTemporaryFile(const std::string& name) {
   return platform::ObjectHandle(file != INVALID_HANDLE_VALUE ? file : nullptr);
 }
 
-// What both exports are. One does not call the other: a host may have a function of that name, which would be called.
+// What both exports do. One cannot call the other: a function of that name in the host would be called instead.
 bool Download(const char* host, const char* path, const char* file, WebProgressCallback callback, void* callbackData,
               WebProgressCounters* counters) try {
   const base::Call call;
@@ -61,7 +61,7 @@ bool WebFileConnection::DownloadToFile(const char* file) {
   DeleteFileA(file);
   if (counters != nullptr) *counters = {.done = 0, .total = ContentLength()};
   const bool received = ReceiveInto(output.get());
-  // What the system could not store may show as late as here.
+  // That the system could not store everything may show only here.
   const bool closed = CloseHandle(output.release()) != FALSE;
   request.reset();
   if (received && closed && MoveFileA(temporary.c_str(), file)) return true;

@@ -1,5 +1,6 @@
 // The typed byte channel: how typed values become bytes, on top of the two virtual operations of a channel.
-// Positional, least significant byte first; docs/wire_format.md describes the bytes of each item.
+// Positional, least significant byte first; docs/wire_format.md describes the bytes of each item. A text that
+// is too long for a fixed field is cut at a whole character.
 #ifndef NVSUPPORT_WIRE_TYPE_SERIALIZER_H
 #define NVSUPPORT_WIRE_TYPE_SERIALIZER_H
 

@@ -77,7 +77,7 @@ TEST_F(Module, SetsNothingToWorkAtLoadAndLeavesAtUnload) {
   EXPECT_TRUE(fs::is_empty(home.folder.path)) << "something is left behind";
 }
 
-// Memory of a thread's own that is made at its first touch would be asked for when the error to keep is the lack of it.
+// Thread-local memory that is allocated at its first use would be needed just when memory has run out.
 TEST_F(Module, NeedsNoMemoryToKeepAnError) {
   const ProgramResult nm = RunProgram({"nm", "-D", "--undefined-only", "--format=just-symbols", NV_MODULE});
   EXPECT_EQ(nm.exitCode, 0);

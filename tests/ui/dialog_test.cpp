@@ -1,4 +1,4 @@
-// The frame's dialogs, played on the headless display, and the chain of records that ties objects to windows.
+// The dialog class, played on the headless display, and the chain of records that ties objects to windows.
 #include "ui/dialog.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 namespace nvsupport {
 namespace {
 
-// Notes the calls of the frame, as "onCommand 13 512".
+// Notes the calls of its operations, as "onCommand 13 512".
 class ProbeDialog final : public Dialog {
  public:
   ProbeDialog() : Dialog(IDD_COMPUTER_NAME) {}

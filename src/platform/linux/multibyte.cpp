@@ -1,4 +1,5 @@
-// Conversions by iconv, between UTF-8 and the code page that the user's environment names.
+// Conversions by iconv, between UTF-8 and the code page that the user's environment names, and copies that are cut at
+// whole characters.
 #include "multibyte.h"
 
 #include <iconv.h>

@@ -72,7 +72,7 @@ void Trace(TraceArea area, const char* format, ...) {
   const int wanted = std::vsnprintf(line + length, room, format, arguments);
   va_end(arguments);
   length += std::clamp(wanted, 0, static_cast<int>(room) - 1);
-  // A name or a server's text must neither begin a line of its own nor speak to the terminal.
+  // A name or a text of a server must neither begin a line of its own nor control the terminal.
   for (int at = 0; at < length;) {
     const std::size_t shown = ShownBytes({line + at, static_cast<std::size_t>(length - at)});
     if (shown == 0) line[at] = '?';

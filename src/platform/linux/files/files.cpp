@@ -116,19 +116,19 @@ int CloseStream(void* file) {
 }
 
 // A file, made if the flags say so. None for a folder, pipe or device, which is not even opened: that may have
-// effects, or wait for somebody at the other end.
+// effects, or wait for a process at the other end.
 Descriptor OpenRegularFile(const NativePath& path, int flags, mode_t rights = 0) {
   struct stat status {};
   if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) return {};
   Descriptor file(open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, rights));
-  // What took its place meanwhile does no harm to who reads it, but must not be written to.
+  // Something else may have taken its place meanwhile: reading that does no harm, but it must not be written to.
   if ((flags & O_ACCMODE) == O_RDONLY) return file;
   if (file && (fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))) file.reset();
   return file;
 }
 
-// How a file is opened without sharing: by a lock that goes with the descriptor. False if another has the file open in
-// that way. A file system that knows no locks lets all have it.
+// Opens a file without sharing: by a lock that ends with the descriptor. False if another has the file open in that
+// way. On a file system without locks everyone gets the file.
 bool Lock(const Descriptor& file, int kind) {
   return flock(file.get(), kind | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
@@ -141,7 +141,7 @@ bool IsStillAt(const NativePath& path, const Descriptor& file) {
 }
 
 // Keeps a file from those who would begin to write in it, as long as the descriptor is open. False if it is no file or
-// another has it open without sharing; one that may not be opened is taken for nobody's.
+// another has it open without sharing; a file that may not be opened counts as free.
 bool Hold(const NativePath& path, Descriptor& file) {
   struct stat status {};
   if (lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
@@ -168,12 +168,12 @@ bool Move(const NativePath& source, const NativePath& target) {
   return !Exists(target) && std::rename(source.c_str(), target.c_str()) == 0;
 }
 
-// Null if the file may not be written or is another's.
+// Null if the file may not be written or another has it open.
 std::unique_ptr<WrittenFile> Create(const NativePath& path) {
   std::unique_ptr<WrittenFile> written(new (std::nothrow) WrittenFile);
   if (!written) return nullptr;
   Descriptor file = OpenRegularFile(path, O_WRONLY | O_CREAT | O_NOFOLLOW, anyonesFile);
-  // Whoever had it may have given it another name before it was locked.
+  // Its former owner may have renamed it before it was locked.
   if (!file || !Lock(file, LOCK_EX) || !IsStillAt(path, file)) return nullptr;
   if (ftruncate(file.get(), 0) != 0) return nullptr;
   written->Open(std::move(file), true);
@@ -202,7 +202,7 @@ FileStream OpenForWriting(const NativePath& path, const char* mode) {
   return stream;
 }
 
-// Does something with a file, tells the trace of it, and hands the outcome on.
+// Does something with a file, writes it to the trace, and returns the outcome.
 template <typename Action>
 auto Traced(const char* what, const NativePath& path, Action action) {
   errno = 0;

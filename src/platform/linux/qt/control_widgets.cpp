@@ -12,7 +12,7 @@
 namespace windowing {
 namespace {
 
-// Takes clicks on all of its rectangle. They are told to the core, which changes the state by its own rules.
+// Takes clicks on all of its rectangle. The core gets them and changes the state by its own rules.
 class CheckBox final : public QCheckBox {
  public:
   using QCheckBox::QCheckBox;

@@ -201,7 +201,7 @@ void DialogWidget::closeEvent(QCloseEvent* event) {
 // A window manager places a window before it shows it; from then on it is the user who moves it.
 void DialogWidget::moveEvent(QMoveEvent* event) {
   QDialog::moveEvent(event);
-  // Without a change of the client's place only the frame has become known.
+  // If the client area has not moved, the frame's size has just become known.
   const QPoint place = geometry().topLeft();
   if (std::exchange(clientPlace, place) == place || placing || !windowHandle()->isExposed()) return;
   Report([this](DisplayEvents& to) { to.OnDragged(handle); });

@@ -18,12 +18,12 @@ constexpr Qt::WindowFlags dialogFlags =
 
 class DialogWidget final : public QDialog {
  public:
-  // The events are told until Abandon or Retire. workArea: of its screen, which a dialog does not grow beyond.
+  // The events are reported until Abandon or Retire. workArea: of its screen, which a dialog does not grow beyond.
   DialogWidget(const DialogView& view, DisplayEvents& coreEvents, QSize workArea);
 
   const std::map<HWND, QWidget*>& Controls() const { return controls; }
   void SetOwner(OwnerWindow ownerWindow);
-  // `ended` tells that the core is done with the dialog; it lives until Retire.
+  // `ended` becomes true when the core is done with the dialog; it lives until Retire.
   void SetRun(const bool& ended) { isEnded = &ended; }
   void ShowActive();
   // Reports nothing more. For a dialog that is still open when the library goes, which is at the end of the process:

@@ -1,5 +1,5 @@
 // Extended dialog templates (DIALOGEX): where they lie in a compiled resource script (.res), by module and id, and what
-// their compiled form says; and their units as pixels.
+// their compiled form says. Also turns dialog units into pixels.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WINDOWING_DIALOG_TEMPLATE_H
 #define NVSUPPORT_PLATFORM_LINUX_WINDOWING_DIALOG_TEMPLATE_H
 

@@ -46,7 +46,7 @@ struct MessageBoxView {
   UINT type;  // MB_ values
 };
 
-// What the user did, told to the core.
+// What the user did, as a display reports it to the core.
 class DisplayEvents {
  public:
   virtual void OnClick(HWND control) = 0;  // push button or check box: mouse, Space or mnemonic
@@ -67,7 +67,7 @@ class Display {
  public:
   virtual ~Display() = default;
 
-  // The language of what the display says by itself, by the name that it gives itself, such as "Deutsch".
+  // The language of the display's own texts, named in that language, such as "Deutsch".
   virtual void SetLanguage(const std::string& name) = 0;
 
   // Average width and height of a character of the dialog font: 4 dialog units across, 8 down.

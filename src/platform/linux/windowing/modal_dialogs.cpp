@@ -27,7 +27,8 @@ constexpr const char* defaultCaption = "Error";
 
 ModalRun* innermost = nullptr;
 
-// What can own: the dialog of a window of the core's, the top-level window of one of the host's own, else null.
+// The window that can be an owner: for a window of the core's its dialog, for one of the host's its top-level window,
+// else null.
 HWND OwnerFor(Display& display, HWND window) {
   const std::uintptr_t foreign = ForeignId(window);
   if (foreign == 0) return DialogOf(window);

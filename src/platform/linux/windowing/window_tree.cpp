@@ -154,7 +154,7 @@ LONG_PTR SetWindowLongPtrA(HWND window, int index, LONG_PTR value) {
   return before;
 }
 
-// Sending messages, and the published functions that are messages in other clothes.
+// Sending messages, and the published functions that do no more than send one.
 
 LRESULT CallWindowProcA(WNDPROC procedure, HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   return procedure != nullptr ? procedure(window, message, wParam, lParam) : 0;
