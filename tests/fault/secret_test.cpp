@@ -32,7 +32,8 @@ struct Memory {
     return bytes + taken.fetch_add((size + unit) / unit * unit);
   }
 };
-static Memory own, libcurls;
+// There before any object of the library takes memory.
+static constinit Memory own{}, libcurls{};
 
 void* operator new(std::size_t size) {
   return own.Take(size);
