@@ -92,6 +92,8 @@ void WebExchange::Release() {
   // The rest of a reply may be there, though the caller did not ask for it: without it the connection is not kept.
   if (phase == Phase::running && headDone) Advance();
   engine->EndTransfer(phase == Phase::ended);
+  // Of a transfer that failed libcurl may keep the connection, with half a request on it.
+  if (phase == Phase::failed) return engine.reset();
   GiveBackWebEngine(std::move(engine));
 }
 
@@ -114,6 +116,7 @@ bool WebExchange::SendOnce(const std::string& url, const WebRequest& request, st
   const TrustStore trust = request.secure ? FindTrustStore() : TrustStore();
   engine = TakeWebEngine({.origin = OriginOf(url), .trust = trust});
   CURL* const easy = engine->Easy();
+  curl_easy_reset(easy);  // once more: without memory the one behind the last transfer did half of it
   if (!SetTransferOptions(easy, url, request, trust, headers.get(), connectTo.get(), body)) return false;
   const bool reuses = engine->CanReuse(request.post ? webLimits.idleBeforeBody : webLimits.idle);
   curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, reuses ? 0L : 1L);
