@@ -1,6 +1,7 @@
 // Connections that are kept between exchanges: the caller and the server never suffer for them.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,6 +18,7 @@
 #include "support/run_program.h"
 #include "support/short_timeouts.h"
 #include "support/test_authority.h"
+#include "web/web_engine.h"
 
 namespace nvsupport::testing {
 namespace {
@@ -187,6 +189,18 @@ TEST(KeptConnectionsEngine, LeavesSocketsThatTheHostOpensMeanwhileAsTheyAre) {
   goesOn = false;
   host.join();
   EXPECT_EQ(changed, 0);
+}
+
+TEST(KeptConnectionsEngine, LeavesTheHostsSigpipeAsItIs) {
+  const auto closeMany = [] {
+    for (int i = 0; i < 1000; ++i) platform::TakeWebEngine({});
+  };
+  std::thread another(closeMany);
+  closeMany();
+  another.join();
+  struct sigaction found {};
+  sigaction(SIGPIPE, nullptr, &found);
+  EXPECT_EQ(found.sa_handler, SIG_DFL);
 }
 
 // Neither a connection nor a TLS session that it has verified.

@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>
@@ -53,6 +54,28 @@ class CurlLibrary {
   ~CurlLibrary() { curl_global_cleanup(); }
   CurlLibrary(const CurlLibrary&) = delete;
   CurlLibrary& operator=(const CurlLibrary&) = delete;
+};
+
+// libcurl lets the process ignore SIGPIPE while it closes what it kept, and puts back what it found. Of two threads
+// that did so at once, the later would find and leave the signal ignored, so they take turns. Not by a mutex, which a
+// child that the host forks meanwhile would find locked for ever.
+class ClosingTurn {
+ public:
+  ClosingTurn() {
+    const pid_t self = getpid();
+    for (pid_t found = 0; !holder.compare_exchange_strong(found, self);) {
+      if (found == self) holder.wait(std::exchange(found, 0));
+    }
+  }
+  ~ClosingTurn() {
+    holder = 0;
+    holder.notify_one();
+  }
+  ClosingTurn(const ClosingTurn&) = delete;
+  ClosingTurn& operator=(const ClosingTurn&) = delete;
+
+ private:
+  static constinit inline std::atomic<pid_t> holder = 0;  // its process
 };
 
 // What lies in a socket that leads to this machine alone.
@@ -162,6 +185,16 @@ Pool& ThePool() {
 }
 
 }  // namespace
+
+void EasyDeleter::operator()(CURL* easy) const {
+  const ClosingTurn turn;
+  curl_easy_cleanup(easy);
+}
+
+void MultiDeleter::operator()(CURLM* multi) const {
+  const ClosingTurn turn;
+  curl_multi_cleanup(multi);
+}
 
 WebEngine::WebEngine(WebPeer served)
     : peer(std::move(served)), owner(getpid()), multi(MakeMulti()), easy(curl_easy_init()) {

@@ -15,10 +15,10 @@
 namespace platform {
 
 struct EasyDeleter {
-  void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+  void operator()(CURL* easy) const;
 };
 struct MultiDeleter {
-  void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+  void operator()(CURLM* multi) const;
 };
 
 // Whom an engine serves. What it keeps is used for nothing else.
