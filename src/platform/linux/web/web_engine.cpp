@@ -240,9 +240,9 @@ void WebEngine::EndTransfer(bool whole) {
 
 // libcurl takes no more than the body from the TLS library, which may have more of the same record.
 bool WebEngine::HasUnreadTls() const {
+  if (tls.internals == nullptr) return false;
   using Ask = int (*)(const void* connection);
   static const auto ask = reinterpret_cast<Ask>(dlsym(OpenCurl().get(), "SSL_has_pending"));
-  if (tls.internals == nullptr) return false;
   return tls.backend != CURLSSLBACKEND_OPENSSL || ask == nullptr || ask(tls.internals) != 0;
 }
 
