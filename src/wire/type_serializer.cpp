@@ -53,7 +53,7 @@ std::size_t CTypeSerializer::Encode(std::string_view text, char* to) const {
   if (!wide) return text.copy(to, text.size());
   for (const char character : text) {
     // Widened with its sign, whatever the sign of char is here.
-    const auto unit = static_cast<std::uint16_t>(static_cast<signed char>(character));
+    const auto unit = static_cast<std::uint16_t>((static_cast<unsigned char>(character) ^ 0x80u) - 0x80u);
     std::memcpy(to, &unit, sizeof unit);
     to += sizeof unit;
   }
@@ -142,7 +142,7 @@ void CTypeSerializer::Narrow(const std::uint8_t* units, std::uint32_t length, ch
     return;
   }
   // The low byte of each; the other one only repeats the sign.
-  for (std::uint32_t unit = 0; unit < length; ++unit) text[unit] = static_cast<char>(units[2 * unit]);
+  for (std::uint32_t unit = 0; unit < length; ++unit) text[unit] = static_cast<char>(units[std::size_t{2} * unit]);
 }
 
 }  // namespace nvsupport
