@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Checks that the module alone builds with a compiler, CMake, llvm-rc and libcurl: configures it with every other part
-# left out, builds it, and looks what was asked for on the way.
+# Checks that the module alone builds with a compiler, CMake, llvm-rc, libcurl and the headers of XCB: configures it with
+# every other part left out, builds it, and looks what was asked for on the way.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 readonly build=build/bare
@@ -20,11 +20,11 @@ cmake -S . -B $build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
 asked_for() {
   grep -F "\"file\":\"$PWD/" $build/trace.json | grep -oP "\"args\":\[\"\K[^\"]+(?=.*\"cmd\":\"$1\")" | sort -u
 }
-expect "packages" "$(printf '%s\n' CURL Threads)" "$(asked_for find_package)"
+expect "packages" "$(printf '%s\n' CURL PkgConfig Threads)" "$(asked_for find_package)"
 expect "programs" NV_LLVM_RC "$(asked_for find_program)"
 
 cmake --build $build
 headers=$(ninja -C $build -t deps | sed -n 's/^  *\(\/.*\)/\1/p' | sort -u | grep -v "^$PWD/" | xargs realpath)
-expect "packages with headers" "$(printf '%s\n' libc6-dev libcurl4-openssl-dev libgcc-dev libstdc++-dev linux-libc-dev)" \
+expect "packages with headers" "$(printf '%s\n' libc6-dev libcurl4-openssl-dev libgcc-dev libstdc++-dev libxcb-cursor-dev libxcb1-dev linux-libc-dev)" \
   "$(xargs dpkg -S <<<"$headers" | sed 's/:.*//; s/-[0-9]*-dev/-dev/' | sort -u)"
 scripts/check-exports.sh $build/nvsupport.so
