@@ -42,7 +42,7 @@ std::size_t ShownBytes(std::string_view text) {
   char32_t character = first & (0x7Fu >> size);
   for (const char c : text.substr(1, size - 1)) {
     if ((c & 0xC0) != 0x80) return 0;
-    character = character << 6 | (c & 0x3Fu);
+    character = character << 6 | (static_cast<unsigned char>(c) & 0x3Fu);
   }
   constexpr char32_t least[] = {0x80, 0x800, 0x10000};  // of that size
   const auto within = [character](char32_t from, char32_t to) { return character >= from && character <= to; };
