@@ -23,14 +23,14 @@ inline constexpr std::int32_t statusWrongPassword = 5;
 // What the user is told about any other status.
 inline constexpr char exchangeFailed[] = "A problem occured communicating with the server";
 
-// What the user is told about a status.
+// What the user is told about one status.
 struct StatusMessage {
   std::int32_t status;
   const char* text;
   int field = 0;  // of the dialog, to be corrected; 0 where it is not the user's fault
 };
 
-// The message for a status; that of the text `other` if the table lacks it.
+// The message for a status; one with the text `other` if the table lacks the status.
 StatusMessage MessageFor(std::span<const StatusMessage> table, std::int32_t status, const char* other);
 
 struct StatusReply {

@@ -21,8 +21,8 @@ class Call {
   // False when the process-wide objects are gone already: the call has to fail.
   explicit operator bool() const { return begun; }
 
-  // Asked by each process-wide object before it goes: true if all may go, because no call is under way. The answer to
-  // the first counts for all.
+  // Each process-wide object asks this before it is destroyed. True if no call is under way, and then all of them may
+  // be destroyed; the first answer holds for all.
   static bool AllEnded() {
     std::uint32_t none = 0;
     if (calls.compare_exchange_strong(none, ended) || none >= ended) return true;

@@ -13,7 +13,7 @@
 #include "base/process_wide.h"
 #include "wire/web_binary_cgi.h"
 
-// Records one behind the other, packed: a record with short texts is a fiftieth of what the host gets.
+// Records one behind the other, packed: with short texts, one takes a fiftieth of what the host gets.
 struct RecordBlock {
   RecordBlock() {}  // leaves the bytes as they are
 
@@ -120,7 +120,7 @@ const char* MakeRecord(const char* place, MapShopItem& item) {
   return place;
 }
 
-// The last block, with room for one more record.
+// The last block, a new one if it has no room for one more record.
 RecordBlock& BlockWithRoom(std::list<RecordBlock>& blocks) {
   if (blocks.empty() || sizeof blocks.back().bytes - blocks.back().end < sizeof(MapShopItem)) blocks.emplace_back();
   return blocks.back();

@@ -10,7 +10,7 @@ namespace {
 constexpr std::int64_t maxPosition = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t headerSize = 8;
 
-// Positions are 32-bit; what lies beyond them is all one place.
+// Positions are 32-bit; every place beyond them counts as the last one.
 std::int32_t Position(std::int64_t offset) {
   return static_cast<std::int32_t>(std::min(offset, maxPosition));
 }

@@ -17,8 +17,8 @@ namespace {
 
 constexpr std::size_t stackSize = (64 << 10) / sizeof(std::max_align_t);
 
-// What the viewer inherits from the host: three streams on /dev/null and nothing else. Not sound if there was no memory
-// to say so.
+// What the viewer inherits from the host: three streams on /dev/null and nothing else. Not sound if memory ran out
+// while that was put together.
 class SpawnSettings {
  public:
   SpawnSettings() {

@@ -36,9 +36,9 @@ constexpr mode_t anyonesFile = 0666;  // less the user's mask
 
 constexpr std::size_t gatheredAtMost = std::size_t{64} * 1024;  // bytes
 
-// A file that was not shared stays locked when it is closed, until the thread renames or deletes a file: it is what the
-// thread does next, and meanwhile nobody else is to begin writing in it. A plain number that each thread has from its
-// beginning: an owner's destructor would keep the module from being unloaded.
+// The file that this thread has written without sharing it and closed, locked until the thread renames or deletes a
+// file, which it does next: nobody else may begin to write in it in between. A plain number that each thread has from
+// its start; an owner's destructor would keep the module from being unloaded.
 [[gnu::tls_model("initial-exec")]] thread_local int keptLocked = -1;
 
 void UnlockKept() {
@@ -80,7 +80,7 @@ class WrittenFile final : public HandleObject {
  private:
   void KeepLocked() {
     UnlockKept();
-    // Shared from here on, as the lock of who renames or deletes a file.
+    // Who renames or deletes the file takes a shared lock, which this one must not refuse.
     flock(descriptor.get(), LOCK_SH | LOCK_NB);
     keptLocked = fcntl(descriptor.get(), F_DUPFD_CLOEXEC, 0);
     if (keptLocked == -1) flock(descriptor.get(), LOCK_UN);

@@ -38,7 +38,7 @@ std::string BelowHome(const char* folder) {
   return home.empty() ? home : home + folder;
 }
 
-// The text between the quotes of NAME="...", with its backslash escapes; empty if the line is none.
+// The text between the quotes of NAME="...", with its backslash escapes; empty if the line is not one.
 std::string QuotedValue(std::string_view line, std::string_view name) {
   line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
   if (!line.starts_with(name)) return {};

@@ -56,7 +56,7 @@ std::string MachineText() {
   return {};
 }
 
-// As everywhere, that of the first of these variables that holds anything.
+// The first of these variables that is not empty decides, as everywhere.
 std::string DesktopLocale() {
   for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
     const char* const locale = secure_getenv(variable);
