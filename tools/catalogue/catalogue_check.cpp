@@ -6,6 +6,7 @@
 #include "character_sets.h"
 #include "language/catalogue_reader.h"
 #include "language/format_check.h"
+#include "source_texts.h"
 
 namespace nvsupport {
 namespace {
@@ -68,6 +69,18 @@ constexpr ColumnFault columnFaults[] = {
     {IsNoUtf8, "bytes that are no UTF-8, which Linux does not show as they were meant"},
 };
 
+// The character behind '&', in small letters as far as ASCII goes; empty without one. "&&" is the sign itself.
+std::string MarkedKey(std::string_view text) {
+  std::size_t at = text.find('&');
+  while (at < text.size() && text.substr(at + 1, 1) == "&") at = text.find('&', at + 2);
+  if (at >= text.size()) return {};
+  std::size_t end = at + 2;
+  while (end < text.size() && (text[end] & 0xC0) == 0x80) ++end;
+  std::string key(text.substr(at + 1, end - at - 1));
+  for (char& byte : key) byte = byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte;
+  return key;
+}
+
 // Collects the findings on one file, record by record.
 class Checker {
  public:
@@ -87,6 +100,21 @@ class Checker {
     }
   }
 
+  void CheckKeys() {
+    std::map<std::pair<int, std::string>, std::size_t> taken;
+    std::set<std::pair<std::size_t, std::size_t>> told;  // two texts can meet in several dialogs
+    for (const auto& [dialog, text] : DialogTexts()) {
+      const auto entry = entries.find(std::string(text));
+      if (entry == entries.end()) continue;
+      const auto [line, key] = entry->second;
+      if (key.empty()) continue;
+      const auto [earlier, isNew] = taken.insert({{dialog, key}, line});
+      if (!isNew && told.insert({line, earlier->second}).second)
+        Report(line, "the letter " + key + " is marked in line " + std::to_string(earlier->second) +
+                         ", too, for the same dialog");
+    }
+  }
+
   std::vector<Finding> findings;
 
  private:
@@ -102,10 +130,10 @@ class Checker {
     if (!HaveSameConversions(source, translation)) {
       Report(record.line, "the conversions (% signs) differ from those of the source text; it will not be translated");
     }
-    const auto [earlier, isNew] = lines.insert({source, record.line});
-    if (isNew) return;
-    Report(record.line, "the same source text as in line " + std::to_string(earlier->second) + ", which it replaces");
-    earlier->second = record.line;
+    const auto [earlier, isNew] = entries.insert({source, {}});
+    const std::string before = std::to_string(earlier->second.line);
+    if (!isNew) Report(record.line, "the same source text as in line " + before + ", which it replaces");
+    earlier->second = {record.line, MarkedKey(translation)};
   }
 
   void CheckColumn(std::size_t line, const char* name, std::string_view column) {
@@ -114,7 +142,12 @@ class Checker {
     }
   }
 
-  std::map<std::string, std::size_t> lines;  // where each source text stands
+  struct Entry {
+    std::size_t line = 0;
+    std::string key;  // that works with Alt
+  };
+
+  std::map<std::string, Entry> entries;  // by source text
 };
 
 }  // namespace
@@ -127,6 +160,7 @@ std::vector<Finding> CheckCatalogue(std::string_view bytes) {
   CatalogueReader reader(bytes);
   CatalogueRecord record;
   while (reader.Next(record)) checker.CheckRecord(record);
+  checker.CheckKeys();
   return checker.findings;
 }
 

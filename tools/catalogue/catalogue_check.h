@@ -23,7 +23,8 @@ struct Finding {
   std::string message;
 };
 
-// What the reader will drop, replace or change although the translator hardly meant it, in the order of the lines.
+// What the reader will drop, replace or change although the translator hardly meant it, in the order of the lines; then
+// the letters that '&' marks for more than one text of a dialog.
 std::vector<Finding> CheckCatalogue(std::string_view bytes);
 
 // Those of the texts that have no entry.

@@ -2,7 +2,8 @@
 // those of the dialog templates, and those that the sources hand to a function that looks texts up. It stops at an
 // argument whose texts it cannot find: a text that nobody lists is one that nobody translates.
 //
-// collect_texts OUTPUT SOURCE-FOLDER: writes C++ arrays, one of all texts and one of those that messages show.
+// collect_texts OUTPUT SOURCE-FOLDER: writes C++ arrays, one of all texts, one of those that messages show, and one of
+// those of the controls with the number of their dialog.
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
@@ -100,8 +101,15 @@ std::string CallOf(const char* function) {
 
 class Collector {
  public:
-  // A text is the first thing behind the kind of a control, and behind CAPTION.
-  void CollectTemplates(const std::string& script) { Collect(script, R"re(\n *[A-Z0-9]+ +"((?:[^"\n]|"")+)")re"); }
+  // A text is the first thing behind the kind of a control, which is indented, and behind CAPTION.
+  void CollectTemplates(const std::string& script) {
+    Collect(script, R"re(\n *[A-Z0-9]+ +"((?:[^"\n]|"")+)")re", texts);
+    const std::regex heading(" DIALOGEX ");
+    std::sregex_token_iterator dialog(script.begin(), script.end(), heading, -1);
+    while (++dialog != std::sregex_token_iterator()) {
+      Collect(dialog->str(), R"re(\n +[A-Z0-9]+ +"((?:[^"\n]|"")+)")re", dialogs.emplace_back());
+    }
+  }
 
   void CollectSource(const fs::path& sources, const std::string& name) {
     const std::string source = ReadSource(sources / name);
@@ -125,12 +133,13 @@ class Collector {
 
   std::vector<std::string> texts;
   std::vector<std::string> messages;
+  std::vector<std::vector<std::string>> dialogs;  // the texts of the controls of each
 
  private:
   // Whether the texts of an argument are collected, here or elsewhere.
   bool HasKnownTexts(const std::string& source, const std::string& name, const std::string& argument) {
     if (std::regex_match(argument, std::regex(literal))) {
-      Collect(argument, literal);
+      Collect(argument, literal, texts);
       return true;
     }
     // The parameter in a declaration; a call that is a lookup itself.
@@ -142,23 +151,35 @@ class Collector {
     std::smatch constant;
     const std::regex definition("\\bconstexpr [^;=]*\\b" + argument + R"re(\[\] = ((?:[^";]|"(?:[^"\\]|\\.)*")*);)re");
     if (!std::regex_search(source, constant, definition)) return false;
-    Collect(constant[1].str(), literal);
+    Collect(constant[1].str(), literal, texts);
     return true;
   }
 
   // The first group of each match, as the program has it.
-  void Collect(const std::string& source, const std::string& pattern) {
+  static void Collect(const std::string& source, const std::string& pattern, std::vector<std::string>& to) {
     const std::regex expression(pattern);
     for (std::sregex_iterator found(source.begin(), source.end(), expression), end; found != end; ++found) {
       const std::string text = UnescapeCatalogueText((*found)[1].str());
-      if (std::ranges::find(texts, text) == texts.end()) texts.push_back(text);
+      if (std::ranges::find(to, text) == to.end()) to.push_back(text);
     }
   }
 };
 
+std::string LiteralOf(const std::string& text) {
+  return "R\"text(" + text + ")text\"";
+}
+
 void Write(std::ofstream& stream, const char* name, const std::vector<std::string>& texts) {
   stream << "constexpr auto " << name << " = std::to_array<std::string_view>({\n";
-  for (const std::string& text : texts) stream << "R\"text(" << text << ")text\",\n";
+  for (const std::string& text : texts) stream << LiteralOf(text) << ",\n";
+  stream << "});\n";
+}
+
+void WriteDialogs(std::ofstream& stream, const std::vector<std::vector<std::string>>& dialogs) {
+  stream << "constexpr auto dialogTexts = std::to_array<DialogText>({\n";
+  for (std::size_t dialog = 0; dialog < dialogs.size(); ++dialog) {
+    for (const std::string& text : dialogs[dialog]) stream << "{" << dialog << ", " << LiteralOf(text) << "},\n";
+  }
   stream << "});\n";
 }
 
@@ -175,6 +196,7 @@ int Run(const char* output, const fs::path& sources) {
   std::ofstream stream(output, std::ios::binary);
   Write(stream, "sourceTexts", collector.texts);
   Write(stream, "messageTexts", collector.messages);
+  WriteDialogs(stream, collector.dialogs);
   return collector.texts.empty() || !stream.flush() ? 1 : 0;
 }
 

@@ -17,4 +17,8 @@ std::span<const std::string_view> MessageTexts() {
   return messageTexts;
 }
 
+std::span<const DialogText> DialogTexts() {
+  return dialogTexts;
+}
+
 }  // namespace nvsupport

@@ -12,6 +12,14 @@ std::span<const std::string_view> SourceTexts();
 // Those that message boxes show.
 std::span<const std::string_view> MessageTexts();
 
+struct DialogText {
+  int dialog;
+  std::string_view text;
+};
+
+// Those of the dialogs' controls, each once in a dialog.
+std::span<const DialogText> DialogTexts();
+
 }  // namespace nvsupport
 
 #endif
