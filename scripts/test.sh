@@ -39,6 +39,7 @@ readonly steps=(
   "format check_format"                # every source as clang-format leaves it
   "lint scripts/lint.sh --fast"        # clang-tidy, where it is fast
   "release build_release"              # optimised build of everything, with the module's exports
+  "soak scripts/soak.sh 0.3 1"         # the module against a server that spoils its replies, 18 seconds
   "windows scripts/test_windows.sh"    # cross build of the DLL, and the trial of it in Wine
   "bare scripts/check-bare.sh"         # the module alone, and what its build asks for
   "documents scripts/check-docs.sh"    # spelling, links, and manuals against the programs

@@ -10,10 +10,12 @@ GET /NUMBER/LENGTH              the first LENGTH bytes of the endless text "NUMB
                                 "NUMBER:NUMBER: ..."; a Range is honoured
 POST /cgi-bin/mapstore2.cgi     NUMBER % 50 items that name the number; the number is the latitude of the first point
 POST /cgi-bin/svcapp.cgi        the token "T" and the user ID, which is the number
-GET /repeated                   numbers of requests with a body that came twice, a line each
+GET /faults                     numbers of requests with a body that came twice, or over a connection that had idled too
+                                long, a line each; FOLDER/idled grows whenever the host lets all of them idle for long
 """
 import asyncio
 import functools
+import os
 import random
 import re
 import socket
@@ -22,7 +24,7 @@ import struct
 import sys
 
 seed, folder = sys.argv[1], sys.argv[2]
-seen, repeated = set(), []
+seen, faults = set(), []
 
 
 def stretch(number, mark, start, end):
@@ -70,12 +72,12 @@ class Request:
             self.number = int(user)
             self.body = struct.pack("<i", 0) + text("T" + user)
         if self.number in seen:
-            repeated.append(self.number)
+            faults.append(f"{self.number} came twice")
         seen.add(self.number)
 
     def answer_get(self, wanted):
-        if self.path == "/repeated":
-            self.number, self.body = 0, "".join(f"{n}\n" for n in repeated).encode()
+        if self.path == "/faults":
+            self.number, self.body = 0, "".join(f"{fault}\n" for fault in faults).encode()
             return
         number, length = (int(part) for part in self.path.strip("/").split("/"))
         self.number, start, end = number, 0, length
@@ -222,11 +224,15 @@ SPOILERS = [clean] * 24 + [
 
 async def serve(incoming, out, mark="."):
     try:
-        kept = True
+        kept, last_idled = True, None
         while kept:
             head = (await incoming.readuntil(b"\r\n\r\n")).decode("latin-1")
             length = re.search(r"(?mi)^content-length: *(\d+)", head)
             request = Request(head, await incoming.readexactly(int(length[1])) if length else b"", mark)
+            idled = os.path.getsize(folder + "/idled")
+            if length and last_idled not in (None, idled):
+                faults.append(f"{request.number} came over a connection that had idled")
+            last_idled = idled
             kept = await request.spoilt(request, out)
             await out.drain()
     except (asyncio.IncompleteReadError, OSError, ssl.SSLError):
