@@ -18,7 +18,7 @@ bool TakesKey(const QWidget& control) {
   return qobject_cast<const QAbstractButton*>(&control) != nullptr && id != IDOK && id != IDCANCEL;
 }
 
-// Scripts that are typed by way of others have no keys of their own.
+// Characters of these scripts are typed as several keys, so Alt and one key cannot name them.
 bool HasKey(QChar letter) {
   switch (letter.script()) {
     case QChar::Script_Han:

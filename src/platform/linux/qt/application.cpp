@@ -24,17 +24,17 @@ bool MakeApplication(std::string& whyNot) {
   // Qt keeps references to both. The program's name becomes the windows' class.
   static int argumentCount = 1;
   static char* arguments[] = {program_invocation_name, nullptr};
-  // Never destroyed: neither a plain host nor the loader gives it a moment at which that would be safe.
+  // Never destroyed: in a host without Qt there is no moment at which that would be safe.
   alignas(QApplication) static std::byte room[sizeof(QApplication)];
   new (room) QApplication(argumentCount, arguments);
-  // The end of the dialogs is not the end of the program.
+  // The host goes on when the last dialog closes.
   QApplication::setQuitOnLastWindowClosed(false);
   QCoreApplication::setQuitLockEnabled(false);
   madeHere = true;
   return true;
 }
 
-// Languages call themselves in small letters and with marks; names of catalogues have neither.
+// Small letters without accents, so that "Francais", a catalogue's name, is the same as Qt's "français".
 QString Plain(const QString& name) {
   QString letters;
   for (const QChar letter : name.normalized(QString::NormalizationForm_D).toCaseFolded()) {
@@ -43,7 +43,7 @@ QString Plain(const QString& name) {
   return letters;
 }
 
-// The locale whose language has that name, else the one of Qt's own texts.
+// The locale of the language with that name; for an unknown one the locale that leaves Qt's texts as they are.
 QLocale LocaleOf(const QString& language) {
   for (int number = QLocale::C + 1; number <= QLocale::LastLanguage; ++number) {
     const QLocale locale(static_cast<QLocale::Language>(number));

@@ -12,7 +12,7 @@
 namespace windowing {
 namespace {
 
-// Takes clicks on all of its rectangle. The core gets them and changes the state by its own rules.
+// Can be clicked anywhere in its rectangle. A click goes to the core, which changes the state by its own rules.
 class CheckBox final : public QCheckBox {
  public:
   using QCheckBox::QCheckBox;
@@ -75,7 +75,7 @@ QWidget* MakePushButton(const ControlView& view, QDialog& dialog) {
 }
 
 QWidget* MakeCheckBox(const ControlView& view, QDialog& dialog) {
-  auto* box = new CheckBox(QString::fromStdString(view.text), &dialog);  // an empty box is lower
+  auto* box = new CheckBox(QString::fromStdString(view.text), &dialog);  // before it is measured
   box->setTristate(view.threeState);
   return box;
 }
@@ -118,15 +118,15 @@ void NameEdits(const std::vector<QWidget*>& widgets) {
 std::vector<QWidget*> MakeControlWidgets(const std::vector<ControlView>& controls, QDialog& dialog) {
   std::vector<QWidget*> widgets;
   widgets.reserve(controls.size());
-  // In the order of the template, which makes it the tab order.
+  // Made in the order of the template, so that Qt's tab order is the same.
   for (const ControlView& view : controls) widgets.push_back(MakeControl(view, dialog));
   NameEdits(widgets);
   for (std::size_t i = 0; i < controls.size(); ++i) ShowControlText(*widgets[i], controls[i].text);
   return widgets;
 }
 
-// Mirrored where one writes from right to left. Templates give check boxes any height; their mark and their text need
-// one, around the same centre. A line of a label can be a little higher than what its font is measured by.
+// Mirrored in languages that are written from right to left. A check box that its template makes too low for its mark
+// and text grows around its centre. A label gets at least the height of a line, which can exceed the template's units.
 void PlaceControl(QWidget& widget, const RECT& rectangle) {
   QRect place = ToQRect(rectangle);
   if (const auto* box = qobject_cast<const QCheckBox*>(&widget)) {
@@ -144,7 +144,7 @@ void ShowControlText(QWidget& widget, const std::string& text) {
   const QString marked = QString::fromStdString(text);
   const QString plain = WithoutMarks(marked);
   if (auto* edit = qobject_cast<QLineEdit*>(&widget)) return edit->setText(marked);
-  // Only a label that names an edit has a use for marks.
+  // In other labels Qt would show the mark itself.
   if (auto* label = qobject_cast<QLabel*>(&widget)) label->setText(label->buddy() != nullptr ? marked : plain);
   if (auto* button = qobject_cast<QAbstractButton*>(&widget)) button->setText(marked);
   const QString tip = Qt::mightBeRichText(plain) ? plain.toHtmlEscaped() : plain;

@@ -15,12 +15,12 @@ inline QRect ToQRect(const RECT& r) {
   return {r.left, r.top, r.right - r.left, r.bottom - r.top};
 }
 
-// Makes a widget for each control, in their order, owned by the dialog. A label names the edit right behind it.
+// Makes a widget for each control, in their order, owned by the dialog. A label becomes the name of the edit behind it.
 std::vector<QWidget*> MakeControlWidgets(const std::vector<ControlView>& controls, QDialog& dialog);
 
 void PlaceControl(QWidget& widget, const RECT& rectangle);
 
-// Text with '&' marks. One that does not fit is also the tool tip, since nothing is resized.
+// Text with '&' marks. If it does not fit it becomes the tool tip, too, since no control is resized.
 void ShowControlText(QWidget& widget, const std::string& text);
 void ShowCheckState(QWidget& widget, int state);
 

@@ -14,7 +14,7 @@
 namespace windowing {
 namespace {
 
-// Frame widths of a plain desktop.
+// The widths of a window frame on a plain desktop.
 constexpr QMargins usualFrame(4, 22, 4, 4);
 
 QMargins& KnownFrame() {
@@ -75,7 +75,7 @@ void DialogWidget::Report(What what) {
   if (events == nullptr) return;
   ++reports;
   what(*events);
-  // Posted here and not by Retire, which may be called from the loop of another window within this report.
+  // Not in Retire: called from another window's loop within this report, it would delete the dialog under it.
   if (--reports == 0 && retired) deleteLater();
 }
 
@@ -107,7 +107,7 @@ void DialogWidget::Retire() {
   if (reports == 0) delete this;
 }
 
-// It stays enabled, and so keeps the focus.
+// The button stays enabled and keeps the focus; only its colours change.
 void DialogWidget::ShowWaiting(bool waiting) {
   if (pressed == nullptr) return;
   QPalette look;
@@ -131,7 +131,7 @@ void DialogWidget::FocusControl(HWND control, bool selectAll) {
 void DialogWidget::Place(QPoint topLeft) {
   const QScopedValueRollback<bool> guard(placing, true);
   framePlace = topLeft;
-  // A plain move would place the client area of a window that has no frame yet.
+  // As long as the window has no frame, move() places its client area.
   move(topLeft);
   windowHandle()->setFramePosition(topLeft);
 }
@@ -149,7 +149,7 @@ QMargins DialogWidget::Frame() {
 }
 
 bool DialogWidget::eventFilter(QObject* widget, QEvent* event) {
-  // A push button with the focus would answer Enter by itself.
+  // Qt would let a push button with the focus answer Enter; here Enter is the core's to answer.
   if (event->type() == QEvent::KeyPress && qobject_cast<QPushButton*>(widget) != nullptr) {
     auto* key = static_cast<QKeyEvent*>(event);
     if (!IsEnter(*key)) return false;
@@ -164,7 +164,7 @@ void DialogWidget::OnFocusIn(QWidget& widget) {
   if (scrolled != nullptr) scrolled->Follow(widget);
   if (placing) return;
   for (const auto& [control, shown] : controls) {
-    // The same one again when the window becomes the active one.
+    // A window that becomes active reports the same control again.
     if (shown != &widget || std::exchange(focused, control) == control) continue;
     return Report([control = control](DisplayEvents& to) { to.OnFocus(control); });
   }
@@ -192,16 +192,17 @@ void DialogWidget::keyPressEvent(QKeyEvent* event) {
   }
 }
 
-// A host that quits closes all windows first and gives up on one that stays open.
+// The dialog itself stays open until the core ends it. A host that quits closes all its windows first, and does not
+// quit if one stays open; so a dialog that has ended by now accepts.
 void DialogWidget::closeEvent(QCloseEvent* event) {
   Report([this](DisplayEvents& to) { to.OnCloseBox(handle); });
   event->setAccepted(!event->spontaneous() && isEnded != nullptr && *isEnded);
 }
 
-// A window manager places a window before it shows it; from then on it is the user who moves it.
+// The window manager places a window before it is shown; a move after that is the user's.
 void DialogWidget::moveEvent(QMoveEvent* event) {
   QDialog::moveEvent(event);
-  // If the client area has not moved, the frame's size has just become known.
+  // If the client area stands where it was, only the size of the frame has become known.
   const QPoint place = geometry().topLeft();
   if (std::exchange(clientPlace, place) == place || placing || !windowHandle()->isExposed()) return;
   Report([this](DisplayEvents& to) { to.OnDragged(handle); });

@@ -18,7 +18,7 @@ constexpr Qt::WindowFlags dialogFlags =
 
 class DialogWidget final : public QDialog {
  public:
-  // The events are reported until Abandon or Retire. workArea: of its screen, which a dialog does not grow beyond.
+  // Reports events until Abandon or Retire. workArea: the size of its screen's work area; the dialog gets no larger.
   DialogWidget(const DialogView& view, DisplayEvents& coreEvents, QSize workArea);
 
   const std::map<HWND, QWidget*>& Controls() const { return controls; }
@@ -26,22 +26,22 @@ class DialogWidget final : public QDialog {
   // `ended` becomes true when the core is done with the dialog; it lives until Retire.
   void SetRun(const bool& ended) { isEnded = &ended; }
   void ShowActive();
-  // Reports nothing more. For a dialog that is still open when the library goes, which is at the end of the process:
-  // Qt may be half gone, or its screen, and nothing else of the window is safe to touch.
+  // Reports nothing more. For a dialog that is still open when the library is unloaded at the end of the process: Qt or
+  // its screen may be gone by then, and nothing else of the window is safe to touch.
   void Abandon();
-  // Hides it, finishes what it owns, gives the input back to its owner, reports nothing more, and lets the object go
-  // once no report is underway.
+  // Hides the window, ends the message boxes it owns, gives the input back to its owner, reports nothing more, and
+  // deletes the object as soon as no report is under way.
   void Retire();
 
-  // Shows the button whose command makes the thread wait like a disabled one, and draws at once.
+  // Draws at once the button whose command makes the thread wait, in the colours of a disabled one.
   void ShowWaiting(bool waiting);
   void FocusControl(HWND control, bool selectAll);
-  // Places the frame.
+  // Moves the frame's top left corner there.
   void Place(QPoint topLeft);
   QRect FrameRectangle() const;
   QRect ClientRectangle() const;
 
-  // The frame that the window manager puts around dialogs: a usual one until one was seen.
+  // The widths of the frame that the window manager puts around dialogs; assumed until a dialog has been shown.
   static QMargins Frame();
 
  protected:
@@ -65,13 +65,13 @@ class DialogWidget final : public QDialog {
   DisplayEvents* events;          // null once abandoned or retired
   const bool* isEnded = nullptr;  // null until the dialog runs
   OwnerWindow owner;
-  std::map<HWND, QWidget*> controls;     // in template order, by which handles count up
+  std::map<HWND, QWidget*> controls;     // in template order, because handles count up
   ScrolledControls* scrolled = nullptr;  // in a dialog that is larger than its screen
   HWND focused = nullptr;                // the control that the core knows to have the focus
-  bool placing = false;                  // within a change of place or focus by the program
-  int reports = 0;                       // underway
+  bool placing = false;                  // while the program itself changes place or focus
+  int reports = 0;                       // under way
   bool retired = false;
-  QWidget* pressed = nullptr;  // the button whose command is underway
+  QWidget* pressed = nullptr;  // the button whose command is under way
   QPoint framePlace;           // where the program wants the frame
   QPoint clientPlace;          // where the client area was last
 };

@@ -8,12 +8,13 @@
 namespace windowing {
 namespace {
 
-// By these a desktop knows the program that it starts. Qt would use them, but that program is the host.
+// The desktop gives these to the program that it starts, so that it knows the program's first window. Qt would use them
+// up for a dialog; they are the host's.
 constexpr const char* startupVariables[] = {"DESKTOP_STARTUP_ID", "XDG_ACTIVATION_TOKEN"};
 constexpr const char* sessionVariable = "SESSION_MANAGER";
 constexpr const char* themeVariable = "QT_QPA_PLATFORMTHEME";
 
-// Versions of a toolkit that fail when Qt's desktop theme loads another version beside them.
+// Versions of GTK that fail when Qt's desktop theme loads another version of it beside them.
 constexpr const char* otherToolkits[] = {"libgtk-x11-2.0.so.0", "libgtk-4.so.1"};
 
 bool IsLoaded(const char* library) {
@@ -40,7 +41,7 @@ XErrorHandler CurrentXErrorHandler() {
 
 HostState::HostState() : locale(std::setlocale(LC_ALL, nullptr)), xErrorHandler(CurrentXErrorHandler()) {
   for (const char* name : startupVariables) Keep(name);
-  // At the end of the desktop session the host answers for itself; this application could not answer between dialogs.
+  // The desktop asks each program before a session ends. The host answers for itself: between dialogs nobody could.
   Keep(sessionVariable);
   unsetenv(sessionVariable);
   Keep(themeVariable);

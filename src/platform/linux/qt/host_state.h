@@ -1,5 +1,5 @@
-// Keeps for the host what the making of a QApplication changes in the whole process: the locale, the environment and
-// the X library's error handler. Lives on the stack around it.
+// Making a QApplication changes the locale, the environment and the X error handler of the whole process. This object
+// saves them for the host when it is made, and restores them when it goes.
 #ifndef NVSUPPORT_PLATFORM_LINUX_QT_HOST_STATE_H
 #define NVSUPPORT_PLATFORM_LINUX_QT_HOST_STATE_H
 

@@ -1,4 +1,4 @@
-// The icon of dialogs in a host that has none.
+// The icon of dialogs when the host has none.
 #ifndef NVSUPPORT_PLATFORM_LINUX_QT_ICON_H
 #define NVSUPPORT_PLATFORM_LINUX_QT_ICON_H
 

@@ -19,8 +19,8 @@ QMessageBox::Icon IconOf(UINT type) {
   return (type & MB_ICONINFORMATION) != 0 ? QMessageBox::Information : QMessageBox::NoIcon;
 }
 
-// What a window manager needs for a caption: its font, which only it knows, is taken for a bold one of the dialogs',
-// and each of the icon and the button beside it for as wide as the caption is high.
+// How wide a window has to be for its caption. Only the window manager knows its font, so a bold one of the dialog's
+// size is assumed, and room for an icon and a button that are each as wide as the caption is high.
 int CaptionWidth(QFont font, const QString& caption) {
   font.setBold(true);
   return QFontMetrics(font).horizontalAdvance(caption) + 4 * DialogWidget::Frame().top();
@@ -35,9 +35,9 @@ MessageBox::MessageBox(const MessageBoxView& view) {
   setTextFormat(Qt::PlainText);
   setText(QString::fromStdString(view.text));
   setTextInteractionFlags(Qt::TextSelectableByMouse);
-  // Without a picture, like those of the dialogs, whose templates leave no room for one.
+  // Without an icon, like the buttons of the dialogs, which have no room for one.
   addButton(QMessageBox::Ok)->setIcon(QIcon());
-  // It takes its size from its contents alone.
+  // A message box sizes itself to its contents, so the caption's width has to be part of them.
   auto* grid = qobject_cast<QGridLayout*>(layout());
   if (grid == nullptr) return;
   grid->addItem(new QSpacerItem(CaptionWidth(font(), windowTitle()), 0), grid->rowCount(), 0, 1, grid->columnCount());

@@ -1,5 +1,5 @@
-// A message box. It has no parent widget: asked for its window, it would turn every control of the parent's into a
-// window of its own, with a cursor of its own.
+// A message box. It has no parent widget: with one, asking for its window id would make Qt turn every control of the
+// parent into a native window with a cursor of its own.
 #ifndef NVSUPPORT_PLATFORM_LINUX_QT_MESSAGE_BOX_H
 #define NVSUPPORT_PLATFORM_LINUX_QT_MESSAGE_BOX_H
 
@@ -14,7 +14,7 @@ class MessageBox final : public QMessageBox {
   explicit MessageBox(const MessageBoxView& view);
 
  protected:
-  // Copy takes all that the box says.
+  // Ctrl+C copies the caption, the text and the button.
   void keyPressEvent(QKeyEvent* event) override;
 };
 

@@ -6,7 +6,7 @@ namespace windowing {
 
 QWindow* QtWindow(std::uintptr_t id) {
   for (QWindow* window : QGuiApplication::allWindows()) {
-    // A window that stands for another program's has no such information.
+    // Asking for its id is safe only for a window that Qt made and that exists.
     if (window->type() == Qt::ForeignWindow || window->handle() == nullptr) continue;
     if (window->winId() == id) return window;
   }
@@ -33,9 +33,9 @@ OwnerWindow OwnerOf(const QWidget* dialog, std::uintptr_t foreignId) {
 
 void SetOwner(QWidget& window, QWindow* owner) {
   window.setWindowModality(owner != nullptr ? Qt::WindowModal : Qt::ApplicationModal);
-  // The end of a dialog is not the end of a host whose own windows happen to be hidden.
+  // A host whose own windows are hidden must not quit because a dialog closes.
   window.setAttribute(Qt::WA_QuitOnClose, false);
-  window.winId();  // makes the window that the owner is set on
+  window.winId();  // makes windowHandle() exist
   window.windowHandle()->setTransientParent(owner);
 }
 

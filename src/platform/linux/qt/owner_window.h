@@ -1,4 +1,4 @@
-// Ties a window of ours to the one that owns it: above it, and the owner takes no input meanwhile.
+// Ties one of our windows to its owner: it stays above the owner, which takes no input meanwhile.
 #ifndef NVSUPPORT_PLATFORM_LINUX_QT_OWNER_WINDOW_H
 #define NVSUPPORT_PLATFORM_LINUX_QT_OWNER_WINDOW_H
 
@@ -10,20 +10,20 @@
 
 namespace windowing {
 
-// A window of Qt's in this process by its id, on whatever screen system; null if there is none.
+// Finds a Qt window of this process by its id, on X11 or any other system; null if there is none.
 QWindow* QtWindow(std::uintptr_t id);
 QWindow& TopLevelOf(QWindow& window);
 
-// What Qt knows of the window that owns another. One that is not Qt's stands here for as long as it owns.
+// The owner of a window, as Qt sees it. For a window that is not Qt's, a stand-in lives here as long as it is needed.
 struct OwnerWindow {
   QPointer<QWindow> window;          // null for no owner
-  std::unique_ptr<QWindow> foreign;  // what `window` points to if the window is not Qt's
+  std::unique_ptr<QWindow> foreign;  // the stand-in, if there is one
 };
 
-// The owner is a dialog, or else a top-level window of the host's own by its id, which may be 0 for none.
+// The owner is the dialog or, without one, the host's top-level window with this id; 0 means none.
 OwnerWindow OwnerOf(const QWidget* dialog, std::uintptr_t foreignId);
 
-// A window without an owner holds up all of the application's windows: the host is waiting for this one.
+// Without an owner the window blocks all windows of the application, because the host is waiting for it.
 void SetOwner(QWidget& window, QWindow* owner);
 
 }  // namespace windowing

@@ -15,7 +15,7 @@ namespace {
 // The same bit in the masks of X and of Wayland.
 constexpr quint32 lockMask = XCB_MOD_MASK_LOCK;
 
-// The state of the keyboard now where it can be asked for, else as it was at the key.
+// On X11 the server is asked for the present state; elsewhere the event of a key tells it.
 bool IsCapsLockOn(const QEvent& event) {
   const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
   if (xcb_connection_t* const server = x11 != nullptr ? x11->connection() : nullptr) {

@@ -1,4 +1,4 @@
-// The edit of a password. With Caps Lock on it says so, by a sign that is also told to screen readers.
+// The edit of a password. While Caps Lock is on it shows a sign that screen readers announce, too.
 #ifndef NVSUPPORT_PLATFORM_LINUX_QT_PASSWORD_EDIT_H
 #define NVSUPPORT_PLATFORM_LINUX_QT_PASSWORD_EDIT_H
 

@@ -4,7 +4,7 @@
 
 extern "C" __attribute__((visibility("default"))) windowing::Display* nvsupport_open_display(
     windowing::DisplayEvents* events, std::string& whyNot) {
-  // Lives as long as the process, like the application that it shows its windows in.
+  // Never deleted, like the QApplication that it needs.
   static windowing::QtDisplay* display = nullptr;
   if (events == nullptr) {
     if (display != nullptr) display->Use(nullptr);

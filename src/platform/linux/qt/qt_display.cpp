@@ -22,7 +22,7 @@ RECT ToRect(const QRect& r) {
   return {r.left(), r.top(), r.left() + r.width(), r.top() + r.height()};
 }
 
-// Pixels of the device to Qt's, which keep each screen's origin.
+// From the X server's pixels to Qt's. A screen that Qt scales keeps its origin.
 QRect FromDevicePixels(const QRect& device) {
   const QScreen* found = QGuiApplication::primaryScreen();
   for (const QScreen* screen : QGuiApplication::screens()) {
@@ -48,8 +48,7 @@ void QtDisplay::SetLanguage(const std::string& name) {
   TranslateApplication(name);
 }
 
-// The width is rounded up: templates are laid out for a font that is narrow for its height, and Qt's usual ones are
-// wide.
+// The width is rounded up: the templates are made for a narrow font, and the usual ones of Qt are wider.
 POINT QtDisplay::BaseUnits() {
   const QFontMetrics font(QApplication::font());
   const QString letters = QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz");
@@ -142,8 +141,8 @@ void QtDisplay::DestroyDialogWindow(HWND dialog) {
 void QtDisplay::RunModal(HWND dialog, const bool& ended) {
   if (DialogWidget* window = Find(dialog)) window->SetRun(ended);
   QEventLoop loop;
-  // Whatever has ended the dialog, the user or a timer of the host's, is seen before the thread would sleep, and at
-  // the next round of events where the host never lets it sleep.
+  // The user or a timer of the host's may end the dialog. That is seen before the thread sleeps or, if the host never
+  // lets it sleep, in the next round of events.
   const auto leaveIfEnded = [&] {
     if (ended) loop.exit();
   };
@@ -161,7 +160,7 @@ int QtDisplay::RunMessageBox(const MessageBoxView& view) {
   box.setWindowIcon(IconUnder(view.owner, view.foreignOwner));
   windowing::SetOwner(box, owner.window);
   if (x11 != nullptr) x11->KeepContentsAndEdge(box.winId());
-  // The owner may go while the box runs, and the box with it.
+  // If the owner goes while the box is open, the box goes, too.
   if (dialog != nullptr) QObject::connect(dialog, &QDialog::finished, &box, &QDialog::reject);
   box.exec();
   if (Find(view.owner) == dialog && dialog != nullptr) dialog->activateWindow();
@@ -177,7 +176,7 @@ void QtDisplay::SetCheck(HWND checkBox, int state) {
   if (const DialogWidget* dialog = FindOwnerOf(checkBox)) ShowCheckState(*dialog->Controls().at(checkBox), state);
 }
 
-// A dialog that owns another takes no input by that one's modality, and keeps its looks.
+// Only for controls: a dialog that owns another is kept from input by that one's modality, and must not look disabled.
 void QtDisplay::SetEnabled(HWND window, bool enabled) {
   if (const DialogWidget* dialog = FindOwnerOf(window)) dialog->Controls().at(window)->setEnabled(enabled);
 }
@@ -206,7 +205,7 @@ POINT QtDisplay::ClientOrigin(HWND dialog) {
   return {client.left(), client.top()};
 }
 
-// A window of the host's own may be Qt's, on whatever screen system, or any on the X server.
+// The host's window may be one of Qt's, on any system, or any window of the X server.
 std::optional<RECT> QtDisplay::ForeignRect(std::uintptr_t window) {
   if (const QWindow* own = QtWindow(window)) return ToRect({own->mapToGlobal(QPoint(0, 0)), own->size()});
   const std::optional<QRect> found = x11 != nullptr ? x11->WindowRectangle(window) : std::nullopt;

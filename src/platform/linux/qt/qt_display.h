@@ -1,4 +1,4 @@
-// The display of Qt Widgets. One for the process; it outlives the module that uses it.
+// The display that shows the dialogs with Qt Widgets. The process has one, which outlives the module that uses it.
 #ifndef NVSUPPORT_PLATFORM_LINUX_QT_QT_DISPLAY_H
 #define NVSUPPORT_PLATFORM_LINUX_QT_QT_DISPLAY_H
 
@@ -14,7 +14,7 @@ namespace windowing {
 class QtDisplay final : public Display {
  public:
   QtDisplay() : x11(X11Connection::Open()) {}
-  // Null between two loads of the module.
+  // Null when the module is being unloaded.
   void Use(DisplayEvents* coreEvents);
 
   void SetLanguage(const std::string& name) override;
@@ -47,14 +47,14 @@ class QtDisplay final : public Display {
  private:
   DialogWidget* Find(HWND dialog) const;
   DialogWidget* FindOwnerOf(HWND control) const;
-  // That of the owner, else the host's, else one of our own.
+  // The owner's icon, else the host's, else our own.
   QIcon IconUnder(HWND owner, std::uintptr_t foreignOwner) const;
-  // Of the owner's screen, which the dialog opens on; without an owner of the primary one.
+  // The work area of the screen that the dialog opens on: the owner's, or without an owner the primary one.
   RECT WorkAreaFor(const DialogView& view);
 
   DisplayEvents* events = nullptr;
   const std::unique_ptr<X11Connection> x11;     // null when there is no X server
-  std::map<HWND, DialogWidget*> dialogs;        // let go by Retire
+  std::map<HWND, DialogWidget*> dialogs;        // deleted by Retire
   std::map<HWND, DialogWidget*> controlOwners;  // by control
 };
 

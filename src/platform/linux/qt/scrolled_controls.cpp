@@ -8,9 +8,9 @@
 namespace windowing {
 namespace {
 
-constexpr int margin = 8;  // around what is in sight
+constexpr int margin = 8;  // left around a control that is scrolled into sight
 
-// Of the lowest push buttons; without any the bottom of the dialog.
+// Where the row of the lowest push buttons begins; the bottom of a dialog without push buttons.
 int TopOfLastRow(const std::vector<QWidget*>& controls, int bottom) {
   int top = 0;
   for (const QWidget* control : controls) {

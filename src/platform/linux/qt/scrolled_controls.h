@@ -1,5 +1,5 @@
-// Where the controls of a dialog lie that is larger than its screen: in a scroll area that follows the focus, and below
-// it, always in sight, the row of buttons at the bottom. Controls keep their places in the dialog as it was laid out.
+// Holds the controls of a dialog that is larger than its screen: a scroll area that follows the focus and, always in
+// sight below it, the last row of buttons. Every control keeps its place in the layout of the whole dialog.
 #ifndef NVSUPPORT_PLATFORM_LINUX_QT_SCROLLED_CONTROLS_H
 #define NVSUPPORT_PLATFORM_LINUX_QT_SCROLLED_CONTROLS_H
 
@@ -11,12 +11,12 @@ namespace windowing {
 
 class ScrolledControls final : public QScrollArea {
  public:
-  // Takes the controls of a dialog that was laid out for a whole size and has been given a smaller one.
+  // Takes the controls over. whole: the size that they are laid out for; the dialog itself is smaller by now.
   ScrolledControls(QDialog& dialog, const std::vector<QWidget*>& controls, QSize whole);
 
-  // Brings a control into sight, an edit with the label that names it.
+  // Scrolls a control into sight, and the label of an edit with it.
   void Follow(const QWidget& control);
-  // Scrolls by the arrow and page keys.
+  // Made public: it scrolls on the arrow and page keys.
   using QScrollArea::keyPressEvent;
 
  protected:
@@ -24,7 +24,7 @@ class ScrolledControls final : public QScrollArea {
   void scrollContentsBy(int x, int y) override;
 
  private:
-  // Beside what the area shows.
+  // Moves the row sideways with what the area shows.
   void PlaceRow();
 
   QWidget* row = nullptr;  // of buttons

@@ -19,7 +19,7 @@ namespace {
 constexpr const char* platformVariable = "QT_QPA_PLATFORM";
 constexpr const char* pluginPathVariable = "QT_QPA_PLATFORM_PLUGIN_PATH";
 
-// Each of these returns what is wrong, or an empty text.
+// Each function whose name ends in Fault returns what is wrong, or an empty text.
 QString XServerFault() {
   xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
   const bool answers = xcb_connection_has_error(connection) == 0;
@@ -31,7 +31,7 @@ QString XServerFault() {
 }
 
 QString WaylandFault() {
-  if (qEnvironmentVariableIsSet("WAYLAND_SOCKET")) return {};  // a connection that the parent process made
+  if (qEnvironmentVariableIsSet("WAYLAND_SOCKET")) return {};  // an open connection that the parent process passed on
   QByteArray path = qgetenv("WAYLAND_DISPLAY");
   if (path.isEmpty()) return QStringLiteral("WAYLAND_DISPLAY is not set");
   if (!path.startsWith('/')) path = qgetenv("XDG_RUNTIME_DIR") + '/' + path;
@@ -62,7 +62,7 @@ bool IsPluginFor(const QPluginLoader& plugin, const QString& platform) {
   return false;
 }
 
-// Loads the platform's plugin, because one that is there can still lack a library that it needs.
+// Loads the plugin of the platform: its file may be there and still lack a library that it needs.
 QString PluginFault(const QString& platform) {
   QString fault = QStringLiteral("Qt has no plugin for it in ") + PluginFolders().join(QLatin1Char(':'));
   for (const QString& folder : PluginFolders()) {

@@ -5,7 +5,7 @@
 #include <limits>
 #include <string_view>
 
-// Last, because its macros take names that Qt uses.
+// Last, because it defines macros with names that Qt uses.
 #include <X11/Xlib.h>
 
 namespace windowing {
@@ -93,7 +93,7 @@ QImage X11Connection::WindowIcon(std::uintptr_t window) const {
       xcb_get_property(connection, 0, static_cast<xcb_window_t>(window), windowIcon, XCB_ATOM_CARDINAL, 0, mostWords);
   const Answer<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection, ask, nullptr));
   if (reply == nullptr || reply->format != 32 || reply->value_len < 2) return {};
-  // Width, height, pixels; more pictures may follow.
+  // Width, height and pixels of the first icon; others may follow.
   const auto* words = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
   const std::uint32_t width = words[0];
   const std::uint32_t height = words[1];
@@ -105,7 +105,7 @@ QImage X11Connection::WindowIcon(std::uintptr_t window) const {
 }
 
 void X11Connection::KeepContentsAndEdge(std::uintptr_t window) const {
-  constexpr std::uint32_t looks[] = {0x808080, XCB_BACKING_STORE_WHEN_MAPPED};  // the line is grey
+  constexpr std::uint32_t looks[] = {0x808080, XCB_BACKING_STORE_WHEN_MAPPED};  // the colour of the line: grey
   constexpr std::uint32_t width = 1;
   const auto id = static_cast<xcb_window_t>(window);
   xcb_change_window_attributes(connection, id, XCB_CW_BORDER_PIXEL | XCB_CW_BACKING_STORE, looks);

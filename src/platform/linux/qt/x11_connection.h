@@ -1,5 +1,5 @@
-// A connection to the X server beside Qt's own: for windows of the host that are not Qt's, and what Qt has no words
-// for.
+// A connection of our own to the X server, beside Qt's. It serves what Qt has no functions for, such as the host's
+// windows that are not Qt's.
 #ifndef NVSUPPORT_PLATFORM_LINUX_QT_X11_CONNECTION_H
 #define NVSUPPORT_PLATFORM_LINUX_QT_X11_CONNECTION_H
 
@@ -15,21 +15,21 @@ namespace windowing {
 
 class X11Connection {
  public:
-  // To the server that shows Qt's windows; null when that is no X server.
+  // Connects to the X server that shows Qt's windows; null if they are on another system.
   static std::unique_ptr<X11Connection> Open();
   ~X11Connection();
   X11Connection(const X11Connection&) = delete;
   X11Connection& operator=(const X11Connection&) = delete;
 
-  // The client area of a window on the screen, in pixels of the device; nothing if there is no such window.
+  // The client area of a window on the screen, in the server's pixels; nothing if there is no such window.
   std::optional<QRect> WindowRectangle(std::uintptr_t window) const;
-  // The one that the window manager handles, which a window is or lies in; without a manager that below the root. 0 if
-  // there is no such window.
+  // The window itself, or the one it lies in, that a window manager handles; without a window manager, the one right
+  // below the root window. 0 if there is no such window.
   xcb_window_t TopLevelWindow(std::uintptr_t window) const;
   // Null if it has none.
   QImage WindowIcon(std::uintptr_t window) const;
-  // Asks the server to show what was drawn when the window is uncovered, while nobody draws it anew; and gives the
-  // window a line around it where no window manager draws one.
+  // Asks the server to keep what is drawn in the window, so that it shows again when the window is uncovered while
+  // nobody draws. Without a window manager the window gets a line around it.
   void KeepContentsAndEdge(std::uintptr_t window) const;
 
  private:
@@ -39,8 +39,8 @@ class X11Connection {
   xcb_connection_t* connection;
   xcb_screen_t* screen;
   xcb_atom_t windowIcon;    // _NET_WM_ICON
-  xcb_atom_t managedState;  // WM_STATE, a property of what a window manager handles
-  xcb_atom_t manager;       // _NET_SUPPORTING_WM_CHECK, of the root under a window manager
+  xcb_atom_t managedState;  // WM_STATE, which a window manager sets on each window that it handles
+  xcb_atom_t manager;       // _NET_SUPPORTING_WM_CHECK, which it sets on the root window
 };
 
 }  // namespace windowing
