@@ -1,4 +1,3 @@
-// A thread of its own waits for the delay, because the calling one is blocked in an exchange.
 #include "ui/busy_cursor.h"
 
 namespace nvsupport {
@@ -7,7 +6,7 @@ BusyCursor::BusyCursor() : ownerThread(GetCurrentThreadId()), waitCursor(LoadCur
   if (!platform::PrepareForWait()) return;
   stopEvent.reset(CreateEventA(nullptr, TRUE, FALSE, nullptr));
   watcher.reset(CreateThread(nullptr, 0, &BusyCursor::Watch, this, 0, nullptr));
-  // Without a second thread nobody can time the delay.
+  // Without a second thread nobody times the delay, so the cursor shows at once.
   if (!watcher) SetCursor(waitCursor);
 }
 

@@ -1,5 +1,5 @@
-// A wait cursor for a call that blocks the user interface longer than 150 milliseconds. Made on the stack of the
-// blocking operation; a second thread times the delay, because the calling one is blocked.
+// A wait cursor for a call that blocks the user interface longer than 150 milliseconds. The blocking operation makes it
+// on its stack; a second thread times the delay, because the calling one is blocked.
 #ifndef NVSUPPORT_UI_BUSY_CURSOR_H
 #define NVSUPPORT_UI_BUSY_CURSOR_H
 

@@ -9,8 +9,8 @@
 
 namespace nvsupport {
 
-// Runs the template `id` under `parent` and returns the id of the button, 2 when the dialog ended in another way or
-// could not be shown. `text` goes, as it stands, into the control `textControlId`; 0: into none. `last` is unused.
+// Runs the template `id` under `parent` and returns the id of the button, or 2 if the dialog ended in another way or
+// could not be shown. `text` goes untranslated into the control `textControlId`, if that is not 0. `last` is unused.
 std::uint32_t ShowButtonDialog(std::uint32_t id, HWND parent, const std::string& text, std::uint32_t textControlId,
                                std::uint32_t last);
 

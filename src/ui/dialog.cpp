@@ -8,7 +8,7 @@
 namespace nvsupport {
 namespace {
 
-// Dialogs from here on come from the resource library.
+// Dialogs with this id or a larger one come from the resource library.
 constexpr std::uint32_t firstResourceLibraryId = 5000;
 constexpr INT_PTR dialogFailed = -1;
 

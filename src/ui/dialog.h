@@ -24,8 +24,8 @@ class Dialog : public Window {
 
   void onDestroy() override;
 
-  // Runs the dialog until it ends: the value given to EndDialog, 2 for id 0, -1 if it could not be shown. 1 counts
-  // as confirmed and everything else as not.
+  // Runs the dialog until it ends. Returns the value given to EndDialog, 2 for id 0, or -1 if the dialog could not be
+  // shown. Callers take 1 as confirmed and everything else as not.
   INT_PTR run(HWND parent);
 
  protected:
@@ -46,14 +46,14 @@ class Dialog : public Window {
   std::uint32_t dialogId;
 };
 
-// Gives a control of a dialog the focus, an edit with its text selected. Nothing happens without such a control.
+// Gives a control of a dialog the focus, and selects the text of an edit. Does nothing if there is no such control.
 void FocusItem(HWND dialog, int id);
 
-// The modules that hold the dialog templates: the library's own, as the loader named it, and the one of the dialogs
-// with large ids; null until first needed, then kept.
+// The modules that hold the dialog templates: the library itself, as the loader named it, and the resource library for
+// dialogs with large ids, which is null until it is first needed and then stays loaded.
 extern HINSTANCE g_moduleHandle;
 extern HINSTANCE resourceLibrary;
-// The one that holds a template; null if it cannot be loaded.
+// The module that holds this template; null if it cannot be loaded.
 HINSTANCE ResourceModuleFor(std::uint32_t id);
 
 }  // namespace nvsupport

@@ -25,7 +25,7 @@ class MemoryException final : public Exception {
   std::string message() const override { return "Out of memory"; }
 };
 
-// Ready-made, because there may be no room left to make them when they are needed.
+// Made in advance, because there may be no memory left to make them when they are needed.
 extern StackOverflowException stackOverflowException;
 extern MemoryException memoryException;
 

@@ -3,7 +3,7 @@
 namespace nvsupport {
 namespace {
 
-// A longer chain is damaged; the bound ends a search in it.
+// A longer chain of records is damaged; a search ends there.
 constexpr int longestChain = 1001;
 
 SubclassRecord* HeadRecord(HWND window) {
@@ -65,7 +65,7 @@ bool InstanceSubclasser::unsubclass(HWND window) {
 
 LRESULT InstanceSubclasser::callPrevious(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   const SubclassRecord* const record = find(window);
-  if (record == nullptr) return 0;  // a handler destroyed the window that its message was for
+  if (record == nullptr) return 0;  // a handler destroyed the window while it handled this message
   const WNDPROC previous = record->previousProc;
   if (message == WM_DESTROY || message == WM_NCDESTROY) unsubclass(window);
   return CallWindowProcA(previous, window, message, wParam, lParam);

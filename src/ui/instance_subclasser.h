@@ -1,5 +1,5 @@
-// Ties objects to windows: installs a shared window procedure and keeps a chained record in the window's user-data
-// long, so that a handle leads to its object without a table of handles.
+// Ties objects to windows: installs a shared window procedure, and keeps a chain of records in the window's user data,
+// so that the object of a handle is found without a table of handles.
 #ifndef NVSUPPORT_UI_INSTANCE_SUBCLASSER_H
 #define NVSUPPORT_UI_INSTANCE_SUBCLASSER_H
 
@@ -9,7 +9,7 @@ namespace nvsupport {
 
 class Window;
 
-// One per subclassed window and subclasser; owned by the subclasser, freed by unsubclass.
+// One for each window and subclasser that is tied to it. The subclasser owns it; unsubclass frees it.
 struct SubclassRecord {
   WNDPROC ownerProc;     // the shared procedure of the subclasser that made the record
   WNDPROC previousProc;  // the window's procedure before that subclasser took over
@@ -28,17 +28,17 @@ class InstanceSubclasser {
 
   // The window's record of this subclasser, or null.
   SubclassRecord* find(HWND window) const;
-  // True if a new record was made; a window that has one gets the new object instead.
+  // True if a new record was made; a window that has one already is tied to the new object instead.
   bool subclass(HWND window, Window* object);
-  // Hands a message to the procedure from before. The window must have a record. Takes the window out of the chain
-  // on WM_DESTROY and WM_NCDESTROY.
+  // Passes a message to the procedure that the window had before. The window must have a record, which goes on
+  // WM_DESTROY and WM_NCDESTROY.
   LRESULT callPrevious(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
  private:
   WNDPROC proc;
 };
 
-// The one of Window and its subclasses.
+// The subclasser of Window and its subclasses.
 extern InstanceSubclasser& windowSubclasser;
 
 }  // namespace nvsupport

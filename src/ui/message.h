@@ -14,8 +14,8 @@ extern std::string& messageCaption;
 
 void SetMessageCaption(const std::string& text);
 
-// parent: owner, may be null. type: MB_ values. text and format: English source texts, looked up in the catalogue.
-// Each returns the id of the button.
+// parent: the owner, may be null. type: MB_ values. text, format: in English; the catalogue's translation is shown.
+// Each function returns the id of the button.
 int ShowMessage(HWND parent, UINT type, const std::string& text);
 [[gnu::format(printf, 3, 4)]] int ShowMessageFormat(HWND parent, UINT type, const char* format, ...);
 int ShowMessageArgs(HWND parent, UINT type, const std::string& format, std::va_list arguments);

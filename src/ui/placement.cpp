@@ -12,13 +12,13 @@ void MoveWindowTo(HWND window, LONG x, LONG y) {
   SetWindowPos(window, nullptr, static_cast<int>(x), static_cast<int>(y), 0, 0, moveFlags);
 }
 
-// What a dialog's place is relative to; null stands for the screen.
+// The client area that a dialog's place is relative to; null stands for the screen.
 HWND ReferenceOf(HWND window) {
   const HWND parent = GetParent(window);
   return parent != nullptr ? parent : GetWindow(window, GW_OWNER);
 }
 
-// Moves a stretch of `length` into [first, last) and returns its start; one that is too long starts at `first`.
+// Moves a stretch of `length` into [first, last) and returns its start. If it is too long it starts at `first`.
 LONG KeptInside(LONG start, LONG length, LONG first, LONG last) {
   return std::max(std::min(start, last - length), first);
 }
@@ -53,7 +53,7 @@ void PlaceDialog(HWND window, std::uint32_t dialogId) {
 void RememberPosition(HWND window, std::uint32_t dialogId) {
   RECT place{};
   GetWindowRect(window, &place);
-  // Both corners, so that an owner that is laid out from right to left gives the left one.
+  // Both corners are mapped: in an owner that is laid out from right to left they change sides.
   POINT corners[] = {{place.left, place.top}, {place.right, place.bottom}};
   MapWindowPoints(nullptr, ReferenceOf(window), corners, 2);
   dialogPositions[dialogId] = corners[0];

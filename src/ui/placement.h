@@ -9,8 +9,8 @@
 
 namespace nvsupport {
 
-// Places that the user gave to dialogs, by dialog id, relative to the owner's client area. Kept for this load of the
-// library only.
+// Where the user left each dialog, by dialog id and relative to the owner's client area. Forgotten when the library is
+// unloaded.
 extern std::map<std::uint32_t, POINT>& dialogPositions;
 
 void PlaceDialog(HWND window, std::uint32_t dialogId);

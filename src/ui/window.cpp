@@ -8,7 +8,7 @@
 namespace nvsupport {
 namespace {
 
-// Screen coordinates left of or above the client area travel as negative 16-bit values.
+// A message holds two signed 16-bit coordinates; they are negative left of the client area and above it.
 int SignedLow(WPARAM value) {
   return static_cast<std::int16_t>(LOWORD(value));
 }
@@ -39,7 +39,7 @@ LRESULT Window::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       try {
         onDestroy();
       } catch (const std::exception&) {
-        // Out of memory: the window goes all the same, and its record with it.
+        // Even without memory the window goes, and its record with it.
       }
       break;
     case WM_SIZE:

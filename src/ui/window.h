@@ -1,4 +1,4 @@
-// An object tied to one window, with a virtual operation for each message that it cares about.
+// An object tied to one window, with a virtual operation for each message that it handles.
 #ifndef NVSUPPORT_UI_WINDOW_H
 #define NVSUPPORT_UI_WINDOW_H
 
@@ -8,7 +8,7 @@ namespace nvsupport {
 
 class Window {
  public:
-  // A live window that is given is tied at once.
+  // If a window is given, the object is tied to it at once.
   explicit Window(HWND window = nullptr);
   Window(const Window&) = delete;
   Window& operator=(const Window&) = delete;

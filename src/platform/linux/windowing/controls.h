@@ -1,5 +1,5 @@
-// Statics, edits and buttons: their window procedures, what they tell their dialog, and what all windows do alike. And
-// the keyboard focus among them: one control of the process has it, and each dialog keeps the one that gets it back.
+// Statics, edits and buttons: their window procedures, what they tell their dialog, and what all windows do alike. Also
+// the keyboard focus: one control of the process has it, and each dialog remembers which of its controls gets it back.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WINDOWING_CONTROLS_H
 #define NVSUPPORT_PLATFORM_LINUX_WINDOWING_CONTROLS_H
 
@@ -17,17 +17,17 @@ LRESULT DefaultWindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM 
 void NotifyDialog(HWND control, WORD code);
 // EN_UPDATE, then EN_CHANGE.
 void NotifyTextChange(HWND edit);
-// A click on a push button or check box, by whatever means.
+// A push button or check box was clicked, by mouse, key or program.
 void ClickButton(HWND button);
 
 // The control that has the focus, or null.
 HWND FocusedControlOfProcess();
 
-// The focus has gone to a control (null: to none); the display knows it already. Notifies the edits concerned.
+// The focus has gone to a control (null: to none), and the display knows. Notifies the edits that got or lost it.
 void GiveFocus(HWND control);
-// Moves the focus to a control, on the display too; selectAll: selects an edit's text, as Tab does.
+// Moves the focus to a control, on the display, too. selectAll: an edit's text is selected, as Tab does it.
 void FocusControl(HWND control, bool selectAll);
-// A window is being destroyed: it gets no further notification.
+// A window is being destroyed: it is notified of nothing more.
 void ForgetFocus(HWND window);
 
 // The first enabled control with a tab stop, in tab order; null without one.

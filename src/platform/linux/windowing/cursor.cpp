@@ -7,10 +7,10 @@
 
 namespace {
 
-// The thread whose input the calling one has joined, or 0. Initial-exec: it needs no memory at its first touch.
+// The thread whose input the calling one has joined, or 0. Initial-exec, so that its first use allocates no memory.
 [[gnu::tls_model("initial-exec")]] thread_local DWORD joinedThread = 0;
 
-// Shared cursors are known by their number.
+// The handle of a shared cursor is its number.
 HCURSOR SharedCursor(LPCSTR name) {
   return reinterpret_cast<HCURSOR>(const_cast<LPSTR>(name));
 }
@@ -36,7 +36,7 @@ HCURSOR SetCursor(HCURSOR cursor) {
   return nullptr;
 }
 
-// Fails where there is nothing that setting it would change.
+// Fails if there is neither a wait cursor nor a display: then SetCursorPos would have no effect.
 BOOL GetCursorPos(POINT* point) {
   const std::optional<POINT> position = windowing::WaitCursorPosition();
   if (!position && windowing::OpenedDisplay() == nullptr) return FALSE;
@@ -44,8 +44,8 @@ BOOL GetCursorPos(POINT* point) {
   return TRUE;
 }
 
-// The pointer is the user's and stays where it is: what is wanted is the other effect, that the window below it
-// chooses its cursor again.
+// Never moves the pointer, which is the user's. The library calls this for its other effect: the window below the
+// pointer chooses its cursor again.
 BOOL SetCursorPos(int, int) {
   windowing::HideWaitCursor();
   if (windowing::Display* display = windowing::OpenedDisplay()) display->ShowWaiting(false);

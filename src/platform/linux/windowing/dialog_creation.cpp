@@ -12,7 +12,7 @@ namespace windowing {
 namespace {
 
 HWND CreateControl(const ControlTemplate& form, HWND dialog, POINT base) {
-  platform::SecretText text(platform::FromUtf8(form.text));  // first: a window that is there must get into its dialog
+  platform::SecretText text(platform::FromUtf8(form.text));  // first: if it throws there is no window yet
   Window& window = NewWindow();
   window.parent = dialog;
   window.kind = form.kind;
@@ -64,13 +64,13 @@ void DisableOnDisplay(Display& display, const DialogState& dialog) {
   }
 }
 
-// Whatever becomes of them, the window goes.
+// The window goes even if a handler of these messages fails.
 void SendLastMessage(HWND handle, UINT message) {
   ModalRun::Contain([=] { SendMessageA(handle, message, 0, 0); });
 }
 
-// The last messages to a window; it is gone from the core after them. Takes no memory of its own, because it is what
-// happens when there is none.
+// Sends a window its last messages; after them it is gone from the core. Allocates no memory, because this also runs
+// when there is none left.
 void TakeDown(HWND handle) {
   Window* window = Find(handle);
   if (window == nullptr || window->destroying) return;
@@ -121,7 +121,7 @@ HWND CreateDialogWindows(Display& display, const DialogTemplate& form, HWND owne
 BOOL DestroyWindow(HWND handle) {
   const windowing::Window* window = windowing::Find(handle);
   if (window == nullptr || window->destroying) return FALSE;
-  // A dialog that goes without EndDialog ends its run too.
+  // Destroying a dialog also ends its modal run, as EndDialog does.
   if (window->dialog) window->dialog->run->ended = true;
   const bool isDialog = window->dialog.has_value();
   windowing::TakeDown(handle);

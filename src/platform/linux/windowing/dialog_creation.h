@@ -8,8 +8,8 @@
 
 namespace windowing {
 
-// The dialog with its controls, in the core and not yet shown on the display; no message is sent. Null if the display
-// cannot make it.
+// Makes a dialog and its controls, in the core and on the display, where it is not shown yet. Sends no message. Null
+// if the display cannot make it.
 HWND CreateDialogWindows(Display& display, const DialogTemplate& form, HWND owner, DLGPROC procedure, ModalRun& run);
 
 }  // namespace windowing

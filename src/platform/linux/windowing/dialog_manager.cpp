@@ -11,7 +11,7 @@ namespace {
 
 constexpr WPARAM leftButtonDown = 1;
 
-// To a control of the dialog's own. In tab order the display moves it by itself.
+// Moves the focus to a control of this dialog. Moves in tab order are the display's.
 void MoveFocus(HWND dialog, HWND control) {
   if (control != dialog && DialogOf(control) == dialog) FocusControl(control, true);
 }
@@ -29,7 +29,7 @@ int DefaultButtonId(const DialogState& dialog) {
   return IDOK;
 }
 
-// The command of a button by its id, there or not; nothing if it is disabled.
+// Sends the command of the button with this id, even if the dialog has no such button. A disabled one sends nothing.
 void PressButton(HWND dialog, int id) {
   const HWND button = GetDlgItem(dialog, id);
   const Window* window = Find(button);
@@ -38,7 +38,7 @@ void PressButton(HWND dialog, int id) {
                reinterpret_cast<LPARAM>(button));
 }
 
-// The command of the button with the focus, else of the default button, else IDOK.
+// Sends the command of the button with the focus, else of the default button, else IDOK.
 void PressEnter(HWND dialog) {
   if (const Window* window = FindDialog(dialog)) PressButton(dialog, DefaultButtonId(*window->dialog));
 }
@@ -48,7 +48,7 @@ void PressEscape(HWND dialog) {
   PressButton(dialog, IDCANCEL);
 }
 
-// False for windows that are gone, disabled by a dialog of their own, or on their way out.
+// False for a window that is gone, is about to go, or is disabled by a dialog that it owns.
 bool TakesInput(HWND window) {
   const Window* found = Find(window);
   const Window* dialog = FindDialog(DialogOf(window));
@@ -59,7 +59,7 @@ LPARAM PackPoint(POINT point) {
   return static_cast<LPARAM>(PackWords(static_cast<WORD>(point.x), static_cast<WORD>(point.y)));
 }
 
-// No exception of a handler may pass through the display, whose code made the call.
+// The display's code makes these calls, so no exception of a handler may leave them.
 template <typename Action>
 void IfItTakesInput(HWND window, Action action) {
   ModalRun::Contain([&] {
@@ -110,7 +110,7 @@ class Events final : public DisplayEvents {
     });
   }
 
-  // The wheel is the dialog's, over whichever of its controls it turns: none of them scrolls.
+  // No control scrolls, so the dialog gets the wheel, whichever control the pointer is over.
   void OnWheel(HWND window, int delta, POINT screenPoint) override {
     IfItTakesInput(window, [=] {
       SendMessageA(DialogOf(window), WM_MOUSEWHEEL, PackWords(0, static_cast<WORD>(delta)), PackPoint(screenPoint));

@@ -1,5 +1,5 @@
-// What every dialog does by itself: it handles what the user does while the dialog takes input, the keys Enter and Esc,
-// the close box, and moves of the focus.
+// What every dialog does with what the user does while it takes input: clicks, the keys Enter and Esc, the close box,
+// and moves of the focus.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WINDOWING_DIALOG_MANAGER_H
 #define NVSUPPORT_PLATFORM_LINUX_WINDOWING_DIALOG_MANAGER_H
 

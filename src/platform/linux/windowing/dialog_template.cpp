@@ -15,7 +15,7 @@ namespace {
 
 constexpr WORD templateVersion = 1;
 constexpr WORD templateSignature = 0xFFFF;
-constexpr WORD ordinalMark = 0xFFFF;  // introduces a number where a text could stand
+constexpr WORD ordinalMark = 0xFFFF;  // what follows is a number in the place of a text
 constexpr WORD buttonClass = 0x80;
 constexpr WORD editClass = 0x81;
 constexpr WORD staticClass = 0x82;
@@ -30,8 +30,7 @@ constexpr int unitsDown = 8;
 
 constexpr char32_t replacementCharacter = 0xFFFD;
 
-// Reads little-endian numbers from bytes that nothing vouches for: past their end everything is 0, and the reader has
-// failed.
+// Reads little-endian numbers from bytes that may be malformed. Behind their end it reads 0, and has failed.
 class ByteReader {
  public:
   explicit ByteReader(Bytes source) : bytes(source) {}
@@ -51,7 +50,7 @@ class ByteReader {
     at += size;
     return taken;
   }
-  // Goes on to a multiple of 4 from the beginning; the end is as good as one.
+  // Goes on to the next multiple of 4, counted from the beginning, or to the end if that comes first.
   void Align() { at = std::min((at + 3) / 4 * 4, bytes.size()); }
 
  private:
@@ -152,7 +151,7 @@ std::optional<ControlTemplate> ReadControl(ByteReader& reader) {
   return control;
 }
 
-// A number, or 0 for a name, which is skipped.
+// Reads a number; a name in its place is skipped and gives 0.
 WORD ReadNumberOrName(ByteReader& header) {
   WORD unit = header.Word();
   if (unit == ordinalMark) return header.Word();

@@ -1,5 +1,5 @@
-// Extended dialog templates (DIALOGEX): where they lie in a compiled resource script (.res), by module and id, and what
-// their compiled form says. Also turns dialog units into pixels.
+// Extended dialog templates (DIALOGEX): finds them in a compiled resource script (.res) by module and id, reads them,
+// and turns dialog units into pixels.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WINDOWING_DIALOG_TEMPLATE_H
 #define NVSUPPORT_PLATFORM_LINUX_WINDOWING_DIALOG_TEMPLATE_H
 
@@ -23,7 +23,7 @@ struct UnitRect {
   std::int16_t height;
 };
 
-// base: the average character of the dialog font.
+// base: size of the average character of the dialog font.
 RECT ToPixels(const UnitRect& place, POINT base);
 
 struct ControlTemplate {
@@ -41,7 +41,7 @@ struct DialogTemplate {
   std::vector<ControlTemplate> controls;
 };
 
-// Nothing if the bytes are no template, end too early, or hold a control of a kind that the core does not have.
+// Nothing if the bytes are no template, end too early, or hold a kind of control that the core does not have.
 std::optional<DialogTemplate> ParseDialogTemplate(Bytes bytes);
 
 // The template of that number in the module's own script, which is linked into it; empty if there is none.

@@ -1,6 +1,6 @@
 // The seam between the window core and what shows its windows. The core holds all state and rules (texts, styles,
 // focus, default button, messages); a display only shows that state and reports what the user does. Texts are UTF-8
-// here, rectangles are pixels. All calls come on the thread that runs the dialogs.
+// here, rectangles are in pixels. All calls come on the thread that runs the dialogs.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WINDOWING_DISPLAY_H
 #define NVSUPPORT_PLATFORM_LINUX_WINDOWING_DISPLAY_H
 
@@ -82,7 +82,7 @@ class Display {
   // Makes the dialog's window with all its controls, not yet shown. False if that is not possible.
   virtual bool CreateDialogWindow(const DialogView& dialog) = 0;
   virtual void ShowDialogWindow(HWND dialog) = 0;
-  // Comes after RunModal, or during it from within an event of this or another dialog, when a handler destroys one.
+  // Comes after RunModal; or during it, when a handler for an event of this or another dialog destroys the dialog.
   virtual void DestroyDialogWindow(HWND dialog) = 0;
   // Runs the user's events until `ended` becomes true. Returns without that when the host quits its event loops.
   virtual void RunModal(HWND dialog, const bool& ended) = 0;
@@ -92,7 +92,7 @@ class Display {
   virtual void SetText(HWND window, const std::string& text) = 0;
   virtual void SetCheck(HWND checkBox, int state) = 0;
   virtual void SetEnabled(HWND window, bool enabled) = 0;
-  // Also before the dialog is shown. The OnFocus that follows tells the core nothing new.
+  // Also called before the dialog is shown. Need not be reported by OnFocus: the core knows.
   virtual void SetFocus(HWND control, bool selectAll) = 0;
   virtual void MoveControl(HWND control, const RECT& rectangle) = 0;  // in its dialog's client area
   // The frame's top left corner on the screen.
@@ -105,16 +105,16 @@ class Display {
   // The top-level window that a host's own window is or lies in; 0 if there is no such window.
   virtual std::uintptr_t ForeignTopLevel(std::uintptr_t window) = 0;
 
-  // The thread is going to be blocked, or no longer is: shows the dialogs as they are meanwhile.
+  // Called before the thread is blocked, and after it: shows that the dialogs wait, or no longer do.
   virtual void ShowWaiting(bool waiting) = 0;
 };
 
 }  // namespace windowing
 
-// The one function that a display plugin exports: gives its display for these events, null when there is no usable
-// display; then it says why, and the way out. The plugin keeps the display; a later call, by the module loaded again,
-// replaces `events`. Null events end the use of the display before the module goes, which at the end of a process is
-// after the plugin's own objects are gone.
+// The one function that a display plugin exports. Returns its display, which reports to `events` from now on, or null
+// if it cannot be used; `whyNot` then says why, and what to do. The plugin keeps the display, also when the module is
+// unloaded and loaded again. Null for `events` ends the use of the display before the module is unloaded; at the end of
+// a process that comes when the plugin's own objects are gone already.
 extern "C" using NvOpenDisplay = windowing::Display * (*)(windowing::DisplayEvents * events, std::string& whyNot);
 
 #endif

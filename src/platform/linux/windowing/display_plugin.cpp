@@ -26,7 +26,7 @@ std::string Beside(const std::string& module) {
   return module.substr(0, module.rfind('/') + 1) + pluginName;
 }
 
-// Where the module was loaded through a symbolic link the plugin may stand beside either end of it.
+// If the module was loaded through a symbolic link, the plugin may stand beside the link or beside its target.
 std::string PluginPath() {
   char path[PATH_MAX];
   if (GetModuleFileNameA(GetModuleHandleA(nullptr), path, sizeof path) == 0) return pluginName;
@@ -39,7 +39,7 @@ std::string PluginPath() {
 
 }  // namespace
 
-// Never unmapped, because toolkits do not bear that.
+// The plugin is never unmapped, because its toolkit would crash.
 NvOpenDisplay FindDisplay(std::string& whyNot) {
   const std::string path = PluginPath();
   void* plugin = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);

@@ -13,12 +13,12 @@
 namespace windowing {
 namespace {
 
-// Atomic, because the thread that shows the wait cursor asks for the thread of the display.
+// Atomic, because the thread that shows the wait cursor reads it, too.
 std::atomic<DWORD> displayThread = 0;
 std::atomic<Display*> openedDisplay = nullptr;
 NvOpenDisplay openDisplay = nullptr;  // of the display that is open
 
-// Chosen while the module loads, when this file's own variables need not be there yet.
+// In a function, because it is set while the module loads, maybe before this file's variables are initialised.
 std::string& Language() {
   static base::ProcessWide<std::string> language;
   return *language;
@@ -44,7 +44,7 @@ Display* OpenDisplay(std::string& whyNot) {
   if (openedDisplay == nullptr) {
     SetDisplay(OpenFoundDisplay(whyNot));
   } else if (OpenedDisplay() != nullptr) {
-    // Asked each time: what the display stands on may be the host's, and may have gone.
+    // Asked each time: the display may need something of the host's that has gone meanwhile.
     openedDisplay = openDisplay(&CoreEvents(), whyNot);
   }
   Display* display = OpenedDisplay();

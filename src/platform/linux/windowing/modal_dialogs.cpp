@@ -27,15 +27,15 @@ constexpr const char* defaultCaption = "Error";
 
 ModalRun* innermost = nullptr;
 
-// The window that can be an owner: for a window of the core's its dialog, for one of the host's its top-level window,
-// else null.
+// The window that becomes the owner: the dialog of a window of the core's, the top-level window of one of the host's,
+// or null.
 HWND OwnerFor(Display& display, HWND window) {
   const std::uintptr_t foreign = ForeignId(window);
   if (foreign == 0) return DialogOf(window);
   return reinterpret_cast<HWND>(display.ForeignTopLevel(foreign));
 }
 
-// Keeps an owner of the core's disabled until Enable; then it is as it was before.
+// Keeps an owner of the core's disabled until Enable, which leaves it as it was before.
 class DisabledOwner {
  public:
   DisabledOwner(Display& usedDisplay, HWND ownerOrNull) : display(usedDisplay) {
@@ -62,7 +62,7 @@ class DisabledOwner {
   HWND owner = nullptr;  // null when there is nothing to enable
 };
 
-// Takes a dialog down with the run that shows it, even if an exception of a handler ends that.
+// Destroys a dialog at the end of its run, even if an exception of a handler ends it.
 class DialogLife {
  public:
   explicit DialogLife(HWND opened) : dialog(opened) {}
@@ -89,7 +89,7 @@ void Initialise(HWND dialog, const DialogTemplate& form, LPARAM initParam) {
 void Show(Display& display, HWND dialog) {
   display.ShowDialogWindow(dialog);
   const Window* window = FindDialog(dialog);
-  // The owner's controls lose the focus to the dialog even if none of its own has it.
+  // The owner's controls lose the focus even if the dialog has no control that takes it.
   if (window != nullptr && DialogOf(FocusedControlOfProcess()) != dialog) GiveFocus(window->dialog->focus);
 }
 

@@ -1,5 +1,5 @@
-// Modal dialogs and message boxes, from opening to end. The run of a dialog lives on the stack of DialogBoxParamA; runs
-// that nest end from the inside out.
+// Modal dialogs and message boxes, from opening to end. DialogBoxParamA keeps the run of its dialog on its stack, so of
+// nested runs the innermost ends first.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WINDOWING_MODAL_DIALOGS_H
 #define NVSUPPORT_PLATFORM_LINUX_WINDOWING_MODAL_DIALOGS_H
 
@@ -16,8 +16,8 @@ class ModalRun {
   ModalRun(const ModalRun&) = delete;
   ModalRun& operator=(const ModalRun&) = delete;
 
-  // Calls what may call a handler, where no exception may pass: within the display's event loop, and while a window
-  // goes. An exception ends the innermost run, and DialogBoxParamA throws it on once the display is left.
+  // Calls a function that may call a handler, in a place that no exception may leave: within the display's event loop,
+  // and while a window is destroyed. An exception ends the innermost run; DialogBoxParamA throws it again afterwards.
   template <typename Action>
   static void Contain(Action action) {
     try {

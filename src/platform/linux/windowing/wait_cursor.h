@@ -1,6 +1,6 @@
-// The wait cursor over the windows that this process has on an X server, whichever toolkit made them: while it shows,
-// an unseen window of ours lies over each and has the cursor. They go with the connection that made them, so that
-// nothing of the host's is changed. On another screen system there is none.
+// The wait cursor over the windows that this process has on an X server, whichever toolkit made them. While it shows,
+// an invisible window with the cursor lies over each of them. Nothing of the host's windows is changed, and the server
+// removes ours when their connection closes. On other systems there is no wait cursor.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WINDOWING_WAIT_CURSOR_H
 #define NVSUPPORT_PLATFORM_LINUX_WINDOWING_WAIT_CURSOR_H
 
@@ -10,10 +10,10 @@
 
 namespace windowing {
 
-// False in a process that cannot have a window on an X server, because it has not loaded that system's library.
+// False if the process has not loaded the library of the X server, and so can have no window there.
 bool MayHaveWindows();
 
-// On any thread, but on one at a time. Takes some milliseconds, in which it talks to the server.
+// May be called on any thread, but on one at a time. Takes some milliseconds, in which it talks to the server.
 void ShowWaitCursor();
 void HideWaitCursor();
 // Where the pointer is; nothing unless the wait cursor shows.

@@ -20,7 +20,8 @@ std::optional<RECT> RectOf(Display& display, HWND handle) {
   return foreign != 0 ? display.ForeignRect(foreign) : std::nullopt;
 }
 
-// Of the client area; null and the desktop stand for the screen. A window of the host's own is all client area.
+// The client area of a window. Null and the desktop window stand for the screen; the host's windows count as all client
+// area.
 std::optional<POINT> OriginOf(Display& display, HWND handle) {
   if (handle == nullptr || handle == GetDesktopWindow()) return POINT{0, 0};
   if (FindDialog(handle) != nullptr) return display.ClientOrigin(handle);
@@ -55,7 +56,7 @@ int MapWindowPoints(HWND from, HWND to, POINT* points, UINT count) {
   return static_cast<int>(windowing::PackWords(static_cast<WORD>(by.x), static_cast<WORD>(by.y)));
 }
 
-// Windows move; nothing changes its size or its place among the windows.
+// Only moves a window; its size and its place above or below others stay.
 BOOL SetWindowPos(HWND handle, HWND, int x, int y, int, int, UINT flags) {
   windowing::Display* display = windowing::OpenedDisplay();
   windowing::Window* window = windowing::Find(handle);

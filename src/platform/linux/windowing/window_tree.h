@@ -1,6 +1,6 @@
 // All windows that the core made: dialogs and their controls, found by handle. Handles count up and are never used
-// again, so a stale one finds nothing; they lie above every X11 window id, so the two cannot be mixed up. A pointer to
-// a Window is good until the next call of a window procedure: look the handle up again after it.
+// again, so a stale one finds nothing. They lie above every X11 window id, so the two cannot be mixed up. A pointer to
+// a Window is valid until the next call of a window procedure, which may destroy it: look the handle up again then.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WINDOWING_WINDOW_TREE_H
 #define NVSUPPORT_PLATFORM_LINUX_WINDOWING_WINDOW_TREE_H
 
@@ -15,7 +15,7 @@
 
 namespace windowing {
 
-// Styles, notification codes and message words that pass inside the core only; published values.
+// Styles, notification codes and messages that only the core uses, with their published values.
 inline constexpr LONG_PTR stylePopup = 0x80000000;
 inline constexpr LONG_PTR styleDisabled = 0x08000000;
 inline constexpr LONG_PTR styleTabStop = 0x00010000;
@@ -73,16 +73,16 @@ struct Window {
 Window& NewWindow();
 void RemoveWindow(HWND handle);
 
-// Null for a handle that is no live window of the core's.
+// Null if the handle is no window of the core's, or of one that is gone.
 Window* Find(HWND handle);
 Window* FindDialog(HWND handle);
 Window* FindControl(HWND handle, ControlKind kind);
 // The dialog that a control belongs to; a dialog itself; null for anything else.
 HWND DialogOf(HWND handle);
-// A dialog that has this window as owner and is not on its way out; null if there is none.
+// A dialog that this window owns and that is not about to go; null if there is none.
 HWND OwnedDialog(HWND owner);
 
-// The X11 window id that a handle which the core did not make stands for; 0 if it cannot be one.
+// The X11 window id in a handle that the core did not make; 0 if the handle cannot be one.
 std::uintptr_t ForeignId(HWND handle);
 
 }  // namespace windowing

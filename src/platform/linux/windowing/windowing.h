@@ -62,7 +62,7 @@ struct MONITORINFO {
 };
 inline constexpr DWORD MONITOR_DEFAULTTONEAREST = 2;
 
-// Names of resources by number travel as small pointers.
+// The number of a resource is passed as a pointer with a small value.
 inline LPSTR MAKEINTRESOURCEA(WORD id) {
   return reinterpret_cast<LPSTR>(static_cast<UINT_PTR>(id));
 }
