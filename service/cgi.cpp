@@ -37,7 +37,7 @@ constexpr int tooLarge = 413;
 
 constexpr std::int64_t usualProcesses = 4;
 constexpr std::int64_t usualRequests = 10'000;
-// A web server that neither sends nor takes anything for so long does not hold a process.
+// A process gives up a web server that neither sends nor takes anything for so long.
 constexpr timeval idleLimit = {10, 0};
 
 class CgiRequest final : public Request {
@@ -72,7 +72,7 @@ std::optional<std::size_t> ParseLength(std::string_view text) {
   std::size_t length = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), length);
   if (end != text.data() + text.size()) return std::nullopt;
-  // A number with too many digits is a length all the same, only one beyond every limit.
+  // A number with too many digits is still a length, but one beyond every limit.
   if (error == std::errc::result_out_of_range) return SIZE_MAX;
   return error == std::errc() ? std::optional(length) : std::nullopt;
 }
@@ -84,11 +84,11 @@ int ReadPost(Request& request, std::size_t limit, Transport transport, std::stri
   if (*length > limit) return tooLarge;
   body.resize(*length);
   if (request.Read(body.data(), body.size()) != body.size()) return badRequest;
-  // Not sooner: a web server that finds nobody reading the body answers in its own way.
+  // Only now: if nobody reads the body, a web server sends an answer of its own.
   return transport == Transport::secureOnly && !request.IsSecure() ? forbidden : ok;
 }
 
-// Nothing of a reply may be kept by a cache.
+// No cache may keep any part of a reply.
 void Send(Request& request, const Reply& reply) {
   std::string head = "Status: " + std::to_string(reply.httpStatus) + "\r\nCache-Control: no-store\r\n";
   for (const std::string& header : reply.headers) head += header + "\r\n";
@@ -111,7 +111,7 @@ void AnswerOne(const char* name, Request& request, const Handler& answer) {
   Send(request, reply);
   const std::chrono::duration<double> taken = Clock::now() - start;
   CountRequest(name, reply.httpStatus, taken.count());
-  // Neither the address nor anything that the client wrote.
+  // Holds neither the client's address nor anything that the client wrote.
   char time[] = "2000-01-01T00:00:00Z";
   const std::time_t now = std::time(nullptr);
   std::strftime(time, sizeof time, "%FT%TZ", std::gmtime(&now));
@@ -125,7 +125,7 @@ class Listener {
   Listener() {
     epoll_event event = {};
     event.events = EPOLLIN | EPOLLEXCLUSIVE;
-    // One that was woken in vain is not to be held by the socket, but by Wait.
+    // Non-blocking: a process that was woken in vain goes back to Wait and does not hang in accept.
     if (fcntl(socket, F_SETFL, O_NONBLOCK) != 0 || poller < 0 ||
         epoll_ctl(poller, EPOLL_CTL_ADD, socket, &event) != 0) {
       throw std::system_error(errno, std::generic_category(), "waiting for requests");
@@ -164,7 +164,7 @@ void AnswerByFastCgi(const char* name, const Handler& answer, std::int64_t reque
   }
 }
 
-// No memory image after a crash, and what the program creates is readable by its owner alone.
+// A crash leaves no memory image, and only the owner can read the files that the program creates.
 void KeepSecrets() {
   const rlimit none = {0, 0};
   setrlimit(RLIMIT_CORE, &none);

@@ -1,5 +1,5 @@
-// What the programs share: a request as the web server hands it over, by CGI or by FastCGI, and the reply to it. One
-// binary speaks both: FastCGI when its standard input is a listening socket.
+// What the programs share: how a request comes from the web server, by CGI or by FastCGI, and how its reply goes back.
+// A program speaks FastCGI when its standard input is a listening socket, else CGI.
 #ifndef NVSUPPORT_SERVICE_CGI_H
 #define NVSUPPORT_SERVICE_CGI_H
 
@@ -16,7 +16,7 @@ class Request {
  public:
   virtual ~Request() = default;
 
-  // What the web server tells of the request, such as REQUEST_METHOD; empty if it does not.
+  // A variable of the request, such as REQUEST_METHOD; empty if the web server does not set it.
   std::string Variable(const char* name) const;
   // True when the client sent the request over TLS, to the web server or to a proxy that is trusted.
   bool IsSecure() const;
@@ -34,10 +34,10 @@ class Request {
 
 using Handler = std::function<Reply(Request&)>;
 
-// Answers the one request of a CGI program, or as many as come by FastCGI: with processes of its own, of which each
-// answers a number of them before a fresh one takes its place. Each request gives a line on standard error, the web
-// server's log or the journal, and is counted. What `answer` throws becomes a FailedReply. Returns the exit code.
-// `name` is the program's, for the log.
+// Answers the one request of a CGI program, or all that come by FastCGI. For FastCGI it runs several processes, each of
+// which is replaced by a fresh one after a number of requests. Each request is counted and gives a line on standard
+// error, which is the web server's log or the journal; `name` is the program's name there. If `answer` throws, the
+// client gets a FailedReply. Returns the exit code.
 //
 // NV_SERVICE_PROCESSES             how many processes there are (4)
 // NV_SERVICE_REQUESTS_PER_PROCESS  after so many requests a process is replaced (10000)
@@ -45,8 +45,8 @@ int Serve(const char* name, const Handler& answer);
 
 enum class Transport { any, secureOnly };
 
-// Answers one POST request of at most `limit` bytes with what `answer` makes of its body. A request that does not get
-// as far gets an HTTP error whose body is a status like any other reply: clients do not look at the HTTP status.
+// Answers one POST request of at most `limit` bytes with what `answer` makes of its body. Any other request gets an
+// HTTP error whose body is a status, as in every reply, because clients do not look at the HTTP status.
 Reply AnswerPost(Request& request, std::size_t limit, Transport transport,
                  const std::function<Reply(std::string_view)>& answer);
 

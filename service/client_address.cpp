@@ -15,7 +15,7 @@ namespace nvsupport::service {
 namespace {
 
 constexpr unsigned allBits = 128;
-constexpr unsigned bitsBeforeIpv4 = 96;  // of an IPv4 address in the form of IPv6
+constexpr unsigned bitsBeforeIpv4 = 96;  // in front of an IPv4 address that is written as IPv6
 using Address = std::array<std::uint8_t, allBits / 8>;
 
 // IPv4 as "::ffff:a.b.c.d".
@@ -43,7 +43,7 @@ bool IsWithin(const Address& address, std::string_view range) {
   return true;
 }
 
-// Takes the last item off a list with commas.
+// Removes the last item from a list with commas, and returns it.
 std::string_view TakeLast(std::string_view& list) {
   const std::size_t comma = list.rfind(',');
   const std::string_view last = comma == std::string_view::npos ? list : list.substr(comma + 1);

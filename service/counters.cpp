@@ -21,20 +21,20 @@ namespace {
 constexpr std::array<std::string_view, 3> programs = {"svcapp", "svcuser", "mapstore2"};
 constexpr std::array statuses = {200, 400, 403, 404, 405, 411, 413, 429, 503};
 constexpr std::array bounds = {0.001, 0.005, 0.01, 0.025, 0.05, 0.1, 0.25, 0.5, 1.0, 2.5};  // seconds
-constexpr std::size_t places = 1024;  // of processes that hash, by their number
+constexpr std::size_t places = 1024;  // slots for processes that hash a password, by process id
 
 using Counter = std::atomic<std::uint64_t>;
 static_assert(Counter::is_always_lock_free);
 
-// Lies in the shared file; its zeros are a valid beginning.
+// The content of the shared file. A new file is all zeros, which is valid.
 struct Counters {
   struct Program {
     std::array<Counter, statuses.size()> requests;
-    std::array<Counter, bounds.size() + 1> durations;  // each those above the bound before
+    std::array<Counter, bounds.size() + 1> durations;  // each counts what lies above the bound before it
     Counter microseconds;
   };
   std::array<Program, programs.size()> of;
-  std::array<std::atomic<pid_t>, places> hashing;  // the process, so that one that was killed is not counted
+  std::array<std::atomic<pid_t>, places> hashing;  // process ids, so that one that was killed is not counted
 };
 
 Counters* Map() {

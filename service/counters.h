@@ -1,4 +1,4 @@
-// What the service counts, over all of its processes, in the form that Prometheus reads.
+// Counters over all processes of the service, written in the format of Prometheus.
 //
 // NV_SERVICE_COUNTERS  a file in memory that the processes of one machine share (/run/nvservice/counters); without it
 //                      each process counts for itself
@@ -11,7 +11,7 @@ namespace nvsupport::service {
 
 void CountRequest(const char* program, int httpStatus, double seconds);
 
-// A password is hashed, or compared with a hash, as long as it lives.
+// Lives while a password is hashed or compared with a hash.
 class HashInProgress {
  public:
   HashInProgress();

@@ -1,7 +1,7 @@
 // mapstore2.cgi, the map shop service: operation 101.
 //
-// NV_SERVICE_PRODUCTS            the products on offer, a text file as product_file.h tells
-// NV_SERVICE_PRODUCTS_INDEX      an index of them, made when it is needed; if not set each process makes its own
+// NV_SERVICE_PRODUCTS            the products on offer: a text file, see product_file.h
+// NV_SERVICE_PRODUCTS_INDEX      their index, made when it is needed; if not set each process makes its own
 // NV_SERVICE_PRODUCTS_PER_REPLY  the most products that a reply holds (10000)
 #include "service/cgi.h"
 #include "service/mapshop/map_shop_service.h"

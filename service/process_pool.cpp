@@ -15,7 +15,7 @@
 namespace nvsupport::service {
 namespace {
 
-constexpr timespec moment = {0, 100'000'000};  // between two looks
+constexpr timespec moment = {0, 100'000'000};  // between two checks
 
 [[noreturn]] void DoWork(const std::function<void()>& work) {
   prctl(PR_SET_PDEATHSIG, SIGTERM);
@@ -46,7 +46,7 @@ void RunPool(std::int64_t processes, const std::function<void()>& work) {
     while (!ending && static_cast<std::int64_t>(children.size()) < processes) {
       const pid_t child = fork();
       if (child == 0) DoWork(work);
-      if (child < 0) break;  // tried again at the next look
+      if (child < 0) break;  // tried again at the next check
       children.insert(child);
     }
     const int signal = sigtimedwait(&watched, nullptr, &moment);
@@ -60,7 +60,7 @@ void RunPool(std::int64_t processes, const std::function<void()>& work) {
       children.erase(ended);
       failed = failed || status != 0;
     }
-    // What fails at once does not fail thousands of times a second.
+    // So that work that fails at once is not started thousands of times a second.
     if (failed && !ending) nanosleep(&moment, nullptr);
   }
 }

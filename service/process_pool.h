@@ -7,9 +7,9 @@
 
 namespace nvsupport::service {
 
-// Runs `work` in so many child processes, and a fresh one for each that ends, until this process gets SIGTERM. Then the
-// children get it, too: it is blocked there, so that nothing is broken off, and interrupts a call that lets it in, upon
-// which `work` is to return. Returns when all have ended.
+// Runs `work` in so many child processes, and replaces each that ends, until this process gets SIGTERM. Then the
+// children get it, too. They have it blocked, so that no work is broken off; a call that unblocks it while it waits is
+// interrupted, and `work` must return then. Returns when all children have ended.
 void RunPool(std::int64_t processes, const std::function<void()>& work);
 
 }  // namespace nvsupport::service

@@ -1,4 +1,4 @@
-// What a program answers to a request, before it goes to the web server.
+// What a program answers to a request, before it is sent to the web server.
 #ifndef NVSUPPORT_SERVICE_REPLY_H
 #define NVSUPPORT_SERVICE_REPLY_H
 
@@ -16,20 +16,20 @@ struct Reply {
   using Sink = std::function<bool(std::string_view)>;
 
   int httpStatus = 200;
-  std::vector<std::string> headers;  // "Name: value", but for the length and those that forbid keeping the reply
+  std::vector<std::string> headers;  // "Name: value"; those for length and caching are added later
   std::string body;
-  // A long body goes on after `body` with so many bytes, which `rest` makes piece by piece.
+  // After `body` a long reply has so many bytes more, which `rest` makes piece by piece.
   std::size_t restBytes = 0;
   std::function<void(const Sink&)> rest;
-  std::string reason;  // for the log: what came of the request
+  std::string reason;  // for the log: how the request ended
 };
 
 // A reply of the account or map shop service; `body` begins with the status.
 Reply StatusReply(Status status, std::string body);
-// The same without anything behind the status.
+// A reply that is a status alone.
 Reply StatusReply(Status status);
-// The request is to come again after so many seconds: refused by the brake (429), or the service cannot work now (503).
-// Either has the status serviceFailed, so that clients, which look at no HTTP status, show the same.
+// Asks the client to try again after so many seconds: the brake refused the request (429), or the service cannot work
+// now (503). Both have the status serviceFailed, because clients do not look at the HTTP status.
 Reply RefusedReply(std::int64_t retrySeconds);
 Reply FailedReply(const std::string& reason);
 

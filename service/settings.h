@@ -1,4 +1,4 @@
-// What operators set by environment variables; docs/operating.md tells about each.
+// What operators set by environment variables; docs/operating.md describes each.
 #ifndef NVSUPPORT_SERVICE_SETTINGS_H
 #define NVSUPPORT_SERVICE_SETTINGS_H
 
@@ -9,9 +9,9 @@ namespace nvsupport::service {
 
 // Empty if the variable is not set.
 std::string Setting(const char* name);
-// For what the program cannot do without: throws std::runtime_error if it is not set.
+// For a variable that the program needs: throws std::runtime_error if it is not set.
 std::string RequiredSetting(const char* name);
-// `usual` if the variable is not set; throws std::runtime_error for what is no number above 0.
+// `usual` if the variable is not set; throws std::runtime_error if it is not a number above 0.
 std::int64_t NumberSetting(const char* name, std::int64_t usual);
 
 }  // namespace nvsupport::service

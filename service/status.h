@@ -18,7 +18,7 @@ enum class Status : std::uint32_t {
   tooManyComputers = 7,  // the account has as many computers as it may have
   emailInUse = 13,       // *
   invalidEmail = 14,     // *
-  serviceFailed = 20,    // the service could not do its work, or the brake refused the request, which was fine
+  serviceFailed = 20,    // the service failed, or the brake refused a request that is well-formed
 };
 
 }  // namespace nvsupport::service

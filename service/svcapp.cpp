@@ -1,4 +1,4 @@
-// svcapp.cgi, the account service: operations 8 to 11 over TLS, and how the service is:
+// svcapp.cgi, the account service: operations 8 to 11 over TLS, and pages for monitoring:
 //
 // /health/live   200 as long as the program answers
 // /health/write  200 if the accounts can be written to, else 503
@@ -55,7 +55,7 @@ class Program {
     return Text("can write\n");
   }
 
-  // Not sooner than the first request: what has been opened is no good to a process that is forked off.
+  // Opened with the first request, not before: a child process cannot use what its parent opened.
   KeptDatabase<Accounts>& Open() {
     if (!accounts) accounts.emplace(RequiredSetting("NV_SERVICE_DATABASE"));
     return *accounts;

@@ -1,5 +1,5 @@
-// svcuser.cgi, the account page: what the service knows of the user whose session token the query brings
-// ("session=TOKEN"), over TLS. This is what a session token is good for. A POST ends all sessions of the account.
+// svcuser.cgi, the account page, over TLS: shows what the service knows of a user, whose session token is in the query
+// ("session=TOKEN"). It is the page that clients ask session tokens for. A POST ends all sessions of the account.
 //
 // NV_SERVICE_DATABASE  the accounts, as for svcapp.cgi
 #include <ctime>
@@ -47,7 +47,7 @@ std::string AccountContent(AccountStore& store, std::int64_t account) {
   for (const Computer& computer : store.Computers(account)) {
     content += "<li>" + (computer.name.empty() ? "(no name)" : Escape(computer.name)) + "</li>\n";
   }
-  // Sent to the page's own address, which holds the token, so that no other page can have it sent.
+  // The form goes to this page's own address, which holds the token; so no other page can send it.
   return content +
          "</ul>\n<form method=\"post\"><button>End all sessions</button> Afterwards no page that was opened for this "
          "account shows anything any more, on no computer.</form>\n";
@@ -65,7 +65,7 @@ Reply HtmlReply(int httpStatus, std::string_view title, const std::string& conte
   return reply;
 }
 
-// A web server that keeps the query out of its log by rewriting the address leaves it in the one that was asked for.
+// A web server that rewrites the address to keep the query out of its log leaves the query in the address asked for.
 std::string Query(const Request& request) {
   std::string query = request.Variable("QUERY_STRING");
   if (!query.empty()) return query;

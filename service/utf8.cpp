@@ -19,7 +19,7 @@ Converted FromCodePage(const char* codePage, std::string text) {
   const iconv_t converter = iconv_open("UTF-8", codePage);
   if (converter == reinterpret_cast<iconv_t>(-1)) throw std::runtime_error("no conversion of texts");
   Converted converted;
-  std::string utf8(text.size() * replacement.size(), '\0');  // no byte becomes more than that
+  std::string utf8(text.size() * replacement.size(), '\0');  // no byte becomes longer than this
   char* from = text.data();
   char* to = utf8.data();
   std::size_t left = text.size();
@@ -39,7 +39,7 @@ Converted FromCodePage(const char* codePage, std::string text) {
   return converted;
 }
 
-// Of well-formed text: iconv lets characters pass that lie beyond the end of Unicode.
+// For well-formed text only. Needed because iconv accepts characters beyond the end of Unicode.
 bool IsUnicode(std::string_view utf8) {
   for (std::size_t at = 0; at < utf8.size(); ++at) {
     if (utf8.substr(at, 2) >= "\xF4\x90") return false;

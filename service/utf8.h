@@ -1,4 +1,4 @@
-// The texts of requests come in whatever code page a client has; the service keeps them in one form.
+// The texts of requests come in the client's code page, whichever that is; the service keeps them all as UTF-8.
 #ifndef NVSUPPORT_SERVICE_UTF8_H
 #define NVSUPPORT_SERVICE_UTF8_H
 
@@ -7,8 +7,8 @@
 
 namespace nvsupport::service {
 
-// The text in UTF-8: as it is if it is well-formed, else taken as Windows-1252. Bytes that stand for no character
-// become U+FFFD, and so do zero characters, which a database does not hold.
+// Returns well-formed UTF-8 as it is, and takes any other text as Windows-1252. Bytes that are no character there
+// become U+FFFD, and so do zero characters, which a database cannot hold.
 std::string ToUtf8(std::string_view text);
 
 }  // namespace nvsupport::service

@@ -1,5 +1,5 @@
-// The items of requests and replies: numbers with the least significant byte first, texts as a length and two bytes a
-// character. Written apart from the client's serializer on purpose, so that each checks the other.
+// The items of requests and replies: numbers with the least significant byte first, texts as a length and two bytes for
+// each character. It shares no code with the client's serializer on purpose, so that each checks the other.
 #ifndef NVSUPPORT_SERVICE_WIRE_ITEMS_H
 #define NVSUPPORT_SERVICE_WIRE_ITEMS_H
 
@@ -12,8 +12,8 @@
 
 namespace nvsupport::service {
 
-// Takes a request apart. An item that is not there or not acceptable fails the whole request: it and all items after
-// it read as zero or empty, so a caller reads everything and asks `Complete` once.
+// Reads the items of a request. One that is missing or not acceptable makes the whole request fail: it and all items
+// behind it read as zero or empty, so a caller reads everything and asks `Complete` once.
 class RequestReader {
  public:
   // `bytes` must outlive the reader.
@@ -44,7 +44,7 @@ class ReplyWriter {
   explicit ReplyWriter(Status status) { Word(static_cast<std::uint32_t>(status)); }
 
   void Word(std::uint32_t value);
-  // Each byte travels sign-extended to two bytes.
+  // Each byte is sent as two bytes, sign-extended.
   void Text(std::string_view text);
   const std::string& Bytes() const { return bytes; }
   void Clear() { bytes.clear(); }

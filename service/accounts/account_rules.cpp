@@ -12,7 +12,7 @@
 namespace nvsupport::service {
 namespace {
 
-// An interactive cost: some 20 ms on a desktop machine and few enough bytes for many processes at a time.
+// The cost of a hash: some 20 ms on a desktop machine, and little enough memory for many processes at a time.
 constexpr unsigned long long hashPasses = 2;
 constexpr std::size_t hashMemory = 19UL * 1024 * 1024;
 constexpr std::size_t tokenHashBytes = 32;

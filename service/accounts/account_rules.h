@@ -1,5 +1,5 @@
-// User IDs, passwords, e-mail addresses, network addresses and session tokens: what counts of each, and the form in
-// which it is stored.
+// User IDs, passwords, e-mail addresses, network addresses and session tokens: which part of each counts when two are
+// compared, and the form in which it is stored.
 #ifndef NVSUPPORT_SERVICE_ACCOUNTS_ACCOUNT_RULES_H
 #define NVSUPPORT_SERVICE_ACCOUNTS_ACCOUNT_RULES_H
 
@@ -29,17 +29,17 @@ std::string NetworkKey(const std::string& address);
 
 // A salted Argon2id hash that names its own parameters.
 std::string HashPassword(std::string_view credentialKey);
-// In a time that does not depend on where the two differ.
+// Takes the same time wherever the two differ.
 bool MatchesPassword(const std::string& hash, std::string_view credentialKey);
-// True if the hash was made at another cost than HashPassword's.
+// True if the hash was made at another cost than HashPassword uses now.
 bool NeedsNewHash(const std::string& hash);
 
-// A number for a new account, by chance out of so many that no two are the same.
+// A random number for a new account, out of so many that no two accounts will get the same.
 std::int64_t NewNumber();
 
 // A fresh token: 19 random letters and digits, which is more than 112 bits.
 std::string NewToken();
-// The form in which a token is stored; a token needs no salt, being random itself.
+// The form in which a token is stored. It needs no salt, because a token is random itself.
 std::string HashToken(std::string_view token);
 
 }  // namespace nvsupport::service

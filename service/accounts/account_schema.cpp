@@ -6,7 +6,7 @@
 namespace nvsupport::service {
 namespace {
 
-// What each version adds to the one before it. The first had no table for the version.
+// What each version adds to the one before it. The first version had no table that holds the version.
 constexpr std::array versions = {
     R"(
   CREATE TABLE IF NOT EXISTS account (
@@ -69,7 +69,7 @@ std::size_t Version(Database& database) {
 void BringUpToDate(Database& database) {
   if (Version(database) == versions.size()) return;
   Transaction transaction(database, "schema");
-  // Read anew: another process may have been quicker.
+  // Read once more: another process may have upgraded it meanwhile.
   const std::size_t version = Version(database);
   if (version > versions.size()) throw std::runtime_error("a newer program has made the database");
   for (std::size_t next = version; next < versions.size(); ++next) database.RunScript(versions[next]);

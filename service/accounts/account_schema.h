@@ -1,4 +1,4 @@
-// The tables of the accounts, the same in every database, and the versions that they went through.
+// The tables of the accounts, which are the same in every kind of database, and their versions.
 #ifndef NVSUPPORT_SERVICE_ACCOUNTS_ACCOUNT_SCHEMA_H
 #define NVSUPPORT_SERVICE_ACCOUNTS_ACCOUNT_SCHEMA_H
 
@@ -6,8 +6,7 @@
 
 namespace nvsupport::service {
 
-// Brings the database to the present version, an empty one as well. Throws std::runtime_error for one that a newer
-// program has made.
+// Brings a database, which may be empty, to the present version. Throws std::runtime_error if a newer program made it.
 void BringUpToDate(Database& database);
 
 // Throws std::runtime_error if the database takes no changes.

@@ -89,7 +89,7 @@ Reply AccountService::CreateAccount(RequestReader& request, const Caller& caller
     store.KnowNetwork(store.Find(wanted.userId, {}, caller.now).value().account, network, caller.now);
     return StatusReply(Status::done);
   }
-  // A request that lost its connection is sent again, by the client's platform or by the user.
+  // When a connection is lost, the client's platform or the user sends the request again.
   const bool repeated = status == Status::userIdInUse && store.IsRepeated(wanted, caller.now - repeatSeconds) &&
                         Prove(wanted.userId, wanted.password, std::nullopt, caller).user;
   return StatusReply(repeated ? Status::done : status);
@@ -111,8 +111,8 @@ AccountService::Proof AccountService::Prove(const std::string& userId, const std
                                             std::optional<std::uint32_t> device, const Caller& caller) {
   const std::string network = NetworkKey(caller.networkAddress);
   auto found = store.Find(userId, {device, network}, caller.now);
-  // Who comes from where the user has been before is not charged for the failures of others: the device and the
-  // address have buckets of their own, and an attacker's go to those of the account and of his address.
+  // A user on a known device or network does not pay for the failures of others: that device and that network
+  // have buckets of their own, and an attacker's failures go to the buckets of the account and of his network.
   const std::string account = found ? std::to_string(found->account) : "";
   const std::string place = "place " + account + ' ' + network;
   std::vector<Bucket> buckets;
@@ -132,7 +132,7 @@ AccountService::Proof AccountService::Prove(const std::string& userId, const std
     return {std::nullopt, StatusReply(found ? Status::wrongPassword : Status::wrongUserId)};
   }
   brake.GiveBack();
-  // What follows a sign-in may not tell the device.
+  // The requests that follow a sign-in need not name the device.
   if (found->knowsDevice) Brake::Empty(database, place);
   store.KnowNetwork(found->account, network, caller.now);
   return {std::move(found), {}};

@@ -19,7 +19,7 @@ class AccountService {
   static constexpr std::size_t largestRequest = 16UL * 1024;
   static constexpr std::size_t longestText = 1000;  // characters of each text of a request
   static constexpr std::int64_t repeatSeconds =
-      600;  // for so long a request for the same new account counts as sent again
+      600;  // within this time a request for the same new account counts as sent again
 
   // Where a request comes from and when it came (seconds since 1970).
   struct Caller {

@@ -26,8 +26,8 @@ Status AccountStore::Check(const NewAccount& account) {
 Status AccountStore::Create(const NewAccount& account, std::int64_t now) {
   const Status status = Check(account);
   if (status != Status::done) return status;
-  const std::string hash = HashPassword(CredentialKey(account.password));  // outside the database: it takes its time
-  // The number is drawn, so that no two servers have to agree on the next one.
+  const std::string hash = HashPassword(CredentialKey(account.password));  // takes long, so not in the transaction
+  // The number is random, so that several servers need not agree on the next one.
   const auto made = database.Run(
       "INSERT INTO account (id, user_key, user_id, password_hash, name, company, email_key, keep_informed, language,"
       " created) VALUES ($1, $2, $3, $4, $5, $6, $7, $8, $9, $10) ON CONFLICT DO NOTHING RETURNING id",
@@ -71,7 +71,7 @@ bool AccountStore::HasPassword(const Candidate& candidate, const std::string& pa
 
 void AccountStore::KnowNetwork(std::int64_t account, const std::string& network, std::int64_t now) {
   constexpr std::int64_t day = 24 * 60 * 60;
-  // One write a day.
+  // Written once a day at most.
   if (!database
            .Run("SELECT 1 FROM known_address WHERE account = $1 AND address = $2 AND seen > $3", account, network,
                 now - day)

@@ -1,5 +1,5 @@
-// The accounts, their computers and their sessions. Holds no password and no token in a form that could be used. Times
-// are seconds since 1970.
+// The accounts, their computers and their sessions. Passwords and tokens are stored as hashes only. Times are seconds
+// since 1970.
 #ifndef NVSUPPORT_SERVICE_ACCOUNTS_ACCOUNT_STORE_H
 #define NVSUPPORT_SERVICE_ACCOUNTS_ACCOUNT_STORE_H
 
@@ -29,14 +29,14 @@ struct Computer {
   std::uint32_t platform = 0;
 };
 
-// Where somebody signs in: the computer's own identifier, if the request tells it, and what counts of the network
-// address.
+// Where a sign-in comes from: the computer's own identifier, if the request has it, and the part of the network address
+// that counts.
 struct Origin {
   std::optional<std::uint32_t> device;
   std::string network;
 };
 
-// What there is about a user ID before its password has been looked at.
+// What is known about a user ID before its password is checked.
 struct Candidate {
   std::int64_t account = 0;
   std::string passwordHash;
@@ -47,8 +47,8 @@ struct Candidate {
 class AccountStore {
  public:
   static constexpr std::int64_t mostComputers = 100;                 // of one account
-  static constexpr std::int64_t mostNetworks = 20;                   // of one account, those that were used last
-  static constexpr std::int64_t networkSeconds = 90 * 24 * 60 * 60;  // for which one is known after its last use
+  static constexpr std::int64_t mostNetworks = 20;                   // of one account; the least recently used go first
+  static constexpr std::int64_t networkSeconds = 90 * 24 * 60 * 60;  // after its last use a network is known so long
 
   // The database is used as long as the store lives. Throws std::runtime_error if it cannot be used; so does every
   // operation.
@@ -57,22 +57,22 @@ class AccountStore {
   // done if the account can be made, else the first of noUserId, passwordTooShort, invalidEmail, userIdInUse and
   // emailInUse that applies. Costs no hash.
   Status Check(const NewAccount& account);
-  // The same, with the account made.
+  // The same, and makes the account.
   Status Create(const NewAccount& account, std::int64_t now);
-  // True if the account was made with this address at that time or later: it may be this very request, sent again.
+  // True if the account was made with this address at that time or later: it may be the same request, sent again.
   bool IsRepeated(const NewAccount& account, std::int64_t since);
 
   std::optional<Candidate> Find(const std::string& userId, const Origin& origin, std::int64_t now);
-  // With the right password, a hash of a former cost gives way to a new one.
+  // If the password is right and its hash was made at a former cost, a new hash replaces it.
   bool HasPassword(const Candidate& candidate, const std::string& password);
   void KnowNetwork(std::int64_t account, const std::string& network, std::int64_t now);
 
-  // Names a computer, or names it anew; tooManyComputers for one that does not fit any more.
+  // Names a computer or renames it. tooManyComputers if the account has as many as it may have.
   Status NameComputer(std::int64_t account, const Computer& computer);
   std::vector<Computer> Computers(std::int64_t account);
 
-  // Opens a session for `lifetime` seconds and returns its token. Sessions that have ended are forgotten, and so is the
-  // oldest of the account if it has `most` of them.
+  // Opens a session for `lifetime` seconds and returns its token. Deletes sessions that have ended, and the
+  // oldest of the account if it has `most`.
   std::string OpenSession(std::int64_t account, std::int64_t now, std::int64_t lifetime, std::int64_t most);
   // The account of a session that has not ended.
   std::optional<std::int64_t> FindSession(const std::string& token, std::int64_t now);

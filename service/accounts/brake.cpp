@@ -12,8 +12,8 @@ std::int64_t Brake::Wait(std::int64_t now) {
     const auto found = database.Run("SELECT until FROM brake WHERE bucket = $1 AND until > $2", bucket.name, now);
     bucket.clean = found.empty();
     if (bucket.clean) continue;
-    // As one statement: of those that come at the same time only as many get through as the bucket takes. What lies
-    // further ahead than charges can bring it was written before the clock was set back.
+    // One statement, so that of requests at the same time no more get through than the bucket has charges for. A time
+    // that lies further ahead than charges can bring it was written before the clock was set back.
     const auto charged = database.Run(
         "UPDATE brake SET until = CASE WHEN until > $1 THEN $1 ELSE until + $2 END"
         " WHERE bucket = $3 AND (until <= $4 OR until > $1) RETURNING until",

@@ -1,7 +1,7 @@
 // A database that several processes use at a time: SQLite in a file, or PostgreSQL, which several machines can share.
-// Statements are SQL that both understand, with values as $1, $2 and so on, which first appear in that order. Values
-// and columns travel as text in UTF-8. Every failure is a std::runtime_error whose text holds no value; a database that
-// cannot be had, or not within 2 seconds because others hold it, is one.
+// Statements are SQL that both understand; their values are $1, $2 and so on, which first appear in that order. Values
+// and columns are passed as text in UTF-8. Every failure is a std::runtime_error whose text holds no value; so it is if
+// the database cannot be opened, or is locked by others for 2 seconds.
 #ifndef NVSUPPORT_SERVICE_DATABASE_DATABASE_H
 #define NVSUPPORT_SERVICE_DATABASE_DATABASE_H
 
@@ -28,7 +28,7 @@ class Database {
   // Runs statements that take no values and give no rows.
   virtual void RunScript(const char* sql) = 0;
   virtual bool HasTable(const std::string& name) = 0;
-  // False when what was opened is not there any more: a server ended the connection, a file was replaced.
+  // False when the database has to be opened again: the server closed the connection, or the file was replaced.
   virtual bool IsUsable() = 0;
 
  private:
@@ -43,8 +43,8 @@ class Database {
   virtual void RollBack() noexcept = 0;
 };
 
-// What is done between construction and Commit is done as a whole, or not at all. Transactions on the same subject
-// follow one after the other, in the order in which they ask, so that what one reads stays true until it ends.
+// What is done between construction and Commit takes effect as a whole, or not at all. Transactions on the same subject
+// run one after the other, in the order in which they ask, so that what one has read stays true until it ends.
 class Transaction {
  public:
   Transaction(Database& database, const std::string& subject) : target(database) { target.Begin(subject); }

@@ -19,7 +19,7 @@ constexpr off_t next = 1;
 
 using Clock = std::chrono::steady_clock;
 
-// Wakes this thread out of a system call, again and again as long as it lives: the kernel's queue knows no time limit.
+// While it lives, interrupts this thread's system calls again and again: the kernel's queue has no time limit.
 class Alarm {
  public:
   Alarm() {
@@ -45,7 +45,7 @@ class Alarm {
   timer_t timer = {};
 };
 
-// False if another has the lock, or has it still at the end of the time.
+// False if another process has the lock, or still has it at the end of the time.
 bool Lock(int descriptor, int command, int type, off_t byte, Clock::time_point end = Clock::time_point::max()) {
   struct flock lock = {};
   lock.l_type = static_cast<short>(type);
@@ -69,10 +69,10 @@ FileQueue::~FileQueue() {
   close(descriptor);
 }
 
-// Who leaves and comes back finds the next one there: with a single lock it would be quicker than those who are only
-// being woken, and have turn after turn.
+// Two locks, so that a process that leaves and comes back has to stand behind the next one. With a single lock it would
+// take that again before the others are awake, and have turn after turn.
 bool FileQueue::Enter(std::chrono::milliseconds patience) {
-  // Most find nobody there and need no alarm.
+  // Mostly nobody else is there, and no alarm is needed.
   if (Lock(descriptor, F_OFD_SETLK, F_WRLCK, next)) {
     const bool entered = TryEnter();
     if (entered || patience == std::chrono::milliseconds::zero()) {

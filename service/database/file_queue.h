@@ -1,5 +1,5 @@
-// A queue of processes, by locks on a file. The kernel wakes those who wait in their order, and a process that is
-// killed gives its place up.
+// A queue of processes, made of locks on a file. The kernel wakes those who wait in their order, and a process that is
+// killed leaves the queue.
 #ifndef NVSUPPORT_SERVICE_DATABASE_FILE_QUEUE_H
 #define NVSUPPORT_SERVICE_DATABASE_FILE_QUEUE_H
 
@@ -18,7 +18,7 @@ class FileQueue {
 
   // Waits for the turn of this object, which lasts until Leave; false when it did not come within `patience`.
   bool Enter(std::chrono::milliseconds patience = std::chrono::milliseconds::max());
-  // Takes the turn only if that needs no waiting.
+  // Takes the turn if nobody has it; never waits.
   bool TryEnter();
   void Leave() noexcept;
 

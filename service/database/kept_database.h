@@ -18,9 +18,9 @@ class KeptDatabase {
  public:
   explicit KeptDatabase(std::string databaseAddress) : address(std::move(databaseAddress)) {}
 
-  // Gives the user, whose database is opened first if it is not open any more, to `work`, and returns what that
-  // returns. After a failure the database is opened anew; for the next second all fail at once, so that requests do not
-  // wait one after the other for what is not there.
+  // Opens the database if it is not open, calls `work` with its user, and returns what that returns. After a failure
+  // the database is opened again; for the next second all calls fail at once, so that requests do not queue up for a
+  // database that is not there.
   auto Use(const auto& work) {
     if (Clock::now() < failing) throw std::runtime_error("the database failed a moment ago");
     try {

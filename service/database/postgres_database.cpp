@@ -8,8 +8,8 @@
 namespace nvsupport::service {
 namespace {
 
-// libpq and the libraries that it brings along take longer to load than most requests take in all. So it is loaded when
-// an address asks for it, by the name that its header's promises hold for.
+// Loading libpq with its libraries takes longer than most requests take in all, so it is loaded only when an address
+// asks for it, by the name of the version that the header belongs to.
 void* FindInLibpq(const char* name) {
   static void* const library = dlopen("libpq.so.5", RTLD_NOW);
   void* const found = library != nullptr ? dlsym(library, name) : nullptr;
@@ -60,7 +60,7 @@ using Result = std::unique_ptr<PGresult, ResultCloser>;
 class PostgresDatabase final : public Database {
  public:
   explicit PostgresDatabase(const std::string& address) {
-    // What stands before the address can be set otherwise by it.
+    // The address can override what stands in front of it.
     const char* const names[] = {"connect_timeout", "tcp_user_timeout", "dbname", "client_encoding", nullptr};
     const char* const values[] = {"2", "2000", address.c_str(), "UTF8", nullptr};
     constexpr int dbnameIsAnAddress = 1;
@@ -79,7 +79,7 @@ class PostgresDatabase final : public Database {
     return !Run("SELECT 1 FROM pg_tables WHERE schemaname = current_schema() AND tablename = $1", name).empty();
   }
 
-  // Looks for what the server said meanwhile, which can be its farewell.
+  // Reads what the server has sent meanwhile; it may have closed the connection.
   bool IsUsable() override {
     return pq.consumeInput(connection.get()) == 1 && pq.status(connection.get()) == CONNECTION_OK;
   }
@@ -103,7 +103,7 @@ class PostgresDatabase final : public Database {
 
   void Begin(const std::string& subject) override {
     RunScript("BEGIN");
-    // A lock on the subject, which goes with the transaction; the server keeps a queue for each.
+    // A lock on the subject, released with the transaction. The server keeps a queue for each lock.
     Run("SELECT pg_advisory_xact_lock(hashtextextended($1, 0))", subject);
   }
 
@@ -111,7 +111,7 @@ class PostgresDatabase final : public Database {
 
   void RollBack() noexcept override { const Result ignored(pq.exec(connection.get(), "ROLLBACK")); }
 
-  // The server's own detail of an error quotes values, so only its first line and its code are told.
+  // The details of the server's errors quote values, so only the first line and the code are passed on.
   void ThrowUnlessDone(const Result& result) const {
     const ExecStatusType status = pq.resultStatus(result.get());
     if (status == PGRES_COMMAND_OK || status == PGRES_TUPLES_OK) return;

@@ -10,11 +10,11 @@
 namespace nvsupport::service {
 namespace {
 
-// Together with the time for which SQLite waits itself, below the 2 seconds that database.h promises.
+// Together with the time that SQLite itself waits, this stays below the 2 seconds that database.h promises.
 constexpr std::chrono::milliseconds patience{1000};
 
-// Its users stand in a queue, by the file PATH-queue: SQLite itself would have each try again and again, and under load
-// some never come to their turn.
+// Its users stand in a queue, the file PATH-queue. With SQLite alone each tries again and again, and under load some
+// never get their turn.
 class SqliteDatabase final : public Database {
  public:
   explicit SqliteDatabase(const std::string& path) : queue(path + "-queue"), file(path, SqliteFile::Mode::shared) {
@@ -50,7 +50,7 @@ class SqliteDatabase final : public Database {
     return rows;
   }
 
-  // The file is locked as a whole, whatever the subject.
+  // The subject does not matter: the file is locked as a whole.
   void Begin(const std::string& /*subject*/) override {
     if (!queue.Enter(patience)) throw std::runtime_error("SQLite: others hold the database");
     try {

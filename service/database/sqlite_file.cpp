@@ -9,14 +9,14 @@
 namespace nvsupport::service {
 namespace {
 
-// For those who do not stand in the queue of sqlite_database.cpp, such as a backup.
+// For programs that do not stand in the queue of sqlite_database.cpp, such as a backup.
 constexpr int busyMilliseconds = 800;
 
 [[noreturn]] void Throw(sqlite3* file) {
   throw std::runtime_error(std::string("SQLite: ") + sqlite3_errmsg(file));
 }
 
-// The path as SQLite's own kind of address, which can say more than a path.
+// The path as a "file:" address, which can carry options.
 std::string UnchangingAddress(const std::string& path) {
   std::string address = "file:";
   for (const char c : path) {

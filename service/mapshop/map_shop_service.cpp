@@ -14,10 +14,10 @@ namespace {
 constexpr std::uint32_t search = 101;
 constexpr std::uint32_t searchKind = 4;  // the second word of every search
 constexpr std::size_t pointBytes = 16;
-constexpr std::size_t pieceBytes = 32UL * 1024;  // of a reply that are kept in memory
+constexpr std::size_t pieceBytes = 32UL * 1024;  // of a reply, kept in memory
 constexpr Area everywhere = {-largestLatitude, -180, largestLatitude, 180};
 
-// The box around the points of a request; none if the request is not as it should be.
+// The box around the points of a request; none if the request is malformed.
 std::optional<Area> RequestedArea(RequestReader& request) {
   if (request.Word() != search || request.Word() != searchKind) return std::nullopt;
   const std::uint32_t count = request.Word();
@@ -26,7 +26,7 @@ std::optional<Area> RequestedArea(RequestReader& request) {
   for (std::uint32_t i = 0; i < count; ++i) {
     const double latitude = request.Real();
     const double longitude = request.Real();
-    // Asked this way round, what is no number fails too.
+    // Written so that a NaN fails, too.
     const bool valid = std::abs(latitude) <= largestLatitude && std::abs(longitude) <= largestLongitude;
     if (!valid) return std::nullopt;
     box.south = std::min(box.south, latitude);
@@ -39,7 +39,7 @@ std::optional<Area> RequestedArea(RequestReader& request) {
   return count == 0 ? everywhere : box;
 }
 
-// Writes one product behind the others.
+// Writes one product.
 void Write(ReplyWriter& reply, const Product& product) {
   reply.Text(product.title);
   reply.Word(product.number);
@@ -48,7 +48,7 @@ void Write(ReplyWriter& reply, const Product& product) {
   reply.Word(product.kibibytes);
 }
 
-// What Write makes of a product whose texts have so many bytes together.
+// The size of what Write makes of a product whose texts have so many bytes in all.
 constexpr std::size_t WrittenBytes(std::size_t textBytes) {
   return 5 * sizeof(std::uint32_t) + 2 * textBytes;
 }
@@ -60,7 +60,7 @@ Reply AnswerSearch(std::string_view request, const ProductIndex& products, std::
   const auto area = RequestedArea(reader);
   if (!area) return StatusReply(Status::notUnderstood);
 
-  // Their number stands before them, so they are counted first.
+  // Counted first, because the number stands in front of the products.
   std::vector<std::int64_t> found;
   std::size_t bytes = 0;
   products.Find(*area, [&](std::int64_t id, std::size_t textBytes) {

@@ -14,9 +14,9 @@ inline constexpr std::size_t largestSearch = 1024UL * 1024;  // bytes of a reque
 
 inline constexpr std::size_t largestFinding = 32UL * 1024 * 1024;  // bytes of a reply, half of what clients take
 
-// Answers a request with the products whose area meets the box around its points, in the order of the product file. Of
-// more than `most`, or than fit into a reply of `largest` bytes, it holds those that come first. They are read while
-// the reply is sent, and `products` must stay as they are until then.
+// Answers a request with the products whose area meets the box around its points, in the order of the product file. If
+// there are more than `most`, or more than fit into `largest` bytes, the reply holds the first ones. They are read
+// while the reply is sent; until then `products` must not change.
 Reply AnswerSearch(std::string_view request, const ProductIndex& products, std::int64_t most,
                    std::size_t largest = largestFinding);
 

@@ -32,7 +32,7 @@ bool ParseArea(std::string_view south, std::string_view west, std::string_view n
   if (!Parse(south, area.south) || !Parse(west, area.west) || !Parse(north, area.north) || !Parse(east, area.east)) {
     return false;
   }
-  // Asked this way round, what is no number fails too.
+  // Written so that a NaN fails, too.
   const bool possible = std::abs(area.south) <= largestLatitude && std::abs(area.north) <= largestLatitude &&
                         std::abs(area.west) <= largestLongitude && std::abs(area.east) <= largestLongitude;
   if (area.west > area.east) area.east += 360;

@@ -22,12 +22,12 @@ struct Product {
   Area area;
 };
 
-// The file has a line that breaks the form; names it.
+// A line of the file is malformed; the text names it.
 struct ProductError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// Gives the products to `take`, in the order of the file. Throws ProductError, or another std::runtime_error if the
+// Passes the products to `take`, in the order of the file. Throws ProductError, or another std::runtime_error if the
 // file cannot be read.
 void ReadProducts(const std::string& path, const std::function<void(const Product&)>& take);
 

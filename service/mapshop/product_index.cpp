@@ -20,7 +20,7 @@ namespace {
 // Begins with the version of the tables below.
 constexpr std::string_view format = "1 ";
 
-// An R*Tree keeps single precision, rounded outwards; what it finds is compared once more with the areas in full.
+// An R*Tree keeps numbers in single precision, rounded outwards, so what it finds is compared with the exact areas.
 constexpr const char* tables = R"(
   PRAGMA journal_mode = OFF;
   PRAGMA cache_size = -262144;
@@ -32,7 +32,8 @@ constexpr const char* tables = R"(
   CREATE VIRTUAL TABLE area USING rtree(id, west, east, south, north);
 )";
 
-// Areas lie between -180 and 540 degrees of longitude, so one that is sought is looked for there in each of its turns.
+// The areas lie between -180 and 540 degrees of longitude, so a search looks there for its area and for each full turn
+// of it.
 constexpr const char* nearArea = R"(
   SELECT id FROM area WHERE north >= ?1 AND south <= ?2 AND east >= ?3 AND west <= ?4
   UNION ALL SELECT id FROM area WHERE north >= ?1 AND south <= ?2 AND east >= ?3 - 360 AND west <= ?4 - 360
@@ -50,7 +51,7 @@ constexpr const char* boxOfOne = R"(
 constexpr const char* wholeProduct =
     "SELECT number, title, short_text, file_reference, kibibytes FROM product WHERE id = ?";
 
-// Differs for any two states of a file.
+// Different for any two states of a file.
 std::string Stamp(const std::string& path) {
   struct stat status = {};
   if (stat(path.c_str(), &status) != 0) throw std::system_error(errno, std::generic_category(), path);
@@ -87,11 +88,11 @@ void Fill(SqliteFile& index, const std::string& productPath, const std::string& 
   index.Execute("COMMIT");
 }
 
-// In the place of the file at `path`, which keeps its content for those who have it open. If the product file has an
-// error, a former index is taken over under the new stamp: the file is not read again until it changes.
+// Replaces the file at `path`; those who have the old one open can read on. If the product file has an error, the old
+// index is kept under the new stamp, so that the product file is not read again until it changes.
 void Make(const std::string& path, const std::string& productPath, const std::string& stamp, bool former) {
   const std::string unfinished = path + "-new";
-  std::filesystem::remove(unfinished);  // of a process that was killed
+  std::filesystem::remove(unfinished);  // left by a process that was killed
   try {
     SqliteFile index(unfinished, SqliteFile::Mode::shared);
     Fill(index, productPath, stamp);
@@ -155,13 +156,13 @@ bool ProductIndex::Reopen(const std::string& wantedStamp) {
     open.emplace(std::move(opened));
     return open->stamp == wantedStamp;
   } catch (const std::runtime_error&) {
-    return false;  // no index, whatever it is: a new one takes its place
+    return false;  // not an index: a new one replaces it
   }
 }
 
 std::optional<std::vector<std::int64_t>> ProductIndex::Near(const Area& area) const {
   const Area sought = Normal(area);
-  constexpr double margin = 1e-6;  // more than a turn can lose in rounding
+  constexpr double margin = 1e-6;  // more than the rounding errors of a turn
   std::vector<std::int64_t> near;
   open->near.Bind(sought.south, sought.north, sought.west - margin, sought.east + margin);
   while (open->near.Step()) {
