@@ -26,7 +26,7 @@ BackgroundDownload::Outcome BackgroundDownload::Run(const NVSupportModule& suppo
   const bool arrived = support.download(host.c_str(), path.c_str(), file.c_str(), callback, this, &counters);
   ShowCounters();
   if (!arrived) return begun ? Outcome::brokenOff : Outcome::refused;
-  // A server that closes early looks to the library like the end of the body.
+  // When a server closes early, the library takes that for the end of the body.
   if (counters.total < 0 || counters.done == static_cast<std::uint64_t>(counters.total)) return Outcome::complete;
   std::remove(file.c_str());
   return Outcome::incomplete;
@@ -44,7 +44,7 @@ void BackgroundDownload::ShowCounters() {
 }
 
 void BackgroundDownload::Abandon() const {
-  // Another process may be at work on a file of that name.
+  // The file may be another process's, which downloads to the same place.
   const std::string temporary = file + ".TMP";
   if (IsOpenHere(temporary)) std::remove(temporary.c_str());
 }

@@ -1,5 +1,5 @@
-// A download on a thread of its own: the host stays awake, whatever the server does, and can tell a whole file from a
-// part of one.
+// A download on a thread of its own, so that the host reacts whatever the server does. It tells whether the whole file
+// came.
 #ifndef NVHOST_BACKGROUND_DOWNLOAD_H
 #define NVHOST_BACKGROUND_DOWNLOAD_H
 

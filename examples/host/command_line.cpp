@@ -1,4 +1,4 @@
-// The one source that knows the library for command lines, which takes long to compile.
+// The only source that includes CLI11, which takes long to compile.
 #include "command_line.h"
 
 #include <CLI/CLI.hpp>
@@ -46,7 +46,7 @@ MapShopPoint ParsePoint(const std::string& text) {
   if (!comma || longitude.ec != std::errc() || longitude.ptr != end) {
     throw CLI::ValidationError(text, "not a point; write LATITUDE,LONGITUDE in degrees, such as 45.92,6.87");
   }
-  // Asked this way round, what is no number fails too.
+  // Written so that a NaN fails, too.
   const bool inRange = std::abs(point.latitude) <= largestLatitude && std::abs(point.longitude) <= largestLongitude;
   if (!inRange) {
     throw Failure(areaOutOfRange, text + " is out of range: latitude -90 to 90, longitude -400 to 400");
@@ -54,7 +54,7 @@ MapShopPoint ParsePoint(const std::string& text) {
   return point;
 }
 
-// What hinders an argument, as CLI11 asks for it: an empty text if nothing does.
+// What is wrong with an argument, in the form that CLI11 wants: an empty text if nothing is.
 
 std::string WhyNoHost(const std::string& host) {
   const bool isAddress = host.starts_with('[') && host.ends_with(']');
@@ -71,7 +71,7 @@ std::string WhyNoDestination(const std::string& file) {
   return TakesNewFiles(folder.string()) ? "" : "nothing can be written in " + folder.string();
 }
 
-// Reads arguments to its members; the command that is there leaves its work in the request.
+// CLI11 reads the arguments into the members; the callback of the command puts its work into the request.
 class Parser {
  public:
   explicit Parser(Request& asked) : request(asked) {
@@ -90,7 +90,7 @@ class Parser {
     AddWhoAmI();
     AddToken();
     AddGui();
-    app.footer(exitCodes);  // which commands take over that are added behind it
+    app.footer(exitCodes);  // set last: a command copies it when it is added
   }
 
   // The exit code.
@@ -107,7 +107,7 @@ class Parser {
   static std::string WhatIsWrong(const CLI::App* app, const CLI::Error& error) {
     const std::vector<std::string> unknown = app->remaining();
     std::string reason = error.what();
-    // The library for command lines does not name what stands where a command should.
+    // CLI11 does not name a word that stands where a command should.
     if (app->get_subcommands().empty() && !unknown.empty()) {
       reason = (unknown[0].starts_with('-') ? "there is no option " : "there is no command ") + unknown[0];
     }

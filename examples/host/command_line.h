@@ -9,7 +9,7 @@
 
 namespace nvhost {
 
-// What a command line asks for. Without `work` everything is said already, and the program ends with `exitCode`.
+// What a command line asks for. Without `work` there is nothing left to do, and the program ends with `exitCode`.
 struct Request {
   std::string library;  // path of the module
   bool trace = false;

@@ -1,5 +1,5 @@
-// The commands of nvhost, each with its arguments. They do their work with the support library alone; what they cannot
-// do they tell by a Failure, which main shows.
+// The commands of nvhost, each with its arguments. They use the support library alone. A command that cannot do its
+// work throws a Failure, which main shows.
 #ifndef NVHOST_COMMANDS_H
 #define NVHOST_COMMANDS_H
 
@@ -26,7 +26,7 @@ enum ExitCode {
   cannotWrite = 9,
   noScreen = 10,
   incomplete = 11,
-  interruptedBy = 128,  // and the number of the signal, as shells report it
+  interruptedBy = 128,  // plus the number of the signal, as shells report it
 };
 
 // Why a command ended without having done its work.
@@ -62,7 +62,7 @@ void Read(const NVSupportModule& support, const ReadArguments& arguments);
 void WhoAmI(const NVSupportModule& support, const std::string& product, bool json);
 void Token(const NVSupportModule& support, const std::string& product);
 
-// Goes over to nvhost-gui, so it returns only by a Failure.
+// Becomes nvhost-gui, so it never returns; throws a Failure if that is not possible.
 [[noreturn]] void Gui(const std::string& library, const std::string& product);
 
 }  // namespace nvhost

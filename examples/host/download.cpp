@@ -19,10 +19,10 @@ namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
 constexpr auto lookPause = 100ms;
-constexpr auto stopPatience = 500ms;  // for the library to stop by itself
+constexpr auto stopPatience = 500ms;  // how long the library gets to stop by itself
 
-// The file that the library writes: the one that was asked for or, for standard output, one in a folder that goes with
-// this object.
+// The file that the library writes: the one that the user named or, for standard output, one in a temporary folder that
+// this object removes.
 class Destination {
  public:
   explicit Destination(const std::string& file) : path(file) {
@@ -41,13 +41,13 @@ class Destination {
     std::error_code ignored;
     if (!folder.empty()) fs::remove_all(folder, ignored);
   }
-  // Does nothing where the file is in its place already.
+  // Copies a temporary file to standard output; a file that the user named is in its place already.
   void CopyToOutput() const {
     if (folder.empty()) return;
     UseBinaryOutput();
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), &std::fclose);
     if (!file) throw Failure(unexpected, path + " cannot be read");
-    RemoveFolder();  // where an open file can go: a reader that leaves early ends this program
+    RemoveFolder();  // now, if an open file can be removed: a reader that leaves early ends this program
     std::array<char, 65536> part;
     while (const std::size_t length = std::fread(part.data(), 1, part.size(), file.get())) {
       if (std::fwrite(part.data(), 1, length, stdout) != length) throw Failure(cannotWrite, outputFault);
@@ -59,7 +59,7 @@ class Destination {
   std::string path;
 };
 
-// Shows how far the transfer is until it ends or a signal asks for the end: that signal, else 0.
+// Shows the progress until the transfer ends or a signal comes. Returns the signal, or 0.
 int Watch(BackgroundDownload& download, ProgressDisplay& display, const SignalWatch& signals) {
   int signal = 0;
   while (signal == 0 && !download.EndsWithin(lookPause)) {

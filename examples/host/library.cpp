@@ -15,7 +15,7 @@ std::string FindLibrary() {
 }
 
 Library::Library(const std::string& path) {
-  // An absolute path: a bare name would be looked for among the system's libraries.
+  // Made absolute, because a bare name would be looked for among the system's libraries.
   const std::string file = AbsolutePath(path);
   const char* const missing = NVSupportOpen(&module, file.c_str());
   if (missing == file.c_str()) throw std::runtime_error("cannot load the support library: " + WhyNotLoaded());

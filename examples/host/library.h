@@ -1,4 +1,4 @@
-// The support library as a host loads it when it runs, by nvsupport/nvsupport_module.h.
+// Loads the support library at run time by nvsupport/nvsupport_module.h, as a host does.
 #ifndef NVHOST_LIBRARY_H
 #define NVHOST_LIBRARY_H
 
@@ -8,10 +8,10 @@
 
 namespace nvhost {
 
-// Where the library stands: beside the program in a build tree, in the folder for libraries when both are installed.
+// The path of the library: beside the program in a build tree, in the folder for libraries when both are installed.
 std::string FindLibrary();
 
-// Keeps the module loaded for as long as it lives.
+// Keeps the module loaded as long as the object lives.
 class Library {
  public:
   // Throws std::runtime_error with the reason if the module or one of its functions is not there.

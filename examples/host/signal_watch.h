@@ -1,11 +1,11 @@
-// Turns Ctrl-C and the polite requests to end (SIGTERM, SIGHUP) into a question, for as long as something is under way
-// that must not end suddenly. A second signal of the same kind ends the program.
+// While a SignalWatch lives, Ctrl-C and the polite requests to end (SIGTERM, SIGHUP) do not end the program but are
+// noted, so that it can finish its work. A second signal of the same kind ends it.
 #ifndef NVHOST_SIGNAL_WATCH_H
 #define NVHOST_SIGNAL_WATCH_H
 
 namespace nvhost {
 
-// One at a time. The signals end the program again when it goes.
+// There can be one at a time. After it the signals end the program again.
 class SignalWatch {
  public:
   SignalWatch();

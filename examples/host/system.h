@@ -8,20 +8,20 @@
 
 namespace nvhost {
 
-// A path from the folder of the program that runs.
+// The absolute path of a file, given from the folder of this program.
 std::string BesideProgram(const std::string& path);
 std::string AbsolutePath(const std::string& path);
-// Why the module could not be loaded that was asked for last.
+// Why the last module that was asked for could not be loaded.
 std::string WhyNotLoaded();
-// Whether this process itself has the file open and can remove it all the same.
+// True if this process has the file open, and open files can be removed.
 bool IsOpenHere(const std::string& file);
-// Whether the user may make files there.
+// True if the user may make files there.
 bool TakesNewFiles(const std::string& folder);
-// False where no window can open for certain.
+// False if certainly no window can open.
 bool HasScreen();
-// How wide the terminal is that standard error goes to, which understands escape sequences; 0 if it is none.
+// The width of the terminal that standard error goes to; 0 if that is no terminal that understands escape sequences.
 std::size_t TerminalColumns();
-// Standard output passes every byte on as it is.
+// Makes standard output pass every byte on unchanged.
 void UseBinaryOutput();
 // Ctrl-C and the polite requests to end.
 std::vector<int> EndingSignals();

@@ -30,7 +30,7 @@ std::string WhyNotLoaded() {
 }
 
 bool IsOpenHere(const std::string&) {
-  return false;  // what is open cannot be removed
+  return false;  // open files cannot be removed
 }
 
 bool TakesNewFiles(const std::string& folder) {

@@ -1,4 +1,4 @@
-// nvhost token: a session token for the account pages. The library's dialogs sign the user in when it is needed.
+// nvhost token: prints a session token for the account pages. If necessary the library's dialogs sign the user in.
 #include <array>
 #include <cstdio>
 

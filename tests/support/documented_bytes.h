@@ -1,4 +1,4 @@
-// The worked examples of docs/*.md, so that a test can hold the library to them.
+// Reads the worked examples of docs/*.md, so that tests compare the library with them.
 #ifndef NVSUPPORT_TESTS_SUPPORT_DOCUMENTED_BYTES_H
 #define NVSUPPORT_TESTS_SUPPORT_DOCUMENTED_BYTES_H
 

@@ -36,14 +36,14 @@ class Exchange {
     return HttpSendRequestA(request, header.c_str(), static_cast<DWORD>(header.size()), body.data(),
                             static_cast<DWORD>(body.size())) != 0;
   }
-  // 1000 while there is none.
+  // 1000 if there is no status.
   DWORD Status() {
     DWORD status = 1000;
     DWORD size = sizeof status;
     HttpQueryInfoA(request, HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER, &status, &size, nullptr);
     return status;
   }
-  // The body from here on, "!" behind it if the transfer failed.
+  // The rest of the body, with "!" behind it if the transfer failed.
   std::string Body() {
     std::string body;
     char part[4096];

@@ -2,7 +2,7 @@
 
 #include "platform/linux/windowing/wait_cursor.h"
 
-// The display of a thread that has a user; else there is none, as where the library finds no plugin.
+// The display of a thread that has a played user. Other threads have none, as if the library found no plugin.
 NvOpenDisplay windowing::FindDisplay(std::string& whyNot) {
   whyNot = "nobody plays the user";
   return [](DisplayEvents*, std::string&) -> Display* { return PlayedUser::Present(); };

@@ -1,6 +1,6 @@
-// The user before a display without a screen, which takes the place of the library's own: during the life of a
-// PlayedUser every dialog of its thread is played by prepared steps, one for each time that the dialog waits, and every
-// message box is noted and answered with OK.
+// A played user and a display without a screen, which replaces the library's own. While a PlayedUser lives, it answers
+// every dialog of its thread with prepared steps, one each time that the dialog waits for the user. Message boxes are
+// noted and answered with OK.
 #ifndef NVSUPPORT_TESTS_SUPPORT_PLAYED_USER_H
 #define NVSUPPORT_TESTS_SUPPORT_PLAYED_USER_H
 
@@ -24,7 +24,7 @@ class PlayedUser final : public windowing::Display {
  public:
   using Step = std::function<void(HWND dialog)>;
 
-  // What a step mostly does: fill an edit, push a button or tick a box, by the control's id.
+  // The usual steps: fill an edit, push a button or tick a box, by the control's id.
   static Step Types(int id, const std::string& text) {
     return [=](HWND dialog) { windowing::CoreEvents().OnTextEdited(Focused(dialog, id), text); };
   }
@@ -49,7 +49,7 @@ class PlayedUser final : public windowing::Display {
 
   std::deque<Step> steps;                        // what the user will do
   std::vector<windowing::MessageBoxView> boxes;  // what the user was told
-  std::vector<std::string> boxOwners;            // by the same index: title of the dialog that owned the box
+  std::vector<std::string> boxOwners;            // of each box: the title of the dialog that owned it
   void Drag(HWND dialog, POINT by) {
     places[dialog].x += by.x;
     places[dialog].y += by.y;
@@ -62,7 +62,7 @@ class PlayedUser final : public windowing::Display {
     return found != present->dialogs.end() ? &found->second : nullptr;
   }
 
-  // What the core made the display do. Windows stand here once that was said of them.
+  // What the core told the display. A window is listed here once the core has told it.
   std::map<HWND, bool> enabled;
   HWND selectedWhole = nullptr;      // the control focused last, if it was selected whole
   std::string language;              // of what the display says by itself

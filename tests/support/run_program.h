@@ -21,7 +21,7 @@ namespace nvsupport::testing {
 
 inline constexpr std::chrono::seconds longestWait(20);
 
-// Asks until it holds, or for the longest wait.
+// Asks again and again until the condition holds; false if it does not within the longest wait.
 inline bool WaitUntil(const std::function<bool()>& condition) {
   using std::chrono::steady_clock;
   for (const auto end = steady_clock::now() + longestWait; steady_clock::now() < end;) {
@@ -31,7 +31,7 @@ inline bool WaitUntil(const std::function<bool()>& condition) {
   return false;
 }
 
-// Ended with the object.
+// A process that ends with the object.
 class Process {
  public:
   // Standard error goes where the output goes if `withErrors`, else where the test's goes.
@@ -66,7 +66,7 @@ class Process {
 
   void Signal(int number) const { EXPECT_EQ(kill(process, number), 0); }
 
-  // The next line of its output, empty at its end and after the longest wait.
+  // The next line of its output; empty at the end of the output and after the longest wait.
   std::string ReadLine() const {
     std::string line;
     for (char character; read(channel, &character, 1) == 1 && character != '\n';) line += character;

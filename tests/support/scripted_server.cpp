@@ -71,7 +71,7 @@ std::vector<std::string> ScriptedServer::Requests() const {
 }
 
 void ScriptedServer::Serve() {
-  // A client that goes in the middle ends the connection, not the test.
+  // If the client closes in the middle, that must end the connection and not the test.
   sigset_t signals;
   sigfillset(&signals);
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
@@ -81,7 +81,7 @@ void ScriptedServer::Serve() {
     if (identity) channel = BIO_push(BIO_new_ssl(identity.get(), 0), channel);
     Reply::End end = Reply::End::keep;
     while (end == Reply::End::keep && WaitForClient(client)) end = Answer(channel);
-    // Closing with unread bytes would take back what was sent.
+    // Closing while bytes are unread would discard what was sent.
     char rest[4096];
     while (end != Reply::End::reset && WaitForClient(client) && read(client, rest, sizeof rest) > 0) {
     }

@@ -1,6 +1,6 @@
-// A small HTTP server for tests: it records what it is sent and answers each request with the bytes of a script.
-// Loopback, a port of the kernel's choice, a thread of its own that ends with the object. It serves one connection at a
-// time, until the client closes it or opens another one. With an identity it speaks TLS.
+// A small HTTP server for tests. It records the requests and answers each with bytes that the test chooses. It listens
+// on loopback, on a port of the kernel's choice, and runs on a thread that ends with the object. It serves one
+// connection at a time, until the client closes it or opens another one. With an identity it speaks TLS.
 #ifndef NVSUPPORT_TESTS_SUPPORT_SCRIPTED_SERVER_H
 #define NVSUPPORT_TESTS_SUPPORT_SCRIPTED_SERVER_H
 
@@ -27,41 +27,41 @@ struct Reply {
   // hold: nothing further comes; keep: the next request may come.
   enum class End { close, reset, hold, keep };
 
-  std::string bytes;                   // as they go out, head and body
+  std::string bytes;                   // head and body, as they are sent
   End end = End::close;                // what happens behind the last byte
   std::size_t piece = 0;               // bytes sent at a time; 0: all at once
   std::chrono::milliseconds pause{0};  // behind each piece
 };
 
-// A reply with a Content-Length, behind which the connection is kept. headers: further lines, each with its line end.
+// A reply with a Content-Length, after which the connection stays open. headers: further lines, each with its line end.
 Reply HttpReply(int status, std::string_view body, std::string_view headers = {});
 
-// Chooses the answer to a request. Called on the server's thread.
+// Chooses the reply to a request. Called on the server's thread.
 struct Script : std::function<Reply(const std::string& request)> {
   using function::function;
-  // The same one to all.
+  // The same reply to all requests.
   Script(const Reply& reply) : Script(std::vector{reply}) {}
-  // One per request in this order; the last one for all that follow.
+  // One reply for each request, in this order; the last one for all further requests.
   Script(std::vector<Reply> replies);
 };
 
-// What a TLS server shows of itself; nothing for a plain one.
+// The certificate and key of a TLS server; nothing for a plain server.
 using TlsIdentity = std::shared_ptr<ssl_ctx_st>;
 
 class ScriptedServer {
  public:
-  // As long as the object lives it stands for the host: on the port of TLS, and a plain one on that of HTTP, too. Of
-  // several for one host the last one made counts.
+  // As long as the object lives, connections to the host come here: to its TLS port, and for a plain server also to its
+  // HTTP port. If several servers stand for one host, the one made last gets them.
   explicit ScriptedServer(Script script, const std::string& host = serverName, TlsIdentity identity = {});
   ~ScriptedServer();
   ScriptedServer(const ScriptedServer&) = delete;
   ScriptedServer& operator=(const ScriptedServer&) = delete;
 
-  // All requests so far, head and body, each as far as it was read when its reply begins.
+  // All requests so far, head and body, as far as each was read before its reply.
   std::vector<std::string> Requests() const;
   // Connections so far, those without a complete request (or handshake) included.
   int Connections() const { return connections; }
-  // Those that are still there.
+  // Connections that are still open.
   int Open() const { return connections - ended; }
 
  private:

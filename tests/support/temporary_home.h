@@ -1,5 +1,5 @@
-// A home of a test's own: a temporary folder that HOME and the XDG variables point into, and that goes with the
-// object. The variables get their former values back.
+// A home folder for one test: a temporary folder that HOME and the XDG variables point into. With the object the folder
+// goes, and the variables get their old values back.
 #ifndef NVSUPPORT_TESTS_SUPPORT_TEMPORARY_HOME_H
 #define NVSUPPORT_TESTS_SUPPORT_TEMPORARY_HOME_H
 
@@ -62,7 +62,7 @@ inline void WriteWholeFile(const std::filesystem::path& path, const std::string&
 // of them exists yet.
 class TemporaryHome {
  public:
-  // The registry files of the user and of the machine; the text follows the head line of such a file.
+  // Write the registry file of the user or of the machine. The text follows the first line, which is always the same.
   void WriteUserRegistry(const std::string& text) const { WriteRegistry("config", text); }
   void WriteMachineRegistry(const std::string& text) const { WriteRegistry("etc", text); }
 

@@ -1,4 +1,4 @@
-// What servers of the tests show over TLS: certificates that the client trusts while the object lives, and no others.
+// Issues certificates for test servers. While the object lives, the client trusts these and no others.
 #ifndef NVSUPPORT_TESTS_SUPPORT_TEST_AUTHORITY_H
 #define NVSUPPORT_TESTS_SUPPORT_TEST_AUTHORITY_H
 
@@ -16,7 +16,7 @@ class TestAuthority {
  public:
   TestAuthority() {}  // so that one may be constant
 
-  // For a server of that name, the same each time. To be had before the client first looks at the certificates.
+  // The certificate for a server of that name, the same each time. Make it before the client's first TLS connection.
   TlsIdentity Issue(const std::string& host) const {
     const std::string file = folder / host;
     constexpr const char* make =

@@ -1,4 +1,4 @@
-// The bytes of the services' items, written down independently of the library.
+// The bytes of the services' items, written without any of the library's code.
 #ifndef NVSUPPORT_TESTS_SUPPORT_WIRE_ITEMS_H
 #define NVSUPPORT_TESTS_SUPPORT_WIRE_ITEMS_H
 

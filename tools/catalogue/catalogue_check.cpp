@@ -11,7 +11,7 @@
 namespace nvsupport {
 namespace {
 
-// Byte-order marks that the reader takes for data.
+// Byte-order marks that the reader would take for part of the text.
 struct ForeignMark {
   std::string_view bytes;
   const char* message;
@@ -22,7 +22,7 @@ constexpr ForeignMark foreignMarks[] = {
     {"\xFE\xFF", "the file is in big-endian UTF-16, which is not read"},
 };
 
-// The inside of a quoted cell; a column that is none as it stands.
+// The inside of a quoted cell; any other column as it stands.
 std::string_view WithoutCellQuotes(std::string_view column) {
   if (column.size() < 2 || !column.starts_with('"') || !column.ends_with('"')) return column;
   return column.substr(1, column.size() - 2);
@@ -52,7 +52,7 @@ bool LosesReturn(std::string_view column) {
   return column.find('\r') != std::string_view::npos;
 }
 
-// Whether Linux cannot show the bytes: its code page is UTF-8.
+// True if Linux cannot show the bytes: its code page is UTF-8.
 bool IsNoUtf8(std::string_view column) {
   return !Converted("UTF-8", "UTF-16LE", column);
 }
@@ -69,7 +69,7 @@ constexpr ColumnFault columnFaults[] = {
     {IsNoUtf8, "bytes that are no UTF-8, which Linux does not show as they were meant"},
 };
 
-// The character behind '&', in small letters as far as ASCII goes; empty without one. "&&" is the sign itself.
+// The character behind '&', an ASCII letter in small; empty if there is none. "&&" is the sign itself.
 std::string MarkedKey(std::string_view text) {
   std::size_t at = text.find('&');
   while (at < text.size() && text.substr(at + 1, 1) == "&") at = text.find('&', at + 2);
@@ -144,7 +144,7 @@ class Checker {
 
   struct Entry {
     std::size_t line = 0;
-    std::string key;  // that works with Alt
+    std::string key;  // the marked letter; empty if there is none
   };
 
   std::map<std::string, Entry> entries;  // by source text

@@ -10,7 +10,7 @@
 
 namespace nvsupport {
 
-// What stands for a translation that is still to be made.
+// Stands in the place of a translation that is not made yet.
 inline constexpr std::string_view placeholder = "XXXX";
 
 inline std::string_view WithoutLineEnd(std::string_view column) {
@@ -23,14 +23,14 @@ struct Finding {
   std::string message;
 };
 
-// What the reader will drop, replace or change although the translator hardly meant it, in the order of the lines; then
-// the letters that '&' marks for more than one text of a dialog.
+// What the reader will drop, replace or change against the translator's intention, in the order of the lines; then the
+// letters that '&' marks for more than one text of a dialog.
 std::vector<Finding> CheckCatalogue(std::string_view bytes);
 
-// Those of the texts that have no entry.
+// The texts that have no entry in the file.
 std::vector<std::string_view> FindMissingTexts(std::string_view bytes, std::span<const std::string_view> texts);
 
-// A text as a column that the reader turns back into it. A carriage return has no such form.
+// Writes a text as a column of a catalogue. A carriage return cannot be written.
 std::string EscapeCatalogueText(std::string_view text);
 
 }  // namespace nvsupport

@@ -8,7 +8,7 @@ namespace nvsupport {
 
 std::optional<std::string> Converted(const char* from, const char* to, std::string_view bytes) {
   const std::unique_ptr<void, int (*)(iconv_t)> converter(iconv_open(to, from), &iconv_close);
-  std::string text(2 * bytes.size(), '\0');  // of UTF-8 and UTF-16 neither needs more for the other
+  std::string text(2 * bytes.size(), '\0');  // enough between UTF-8 and UTF-16, both ways
   char* in = const_cast<char*>(bytes.data());
   char* out = text.data();
   std::size_t inSize = bytes.size();

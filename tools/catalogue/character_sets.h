@@ -1,4 +1,4 @@
-// From one character set to another.
+// Converts text from one character set to another.
 #ifndef NVSUPPORT_TOOLS_CATALOGUE_CHARACTER_SETS_H
 #define NVSUPPORT_TOOLS_CATALOGUE_CHARACTER_SETS_H
 
@@ -8,7 +8,7 @@
 
 namespace nvsupport {
 
-// Names as iconv has them. No value if the bytes are no text of the first set.
+// The names are those of iconv. No value if the bytes are no text in the first set.
 std::optional<std::string> Converted(const char* from, const char* to, std::string_view bytes);
 
 }  // namespace nvsupport

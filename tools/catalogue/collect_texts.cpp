@@ -1,9 +1,9 @@
-// Collects the English texts that the library shows through the catalogue, when it is built, so that none is forgotten:
-// those of the dialog templates, and those that the sources hand to a function that looks texts up. It stops at an
-// argument whose texts it cannot find: a text that nobody lists is one that nobody translates.
+// Collects the English texts that the library translates, while it is built, so that none is forgotten: those of the
+// dialog templates, and those that the sources pass to a function that looks texts up. It stops at an argument whose
+// texts it cannot find, because nobody would translate a text that is not listed.
 //
-// collect_texts OUTPUT SOURCE-FOLDER: writes C++ arrays, one of all texts, one of those that messages show, and one of
-// those of the controls with the number of their dialog.
+// collect_texts OUTPUT SOURCE-FOLDER: writes three C++ arrays: all texts; the texts of messages; and the texts of the
+// dialogs' controls, each with the number of its dialog.
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
@@ -21,7 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Where a text or a table of texts stands among the arguments of a function, counted from 0.
+// A function that looks texts up, and which of its arguments, counted from 0, is a text or a table of texts.
 struct Lookup {
   const char* function;
   std::size_t argument;
@@ -35,22 +35,22 @@ constexpr Lookup lookups[] = {
     {"MessageFor", 0},       {"MessageFor", 2},
 };
 
-// Arguments without texts of their own, and why.
+// Arguments whose texts are collected elsewhere or that have none; the comments say which.
 struct PassedOn {
   const char* file;
   const char* argument;
 };
 
 constexpr PassedOn passedOn[] = {
-    {"language/translation_catalogue.cpp", "text"},    // the callers', which are lookups themselves
+    {"language/translation_catalogue.cpp", "text"},    // from callers, whose calls are lookups, too
     {"language/translation_catalogue.cpp", "format"},  // likewise
     {"ui/message.cpp", "text"},                        // likewise
     {"ui/message.cpp", "format"},                      // likewise
-    {"account/create_account.cpp", "text"},            // that of a call of ShowError
-    {"account/create_account.cpp", "refusal.text"},    // what MessageFor gave
+    {"account/create_account.cpp", "text"},            // from a call of ShowError
+    {"account/create_account.cpp", "refusal.text"},    // from MessageFor
     {"account/sign_in.cpp", "refusal.text"},           // likewise
     {"account/create_account.cpp", "nullptr"},         // no text for other states
-    {"language/window_text.cpp", "text"},              // of the templates
+    {"language/window_text.cpp", "text"},              // from the templates
 };
 
 const std::string literal = R"re("((?:[^"\\\n]|\\.)*)")re";
@@ -60,7 +60,7 @@ std::string ReadFile(const fs::path& path) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-// Without comments, and with literals that stand behind each other made one.
+// Without comments, and with adjacent literals joined.
 std::string ReadSource(const fs::path& path) {
   const std::regex comment(R"re(("(?:[^"\\\n]|\\.)*"|'(?:[^'\\\n]|\\.)')|//[^\n]*)re");
   return std::regex_replace(std::regex_replace(ReadFile(path), comment, "$1"), std::regex(R"re("\s*\n\s*")re"), "");
@@ -76,7 +76,7 @@ std::string ReadHeadersOf(const std::string& source, const fs::path& sources) {
   return headers;
 }
 
-// What stands from a place on, without blanks around it, up to a comma or closing bracket that ends it; moves there.
+// The argument that begins at a place, without blanks around it; moves the place to the comma or bracket behind it.
 std::string TakeArgument(const std::string& source, std::size_t& at) {
   const std::size_t begin = source.find_first_not_of(" \n", at);
   bool isInLiteral = false;
@@ -136,13 +136,13 @@ class Collector {
   std::vector<std::vector<std::string>> dialogs;  // the texts of the controls of each
 
  private:
-  // Whether the texts of an argument are collected, here or elsewhere.
+  // True if the texts of the argument are collected, by this call or elsewhere.
   bool HasKnownTexts(const std::string& source, const std::string& name, const std::string& argument) {
     if (std::regex_match(argument, std::regex(literal))) {
       Collect(argument, literal, texts);
       return true;
     }
-    // The parameter in a declaration; a call that is a lookup itself.
+    // A parameter in a declaration, or a call that is a lookup itself.
     if (std::regex_search(argument, std::regex("^(const |std::span<|" + CallOf("MessageFor") + ")"))) return true;
     for (const PassedOn& known : passedOn) {
       if (name == known.file && argument == known.argument) return true;
@@ -155,7 +155,7 @@ class Collector {
     return true;
   }
 
-  // The first group of each match, as the program has it.
+  // Adds the first group of each match, as the program sees that text.
   static void Collect(const std::string& source, const std::string& pattern, std::vector<std::string>& to) {
     const std::regex expression(pattern);
     for (std::sregex_iterator found(source.begin(), source.end(), expression), end; found != end; ++found) {

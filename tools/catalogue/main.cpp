@@ -1,4 +1,4 @@
-// nvcatalogue: helps translators to check, to complete, to see and to convert a catalogue file.
+// nvcatalogue: helps translators to check, complete, see and convert a catalogue file.
 #include <nvsupport/nvsupport.h>
 #include <unistd.h>
 
@@ -28,7 +28,7 @@ struct Failure : std::runtime_error {
   ExitCode code;
 };
 
-constexpr std::string_view standardStream = "-";  // as the name of a file: standard input, or standard output
+constexpr std::string_view standardStream = "-";  // as the name of a file: standard input or output
 
 std::optional<std::string> ReadCatalogueFile(const std::string& path) {
   if (path == standardStream) return ReadCatalogueBytes(stdin);
@@ -42,7 +42,7 @@ int PrintFindings(const std::string& path, std::string_view bytes) {
   return found.empty() ? clean : findings;
 }
 
-// As lines of a catalogue, to be appended to the file and translated there.
+// Prints the texts as lines of a catalogue, to be appended to the file and translated there.
 int PrintMissingTexts(std::string_view bytes) {
   const std::vector<std::string_view> missing = FindMissingTexts(bytes, SourceTexts());
   for (const std::string_view text : missing) std::cout << EscapeCatalogueText(text) << "\tXXXX\n";
@@ -55,7 +55,7 @@ int Refuse(const std::string& path, const Finding& reason) {
   return unusable;
 }
 
-// Nothing is left of a file that cannot be written whole.
+// A file that cannot be written whole is removed.
 void WriteNewFile(const std::string& path, const std::string& bytes) {
   if (path == standardStream) {
     std::cout << bytes;
@@ -77,12 +77,12 @@ int WriteConverted(const std::string& path, const NewFile& made, const std::stri
   return clean;
 }
 
-// In the place of the file, or of what a link leads to, which stays whole whatever happens meanwhile.
+// Replaces the file, or the one that a link leads to. Whatever happens, either the old or the new one is there, whole.
 void Replace(const std::string& path, const std::string& bytes) {
   namespace fs = std::filesystem;
   const fs::path file = fs::weakly_canonical(path);
   const std::string beside = file.string() + ".new";
-  fs::remove(beside);  // what a run that was killed has left
+  fs::remove(beside);  // left by a run that was killed
   WriteNewFile(beside, bytes);
   if (fs::exists(file)) fs::permissions(beside, fs::status(file).permissions());
   fs::rename(beside, file);
@@ -109,7 +109,7 @@ int UpdateFile(const std::string& path, std::string_view bytes) {
   return clean;
 }
 
-// Goes over to the program that shows them, which alone needs a toolkit.
+// Becomes the program that shows the windows, which alone needs a toolkit.
 [[noreturn]] void Preview(const std::string& path, const std::string& window, const std::string& folder) {
   const std::string program = std::filesystem::read_symlink("/proc/self/exe").replace_filename("nvcatalogue-preview");
   const std::string file = path == standardStream ? "/dev/stdin" : path;
@@ -120,7 +120,7 @@ int UpdateFile(const std::string& path, std::string_view bytes) {
 std::string WhatIsWrong(const CLI::App* app, const CLI::Error& error) {
   const std::vector<std::string> unknown = app->remaining();
   std::string reason = error.what();
-  // The library for command lines does not name what stands where a command should.
+  // CLI11 does not name a word that stands where a command should.
   if (app->get_subcommands().empty() && !unknown.empty()) {
     reason = (unknown[0].starts_with('-') ? "there is no option " : "there is no command ") + unknown[0];
   }

@@ -1,8 +1,8 @@
-// nvcatalogue preview: shows the library's dialogs and messages with a catalogue under work. A program of its own, so
-// that nvcatalogue needs no toolkit. What it shows is the library itself on its own display, out of reach of the
-// service and of the user's settings.
+// nvcatalogue preview: shows the library's dialogs and messages with a catalogue that is being made. It is a program of
+// its own, so that nvcatalogue needs no toolkit. The windows are the library's own, on its real display, but can reach
+// neither the service nor the user's settings.
 //
-// nvcatalogue-preview CATALOGUE WINDOW FOLDER   empty texts: all windows, and no pictures
+// nvcatalogue-preview CATALOGUE WINDOW FOLDER   an empty WINDOW: all; an empty FOLDER: no pictures
 #include <QApplication>
 #include <QGraphicsColorizeEffect>
 #include <QTimer>
@@ -21,7 +21,7 @@
 #include "source_texts.h"
 #include "ui/message.h"
 
-// The display is linked in; the library would look for it in a file.
+// The display is linked with this program, so the library need not load it from a file.
 extern "C" windowing::Display* nvsupport_open_display(windowing::DisplayEvents* events, std::string& whyNot);
 
 NvOpenDisplay windowing::FindDisplay(std::string&) {
@@ -36,12 +36,12 @@ namespace fs = std::filesystem;
 enum ExitCode { clean = 0, findings = 1, unusable = 2, notWritten = 3 };
 
 struct Window {
-  std::string name;   // of its picture
-  std::string group;  // by which it is asked for
+  std::string name;   // of its picture file
+  std::string group;  // the word on the command line
   std::function<void()> open;
 };
 
-// A number stands for what a format is filled with.
+// Formats are filled in with a number.
 void ShowText(const std::string& text) {
   if (HaveSameConversions(text, "%d")) {
     ShowMessageFormat(nullptr, MB_ICONERROR, text.c_str(), 1);
@@ -63,11 +63,11 @@ std::vector<Window> AllWindows(CVServiceManager& session) {
   return windows;
 }
 
-// Makes what does not fit red and tells it. The display gives such a text as a tool tip, too.
+// Makes each text that does not fit red, and prints it. The display gives such a text a tool tip, which tells it here.
 bool MarkCutTexts(const std::string& name, const QWidget& window) {
   bool isCut = false;
   for (QWidget* control : window.findChildren<QWidget*>()) {
-    const bool isOfTemplate = !control->objectName().isEmpty();  // and no part of another control
+    const bool isOfTemplate = !control->objectName().isEmpty();  // else it is a part of another control
     if (!isOfTemplate || control->toolTip().isEmpty()) continue;
     isCut = true;
     auto* const red = new QGraphicsColorizeEffect(control);
@@ -78,7 +78,7 @@ bool MarkCutTexts(const std::string& name, const QWidget& window) {
   return isCut;
 }
 
-// Opens the windows one after the other; each waits for the user or, with a folder, leaves a picture there.
+// Opens the windows one after the other. Each waits for the user or, if there is a folder, saves a picture there.
 int Show(const std::vector<Window>& windows, const std::string& group, const std::string& folder) {
   int exitCode = clean;
   for (const Window& window : windows) {
@@ -99,7 +99,7 @@ int Show(const std::vector<Window>& windows, const std::string& group, const std
   return exitCode;
 }
 
-// Nobody's settings are read or written, no list of missing texts is, no page is opened and no service asked.
+// So that no settings and no list of missing texts are read or written, no page is opened and no service asked.
 void KeepApart(bool onScreen) {
   setenv("XDG_DATA_HOME", "/dev/null", 1);
   setenv("XDG_DOCUMENTS_DIR", "/dev/null", 1);
@@ -107,7 +107,7 @@ void KeepApart(bool onScreen) {
   setenv("NV_CONNECT_TO", NV_SERVICE_HOST ":80:127.0.0.1:1," NV_SERVICE_HOST ":443:127.0.0.1:1", 1);
   if (onScreen) return;
   setenv("QT_QPA_PLATFORM", "offscreen", 1);
-  setenv("QT_LOGGING_RULES", "*.warning=false", 1);  // of what is amiss off screen, a line for each window
+  setenv("QT_LOGGING_RULES", "*.warning=false", 1);  // off screen Qt prints a line for each window
 }
 
 int Run(const fs::path& catalogue, const std::string& group, const std::string& folder) {

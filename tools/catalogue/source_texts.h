@@ -9,7 +9,7 @@ namespace nvsupport {
 
 // Each text once: those of the dialogs, then those of the sources.
 std::span<const std::string_view> SourceTexts();
-// Those that message boxes show.
+// The texts of message boxes.
 std::span<const std::string_view> MessageTexts();
 
 struct DialogText {
@@ -17,7 +17,7 @@ struct DialogText {
   std::string_view text;
 };
 
-// Those of the dialogs' controls, each once in a dialog.
+// The texts of the dialogs' controls, each once for each dialog that has it.
 std::span<const DialogText> DialogTexts();
 
 }  // namespace nvsupport

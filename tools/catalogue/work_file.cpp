@@ -15,7 +15,7 @@ namespace {
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 constexpr std::size_t unitSize = 2;
 
-// Takes a line and the line feed behind it off the front. The feed has as many bytes as a unit of the text.
+// Removes the first line with its line feed, and returns it without. The line feed is as long as a unit of the text.
 std::string_view TakeLine(std::string_view& text, std::string_view feed) {
   std::size_t end = text.find(feed);
   while (end != std::string_view::npos && end % feed.size() != 0) end = text.find(feed, end + 1);
@@ -24,7 +24,7 @@ std::string_view TakeLine(std::string_view& text, std::string_view feed) {
   return line;
 }
 
-// The low bytes of all units if they hold nothing else.
+// The low bytes of all units, if the high bytes are 0.
 std::optional<std::string> LowBytes(std::string_view units) {
   std::string bytes;
   for (std::size_t at = 0; at < units.size(); at += unitSize) {
@@ -34,7 +34,7 @@ std::optional<std::string> LowBytes(std::string_view units) {
   return bytes;
 }
 
-// The text of a cell in quotes, where a quote of the text is two; no value for a column that is no such cell.
+// The text of a cell in quotes, in which a quote of the text is doubled; no value for any other column.
 std::optional<std::string> TextOfCell(std::string_view column) {
   if (column.size() < 2 || !column.starts_with('"') || !column.ends_with('"')) return std::nullopt;
   const std::string_view inside = column.substr(1, column.size() - 2);
@@ -58,8 +58,8 @@ std::string WithEscapedQuotes(const std::string& column) {
   return escaped;
 }
 
-// A column with quotes as the cell that spreadsheets make of the text: they know no backslash in front of a quote. A
-// quote that the reader drops goes here, too.
+// Writes a column that has quotes as spreadsheets write the cell: they know no backslash in front of a quote. Quotes
+// that the reader would drop are dropped.
 std::string AsCell(std::string_view column) {
   if (column.find('"') == std::string_view::npos) return std::string(column);
   std::string cell;
@@ -86,7 +86,7 @@ std::optional<std::string> ColumnToUtf8(std::string_view units) {
 
 using Conversion = std::function<std::optional<std::string>(std::string_view part)>;
 
-// Each column of a line by a function of its own, with a tab of one byte between them.
+// Converts each column of a line by its own function, and puts a tab of one byte between the results.
 std::optional<std::string> ConvertColumns(std::string_view line, std::string_view tab, const Conversion& convert) {
   const char* const end = line.data() + line.size();
   std::string made;
@@ -100,7 +100,7 @@ std::optional<std::string> ConvertColumns(std::string_view line, std::string_vie
   }
 }
 
-// Each line by a function of its own; no value of it ends the work for the reason given.
+// Converts each line by a function; where that gives no value, the work ends for the given reason.
 NewFile ConvertLines(std::string_view text, std::string_view feed, const char* reason, const Conversion& convert) {
   std::string made;
   for (std::size_t line = 1; !text.empty(); ++line) {
@@ -111,8 +111,7 @@ NewFile ConvertLines(std::string_view text, std::string_view feed, const char* r
   return made;
 }
 
-// The translations of each text, in the order of the file and without those that are still to be made; from where
-// orphans are kept, too.
+// The translations of each text, in the order of the file, without the placeholders, and with those of orphans.
 struct Translations {
   std::vector<std::string> live;
   std::vector<std::string> orphaned;

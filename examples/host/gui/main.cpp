@@ -17,7 +17,7 @@
 
 namespace {
 
-// Qt aborts a program that has nowhere to draw, and has told why by then.
+// Qt aborts a program that has no screen, after it has printed why.
 void OnAbort(int) {
   constexpr std::string_view text = "nvhost-gui: there is no screen for a window\n";
   static_cast<void>(!write(STDERR_FILENO, text.data(), text.size()));

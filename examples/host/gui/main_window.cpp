@@ -22,7 +22,7 @@
 
 namespace {
 
-// "latitude, longitude" in degrees; nothing if the text is no point of the earth.
+// Reads "latitude, longitude" in degrees; nothing if the text is no such point.
 std::optional<MapShopPoint> ParsePoint(const QString& text) {
   const QStringList parts = text.split(',');
   if (parts.size() != 2) return std::nullopt;
@@ -30,13 +30,13 @@ std::optional<MapShopPoint> ParsePoint(const QString& text) {
   bool longitudeGood = false;
   const MapShopPoint point{parts[0].trimmed().toDouble(&latitudeGood), parts[1].trimmed().toDouble(&longitudeGood)};
   if (!latitudeGood || !longitudeGood) return std::nullopt;
-  // Written so that NaN is refused too.
+  // Written so that a NaN fails, too.
   if (!(point.latitude >= -90 && point.latitude <= 90)) return std::nullopt;
   if (!(point.longitude >= -400 && point.longitude <= 400)) return std::nullopt;
   return point;
 }
 
-// Of a transfer; bytes stay exact in the counters.
+// Of the progress bar; the exact bytes are in the counters.
 constexpr int progressSteps = 1000;
 
 using namespace std::chrono_literals;
@@ -159,7 +159,7 @@ void MainWindow::Search() {
     status->setText("An area is two points, each a latitude (-90 to 90) and a longitude (-400 to 400).");
     return;
   }
-  // The search goes on in this thread, which draws nothing until its end.
+  // The search runs on this thread, which draws nothing until it ends.
   status->setText("Searching ...");
   repaint();
   const std::array<MapShopPoint, 2> area{*first, *second};
@@ -192,7 +192,7 @@ void MainWindow::StartDownload() {
   BeginDownload();
 }
 
-// A cancelled download has its file until it has ended, which is when the server sends its next bytes.
+// A download that was cancelled keeps its file until it ends, which is when the server sends its next bytes.
 void MainWindow::BeginDownload() {
   const std::string target = file.toLocal8Bit().toStdString();
   const bool isTaken =

@@ -24,8 +24,8 @@ class MainWindow : public QWidget {
   // support: outlives the window. fileHost: server that products are downloaded from.
   MainWindow(const NVSupportModule& support, const std::string& product, const std::string& fileHost);
 
-  // For the end of the program: stops what still runs. False if a silent server keeps a download busy: the program then
-  // ends by std::_Exit() and leaves the library loaded.
+  // Stops the downloads at the end of the program. False if a silent server keeps one busy: then the program must end
+  // by std::_Exit() and leave the library loaded.
   bool EndDownloads();
 
  private:
@@ -49,8 +49,8 @@ class MainWindow : public QWidget {
   // While there are downloads:
   QTimer look;
   std::optional<nvhost::SignalWatch> signalWatch;
-  QString file;                     // to download to
-  std::optional<QString> notBegun;  // what to download there, until the file is free
+  QString file;                     // the local file
+  std::optional<QString> notBegun;  // what to download as soon as that file is free
   std::unique_ptr<nvhost::BackgroundDownload> download;
   std::vector<std::unique_ptr<nvhost::BackgroundDownload>> cancelled;  // until they have ended
 

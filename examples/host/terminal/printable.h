@@ -1,5 +1,5 @@
-// A text that a terminal can show, and how many columns it takes. Texts come from a service: what is no character of
-// the library's encoding or not printable becomes "?", so that no text can play tricks on the terminal.
+// A text that is safe to show on a terminal, and how many columns it takes. Texts come from a service; each "?" stands
+// for what is malformed or not printable, so that no text can play tricks on the terminal.
 #ifndef NVHOST_TERMINAL_PRINTABLE_H
 #define NVHOST_TERMINAL_PRINTABLE_H
 

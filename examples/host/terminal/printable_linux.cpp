@@ -6,7 +6,7 @@
 namespace nvhost {
 namespace {
 
-// Makes the character functions read UTF-8 for as long as it lives, whatever the user's locale.
+// While it lives the C library's character functions read UTF-8, whatever the user's locale.
 class Utf8Scope {
  public:
   Utf8Scope() : locale(newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr)), former(uselocale(locale)) {}

@@ -32,7 +32,7 @@ std::string FormatDuration(double seconds) {
   return rounded < 100 ? Format("%ld s", rounded) : Format("%ld min", (rounded + 30) / 60);
 }
 
-// A bar for the room that is left in front of a text; none where it would be too short.
+// A bar as wide as the room in front of a text; nothing if it would be too short.
 std::string Bar(double share, std::size_t room) {
   constexpr std::size_t frame = 3;
   if (room < shortestBar + frame) return {};
@@ -41,7 +41,7 @@ std::string Bar(double share, std::size_t room) {
   return "[" + std::string(filled, '#') + std::string(columns - filled, '-') + "] ";
 }
 
-// The weightiest parts stand in front; those that do not fit any more are left out.
+// The most important parts come first; those that do not fit are left out.
 std::string Line(const std::vector<std::string>& parts, std::size_t room) {
   std::string line;
   for (const std::string& part : parts) {
@@ -80,7 +80,8 @@ std::string ProgressDisplay::Describe(const WebProgressCounters& counters) const
   const auto total = static_cast<double>(counters.total);
   const double speed = done / std::max(Seconds(), 0.001);
   const std::string pace = ", " + FormatBytes(speed) + "/s";
-  // Asked each time: the user may make the window narrower. A character in the last column could begin a new line.
+  // Asked each time, because the user may make the window narrower. The last column stays free: a character there could
+  // begin a new line.
   const std::size_t room = terminal ? std::max<std::size_t>(TerminalColumns(), 1) - 1 : anyWidth;
   if (counters.total <= 0) return Line({FormatBytes(done), pace}, room);
   const double share = std::min(done / total, 1.0);

@@ -1,5 +1,5 @@
-// Shows on standard error how far a transfer is: a line that is drawn anew in a terminal, as wide as that allows, else
-// a line now and then.
+// Shows the progress of a transfer on standard error: in a terminal one line, as wide as that allows, which is drawn
+// again and again; elsewhere a new line now and then.
 #ifndef NVHOST_TERMINAL_PROGRESS_DISPLAY_H
 #define NVHOST_TERMINAL_PROGRESS_DISPLAY_H
 
@@ -21,7 +21,7 @@ class ProgressDisplay {
 
   // Call it as often as you like; it shows something only when enough time has passed.
   void Update(const WebProgressCounters& counters);
-  // Takes the line away in a terminal, so that a last one can follow.
+  // Clears the line in a terminal, so that the next text stands in its place.
   void Clear();
   double Seconds() const;  // since the transfer began
 
@@ -32,7 +32,7 @@ class ProgressDisplay {
 
   const Clock::time_point begin = Clock::now();
   const bool terminal;
-  const Clock::duration pause;  // between two looks
+  const Clock::duration pause;  // between two lines
   Clock::time_point next;       // when to show something again
 };
 

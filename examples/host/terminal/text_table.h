@@ -21,7 +21,7 @@ class TextTable {
 
   // One text for each column.
   void AddRow(const std::vector<std::string>& texts);
-  // All rows under their titles, each with a line feed.
+  // The titles and all rows, each with a line feed.
   std::string Format() const;
 
  private:
