@@ -12,10 +12,12 @@
 #include <utility>
 #include <vector>
 
+#include "base/process_wide.h"
+
 namespace windowing {
 namespace {
 
-// A function by its name, of whichever type it is taken as.
+// The address of a function, which converts to every type of function pointer.
 struct Function {
   template <class Type>
   operator Type*() const {
@@ -40,7 +42,7 @@ class Library {
   void* const handle;
 };
 
-// What the host has loaded, or nothing: the library itself stays free of it.
+// The library of the X server, if the host has loaded it: this module is not linked with it.
 struct Xcb {
   const Library library{"libxcb.so.1", RTLD_NOLOAD};
   decltype(&xcb_connect) connect = library("xcb_connect");
@@ -99,7 +101,7 @@ class WaitCursor {
   }
 
  private:
-  // That of the user's theme, or that of the server's cursor font.
+  // From the user's theme, or else from the server's cursor font.
   xcb_cursor_t LoadCursor() const {
     const Library library("libxcb-cursor.so.0", 0);
     const decltype(&xcb_cursor_context_new) open = library("xcb_cursor_context_new");
@@ -112,7 +114,7 @@ class WaitCursor {
       return cursor;
     }
     constexpr std::string_view fontName = "cursor";
-    constexpr std::uint16_t watch = 150;  // its mask is the next one
+    constexpr std::uint16_t watch = 150;  // the glyph behind it is its mask
     const xcb_font_t font = xcb.generateId(connection);
     const xcb_cursor_t cursor = xcb.generateId(connection);
     xcb.openFont(connection, font, fontName.size(), fontName.data());
@@ -120,7 +122,7 @@ class WaitCursor {
     return cursor;
   }
 
-  // A property of 32-bit numbers, empty if the window has none of that name.
+  // The 32-bit numbers of a window's property; empty if it has no such property.
   std::vector<std::uint32_t> Numbers(xcb_window_t window, std::string_view name) const {
     constexpr std::uint32_t most = 4096;
     const auto askAtom = xcb.internAtom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
@@ -133,7 +135,7 @@ class WaitCursor {
     return {numbers, numbers + reply->value_len};
   }
 
-  // Those that a window manager has, or without one what lies on the screen.
+  // The windows that a window manager lists; without one, those right below the root window.
   std::vector<xcb_window_t> TopLevelWindows() const {
     const std::vector<xcb_window_t> managed = Numbers(screen->root, "_NET_CLIENT_LIST");
     if (!managed.empty()) return managed;
@@ -143,9 +145,9 @@ class WaitCursor {
     return {children, children + tree->children_len};
   }
 
-  // What the pointer does there meanwhile still goes to the window below.
+  // An input-only window that selects no events: clicks still go to the window that it covers.
   void Cover(xcb_window_t window, xcb_cursor_t cursor) const {
-    constexpr std::uint16_t largest = 0x7FFF;  // cut by the window below
+    constexpr std::uint16_t largest = 0x7FFF;  // the server shows no more of it than its parent's area
     const xcb_window_t cover = xcb.generateId(connection);
     xcb.createWindow(connection, 0, cover, window, 0, 0, largest, largest, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
                      XCB_COPY_FROM_PARENT, XCB_CW_CURSOR, &cursor);
@@ -158,7 +160,8 @@ class WaitCursor {
   xcb_screen_t* screen = nullptr;  // null without a server
 };
 
-std::unique_ptr<WaitCursor> shown;
+// Process-wide, because another thread may end the process while the cursor shows.
+base::ProcessWide<std::unique_ptr<WaitCursor>> shown;
 
 }  // namespace
 
@@ -166,21 +169,21 @@ bool MayHaveWindows() {
   return Library("libxcb.so.1", RTLD_NOLOAD).IsThere();
 }
 
-// It has no other way out for a lack of memory than to show none.
+// Without memory no cursor is shown; there is nobody to tell.
 void ShowWaitCursor() try {
-  if (shown != nullptr || !MayHaveWindows()) return;
-  shown = std::make_unique<WaitCursor>();
-  shown->CoverWindows();
+  if (*shown != nullptr || !MayHaveWindows()) return;
+  *shown = std::make_unique<WaitCursor>();
+  (*shown)->CoverWindows();
 } catch (const std::bad_alloc&) {
-  shown.reset();
+  HideWaitCursor();
 }
 
 void HideWaitCursor() {
-  shown.reset();
+  (*shown).reset();
 }
 
 std::optional<POINT> WaitCursorPosition() {
-  return shown != nullptr ? shown->Position() : std::nullopt;
+  return *shown != nullptr ? (*shown)->Position() : std::nullopt;
 }
 
 }  // namespace windowing
