@@ -125,6 +125,18 @@ TEST_F(DialogLooks, ShowThePressedButtonDisabledWhileTheThreadWaits) {
   EXPECT_EQ(Waiting().run(nullptr), IDOK);
 }
 
+TEST_F(DialogLooks, ShowTheFramesOfFieldsAndBoxesOnBlack) {
+  QApplication::setPalette(Qt::black);
+  Show(openings.at("sign_in"), [](const QWidget& window) {
+    for (const int id : {IDC_PASSWORD, IDC_SAVE_PASSWORD}) {
+      const QImage control = window.findChild<QWidget*>(QString::number(id))->grab().toImage();
+      int lightest = 0;
+      for (int x = 0; x < 5; ++x) lightest = std::max(lightest, control.pixelColor(x, control.height() / 2).value());
+      EXPECT_GT(lightest, 100) << id;
+    }
+  });
+}
+
 TEST_F(DialogLooks, GoWhileAHandlerOfTheirsShowsAMessage) {
   class Vanishing final : public Dialog {
    public:

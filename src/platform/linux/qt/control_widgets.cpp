@@ -103,6 +103,7 @@ QWidget* MakeControl(const ControlView& view, QDialog& dialog) {
   widget->setObjectName(QString::number(view.id));
   widget->setFocusPolicy(FocusPolicyOf(view));
   PlaceControl(*widget, view.rectangle);
+  KeepFrameVisible(*widget);
   return widget;
 }
 
@@ -138,6 +139,15 @@ void PlaceControl(QWidget& widget, const RECT& rectangle) {
   }
   const QRect within(QPoint(0, 0), widget.parentWidget()->size());
   widget.setGeometry(QStyle::visualRect(widget.layoutDirection(), within, place));
+}
+
+// Qt's usual style takes a darker shade of the colour of the window around a control, and black has none.
+void KeepFrameVisible(QWidget& widget) {
+  constexpr int almostBlack = 16;
+  QPalette look = widget.palette();
+  if (look.color(QPalette::Window).value() > almostBlack) return;
+  look.setColor(QPalette::Window, look.color(QPalette::WindowText));
+  widget.setPalette(look);
 }
 
 void ShowControlText(QWidget& widget, const std::string& text) {

@@ -19,6 +19,8 @@ inline QRect ToQRect(const RECT& r) {
 std::vector<QWidget*> MakeControlWidgets(const std::vector<ControlView>& controls, QDialog& dialog);
 
 void PlaceControl(QWidget& widget, const RECT& rectangle);
+// On a black window, gives the frames of the control a light colour.
+void KeepFrameVisible(QWidget& widget);
 
 // Text with '&' marks. If it does not fit it becomes the tool tip, too, since no control is resized.
 void ShowControlText(QWidget& widget, const std::string& text);

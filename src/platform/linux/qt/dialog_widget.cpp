@@ -116,6 +116,7 @@ void DialogWidget::ShowWaiting(bool waiting) {
     look.setBrush(role, palette().brush(QPalette::Disabled, role));
   }
   pressed->setPalette(look);
+  if (!waiting) KeepFrameVisible(*pressed);
   repaint();
 }
 
