@@ -1,5 +1,5 @@
-# What an installation holds, in the components that the packages are made of. The module, the Qt display and the
-# catalogues stand side by side, because the module looks for the other two beside itself.
+# What an installation holds, in the components that the packages are made of. The module, its plugins and
+# the catalogues stand side by side, because the module looks for the others beside itself.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 set(moduleFolder $<IF:$<BOOL:${WIN32}>,${CMAKE_INSTALL_BINDIR},${CMAKE_INSTALL_LIBDIR}>)
@@ -18,6 +18,9 @@ install(TARGETS nvsupport EXPORT nvsupport
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+if(TARGET nvsupport-web)
+  install(TARGETS nvsupport-web LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endif()
 get_target_property(catalogues nvsupport_catalogues NV_DELIVERED)
 install(FILES ${catalogues} DESTINATION ${moduleFolder})
 

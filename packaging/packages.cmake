@@ -34,7 +34,7 @@ function(nv_package component name title text)
 endfunction()
 
 set(same "(= ${PROJECT_VERSION})")
-nv_package(runtime libnvsupport1 "module" "This package holds the module and its translations."
+nv_package(runtime libnvsupport1 "module" "This package holds the module, its web client and its translations."
            PACKAGE_DEPENDS ca-certificates PACKAGE_RECOMMENDS "libnvsupport1-qt ${same}")
 nv_package(development libnvsupport-dev "development files" "This package holds the header, build files, guides and examples."
            PACKAGE_DEPENDS "libnvsupport1 ${same}" PACKAGE_SECTION libdevel DEBUGINFO_PACKAGE OFF)

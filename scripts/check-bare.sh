@@ -27,4 +27,4 @@ cmake --build $build
 headers=$(ninja -C $build -t deps | sed -n 's/^  *\(\/.*\)/\1/p' | sort -u | grep -v "^$PWD/" | xargs realpath)
 expect "packages with headers" "$(printf '%s\n' libc6-dev libcurl4-openssl-dev libgcc-dev libstdc++-dev libxcb-cursor-dev libxcb1-dev linux-libc-dev)" \
   "$(xargs dpkg -S <<<"$headers" | sed 's/:.*//; s/-[0-9]*-dev/-dev/' | sort -u)"
-scripts/check-exports.sh $build/nvsupport.so
+scripts/check-exports.sh $build/nvsupport{,-web}.so

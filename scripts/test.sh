@@ -19,7 +19,7 @@ check_format() {
 build_release() {
   cmake --preset release >/dev/null
   cmake --build --preset release
-  scripts/check-exports.sh build/release/nvsupport.so
+  scripts/check-exports.sh build/release/nvsupport{,-web,-qt}.so
 }
 
 test_threads() {

@@ -13,6 +13,7 @@
 #include <iterator>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "mapshop/map_shop_reply.h"
 #include "support/run_program.h"
@@ -46,9 +47,9 @@ struct Holdings {
 
 class Module : public ::testing::Test {
  protected:
-  NVSupportModule Load() {
+  NVSupportModule Load(const char* file = NV_MODULE) {
     NVSupportModule module;
-    EXPECT_EQ(NVSupportOpen(&module, NV_MODULE), nullptr);
+    EXPECT_EQ(NVSupportOpen(&module, file), nullptr);
     return module;
   }
   // Opens a session that stays open, and searches without an area.
@@ -75,6 +76,45 @@ TEST_F(Module, SetsNothingToWorkAtLoadAndLeavesAtUnload) {
   NVSupportClose(&module);
   EXPECT_EQ(dlopen(NV_MODULE, RTLD_NOW | RTLD_NOLOAD), nullptr);
   EXPECT_TRUE(fs::is_empty(home.folder.path)) << "something is left behind";
+}
+
+TEST_F(Module, LoadsItsWebClientOnceForTheFirstThreadsThatNeedIt) {
+  const auto isThere = [](const char* file) {
+    return ReadWholeFile("/proc/self/maps").find(file) != std::string::npos;
+  };
+  NVSupportModule module = Load();
+  EXPECT_FALSE(isThere("libcurl"));
+  std::vector<std::thread> threads(8);
+  for (std::thread& thread : threads) {
+    thread = std::thread([&] {
+      char byte = 0;
+      module.readRange(NV_SERVICE_HOST, "", 0, 1, &byte, nullptr, nullptr);  // the server answers one at a time
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_TRUE(isThere("nvsupport-web.so"));
+  NVSupportClose(&module);
+  EXPECT_FALSE(isThere("nvsupport-web.so"));
+}
+
+TEST_F(Module, TellsWhyItsWebClientIsNotToBeHad) {
+  const ScopedVariable trace("NV_TRACE", "web");
+  const std::string copy = home.folder / "nvsupport.so";
+  const fs::path plugin = home.folder / "nvsupport-web.so";
+  fs::copy_file(NV_MODULE, copy);
+  NVSupportModule module = Load(copy.c_str());
+  const auto search = [&] {
+    ::testing::internal::CaptureStderr();
+    EXPECT_EQ(module.closeSearch(module.search(nullptr, 0)), 0);
+    return ::testing::internal::GetCapturedStderr();
+  };
+  EXPECT_NE(search().find(plugin.string() + ": cannot open shared object file"), std::string::npos);
+  fs::copy_file(NV_OTHER_PLUGIN, plugin);
+  EXPECT_NE(search().find("another version"), std::string::npos);
+  fs::remove(plugin);
+  fs::create_symlink(fs::path(NV_MODULE).replace_filename("nvsupport-web.so"), plugin);
+  EXPECT_EQ(module.closeSearch(module.search(nullptr, 0)), 7) << "it is looked for again";
+  NVSupportClose(&module);
 }
 
 // Thread-local memory that is allocated at its first use would be needed just when memory has run out.

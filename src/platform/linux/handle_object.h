@@ -1,5 +1,5 @@
 // What the handles of files, events and threads point to: CloseHandle destroys any of them. Handles of the web client
-// and of windows are numbers in tables of their own (web/web_client.cpp, windowing/window_tree.cpp).
+// and of windows are numbers in tables of their own (web_client.cpp, windowing/window_tree.cpp).
 #ifndef NVSUPPORT_PLATFORM_LINUX_HANDLE_OBJECT_H
 #define NVSUPPORT_PLATFORM_LINUX_HANDLE_OBJECT_H
 

@@ -18,7 +18,7 @@
 #include "shell.h"
 #include "threads.h"
 #include "types.h"
-#include "web/web_client.h"
+#include "web_client.h"
 #include "windowing/windowing.h"
 
 #endif

@@ -55,6 +55,7 @@ WebExchange::~WebExchange() {
 }
 
 bool WebExchange::Send(WebRequest request, std::string_view extraHeader, std::string_view body) {
+  if (!call) return false;
   std::optional<std::string> url = BuildUrl(request);
   if (!url) {
     Trace(TraceArea::web, "host \"%s\" and its path make no address", request.host.c_str());

@@ -13,33 +13,28 @@
 #include <string_view>
 #include <vector>
 
+#include "base/process_wide.h"
 #include "platform/secret.h"
 #include "web/web_engine.h"
 #include "web/web_options.h"
 #include "web/web_request.h"
+#include "web_transfer.h"
 
 namespace platform {
 
-class WebExchange {
+class WebExchange final : public WebTransfer {
  public:
   WebExchange() = default;
   WebExchange(const WebExchange&) = delete;
   WebExchange& operator=(const WebExchange&) = delete;
-  ~WebExchange();
+  ~WebExchange() override;
 
-  // Sends the request, follows redirects if it says so, and waits for the head of the final reply. extraHeader: one
-  // line or nothing. One call per object.
-  bool Send(WebRequest request, std::string_view extraHeader, std::string_view body);
-  // Waits for at least one byte and copies up to `size`; 0 at the end of the body. No value if the transfer failed.
-  std::optional<std::size_t> Read(char* data, std::size_t size);
-
-  // The head of the final reply is there; the three below rely on it.
-  bool HasHead() const { return headDone; }
-  long StatusCode() const;
-  // Bytes of the body; no value if the reply did not tell.
-  std::optional<std::int64_t> ContentLength() const;
-  // Value of a header, null if the reply has none.
-  const char* Header(const char* name) const;
+  bool Send(WebRequest request, std::string_view extraHeader, std::string_view body) override;
+  std::optional<std::size_t> Read(char* data, std::size_t size) override;
+  bool HasHead() const override { return headDone; }
+  long StatusCode() const override;
+  std::optional<std::int64_t> ContentLength() const override;
+  const char* Header(const char* name) const override;
 
  private:
   enum class Phase { running, ended, failed };
@@ -70,6 +65,9 @@ class WebExchange {
   void End(CURLcode result);
   // How far the transfer came, for the trace.
   void TraceEnd(CURLcode result) const;
+
+  // What is process-wide stays as long as this is there; once that is gone nothing can be sent.
+  const base::Call call;
 
   // Each relies on those before it. The body is a copy: a server may answer before it has all of it, and the caller's
   // buffer is the caller's again then.

@@ -8,20 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "types.h"
+#include "web_transfer.h"
 
 namespace platform {
-
-struct WebRequest {
-  std::string agent;
-  std::string host;
-  WORD port = 0;
-  std::string path;
-  bool post = false;
-  bool secure = false;
-  bool followRedirects = false;
-  bool noCache = false;
-};
 
 // No value for a host or path that cannot be part of a URL.
 std::optional<std::string> BuildUrl(const WebRequest& request);

@@ -1,4 +1,4 @@
-// The web client, over libcurl: HTTP/1.1, pull-style reads.
+// The web client: HTTP/1.1, pull-style reads.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WEB_CLIENT_H
 #define NVSUPPORT_PLATFORM_LINUX_WEB_CLIENT_H
 

@@ -1,5 +1,5 @@
 // The published names of the web client: handles of a session, a connection and a request.
-#include "web/web_client.h"
+#include "web_client.h"
 
 #include <charconv>
 #include <cstring>
@@ -12,13 +12,12 @@
 #include <utility>
 
 #include "base/process_wide.h"
-#include "web/web_exchange.h"
-#include "web/web_request.h"
+#include "web_plugin.h"
 
 namespace {
 
-using platform::WebExchange;
 using platform::WebRequest;
+using platform::WebTransfer;
 
 constexpr DWORD zeroTerminated = 0xFFFFFFFF;
 
@@ -27,7 +26,7 @@ struct WebObject {
   enum class Kind { session, connection, request };
   Kind kind;
   WebRequest description;
-  std::unique_ptr<WebExchange> exchange;  // of a request that was sent
+  std::unique_ptr<WebTransfer> transfer;  // of a request that was sent
 };
 
 // Handles are numbers that are never used again, so a handle that is closed or was never made is just not found.
@@ -58,9 +57,19 @@ class HandleTable {
   std::unordered_map<HINTERNET, std::unique_ptr<WebObject>> objects;
 };
 
+// The plugin outlives the transfers of the handles.
+struct WebClient {
+  platform::WebPlugin plugin;
+  HandleTable handles;
+};
+
+WebClient& TheClient() {
+  static base::ProcessWide<WebClient> client;
+  return *client;
+}
+
 HandleTable& Handles() {
-  static base::ProcessWide<HandleTable> table;
-  return *table;
+  return TheClient().handles;
 }
 
 std::string_view TextOf(LPCSTR text, DWORD length) {
@@ -68,9 +77,9 @@ std::string_view TextOf(LPCSTR text, DWORD length) {
   return length == zeroTerminated ? std::string_view(text) : std::string_view(text, length);
 }
 
-WebExchange* FindExchange(HINTERNET request) {
+WebTransfer* FindTransfer(HINTERNET request) {
   const WebObject* object = Handles().Find(request, WebObject::Kind::request);
-  return object != nullptr ? object->exchange.get() : nullptr;
+  return object != nullptr ? object->transfer.get() : nullptr;
 }
 
 // Copies a header's text with its terminator. Where that does not fit, the size becomes the room that it takes.
@@ -86,7 +95,7 @@ BOOL CopyHeader(const char* text, LPVOID buffer, LPDWORD size) {
 }  // namespace
 
 HINTERNET InternetOpenA(LPCSTR agent, DWORD, LPCSTR, LPCSTR, DWORD) try {
-  WebObject session{.kind = WebObject::Kind::session, .description = {}, .exchange = nullptr};
+  WebObject session{.kind = WebObject::Kind::session, .description = {}, .transfer = nullptr};
   session.description.agent = agent != nullptr ? agent : "";
   return Handles().Add(std::move(session));
 } catch (const std::exception&) {
@@ -97,7 +106,7 @@ HINTERNET InternetConnectA(HINTERNET internet, LPCSTR host, INTERNET_PORT port, 
                            DWORD_PTR) try {
   const WebObject* session = Handles().Find(internet, WebObject::Kind::session);
   if (session == nullptr || host == nullptr || *host == '\0') return nullptr;
-  WebObject connection{.kind = WebObject::Kind::connection, .description = session->description, .exchange = nullptr};
+  WebObject connection{.kind = WebObject::Kind::connection, .description = session->description, .transfer = nullptr};
   connection.description.host = host;
   connection.description.port = port;
   return Handles().Add(std::move(connection));
@@ -109,7 +118,7 @@ HINTERNET HttpOpenRequestA(HINTERNET connection, LPCSTR verb, LPCSTR path, LPCST
                            DWORD_PTR) try {
   const WebObject* parent = Handles().Find(connection, WebObject::Kind::connection);
   if (parent == nullptr) return nullptr;
-  WebObject request{.kind = WebObject::Kind::request, .description = parent->description, .exchange = nullptr};
+  WebObject request{.kind = WebObject::Kind::request, .description = parent->description, .transfer = nullptr};
   WebRequest& description = request.description;
   description.path = path != nullptr ? path : "";
   description.post = verb != nullptr && std::strcmp(verb, "POST") == 0;
@@ -124,30 +133,31 @@ HINTERNET HttpOpenRequestA(HINTERNET connection, LPCSTR verb, LPCSTR path, LPCST
 BOOL HttpSendRequestA(HINTERNET request, LPCSTR headers, DWORD headersLength, LPVOID body, DWORD bodyLength) try {
   WebObject* object = Handles().Find(request, WebObject::Kind::request);
   if (object == nullptr) return FALSE;
-  object->exchange = std::make_unique<WebExchange>();
+  object->transfer = TheClient().plugin.MakeTransfer();
+  if (!object->transfer) return FALSE;
   const std::string_view content = body != nullptr ? std::string_view(static_cast<const char*>(body), bodyLength) : "";
-  return object->exchange->Send(object->description, TextOf(headers, headersLength), content);
+  return object->transfer->Send(object->description, TextOf(headers, headersLength), content);
 } catch (const std::exception&) {
   return FALSE;
 }
 
 BOOL HttpQueryInfoA(HINTERNET request, DWORD infoLevel, LPVOID buffer, LPDWORD size, LPDWORD) {
-  const WebExchange* exchange = FindExchange(request);
-  if (exchange == nullptr || !exchange->HasHead() || size == nullptr) return FALSE;
-  if (infoLevel == HTTP_QUERY_CONTENT_TYPE) return CopyHeader(exchange->Header("Content-Type"), buffer, size);
-  if (infoLevel == HTTP_QUERY_CONTENT_RANGE) return CopyHeader(exchange->Header("Content-Range"), buffer, size);
+  const WebTransfer* transfer = FindTransfer(request);
+  if (transfer == nullptr || !transfer->HasHead() || size == nullptr) return FALSE;
+  if (infoLevel == HTTP_QUERY_CONTENT_TYPE) return CopyHeader(transfer->Header("Content-Type"), buffer, size);
+  if (infoLevel == HTTP_QUERY_CONTENT_RANGE) return CopyHeader(transfer->Header("Content-Range"), buffer, size);
   if (buffer == nullptr) return FALSE;
   if (infoLevel == (HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER)) {
-    const auto status = static_cast<DWORD>(exchange->StatusCode());
+    const auto status = static_cast<DWORD>(transfer->StatusCode());
     if (*size < sizeof status) return FALSE;
     std::memcpy(buffer, &status, sizeof status);
     *size = sizeof status;
     return TRUE;
   }
-  if (infoLevel != HTTP_QUERY_CONTENT_LENGTH || !exchange->ContentLength()) return FALSE;
+  if (infoLevel != HTTP_QUERY_CONTENT_LENGTH || !transfer->ContentLength()) return FALSE;
   auto* text = static_cast<char*>(buffer);
   // One byte is kept for the terminator.
-  const auto [end, error] = std::to_chars(text, text + (*size > 0 ? *size - 1 : 0), *exchange->ContentLength());
+  const auto [end, error] = std::to_chars(text, text + (*size > 0 ? *size - 1 : 0), *transfer->ContentLength());
   if (error != std::errc()) return FALSE;
   *end = '\0';
   *size = static_cast<DWORD>(end - text);
@@ -155,9 +165,9 @@ BOOL HttpQueryInfoA(HINTERNET request, DWORD infoLevel, LPVOID buffer, LPDWORD s
 }
 
 BOOL InternetReadFile(HINTERNET request, LPVOID buffer, DWORD size, LPDWORD read) {
-  WebExchange* exchange = FindExchange(request);
-  if (exchange == nullptr || buffer == nullptr || read == nullptr) return FALSE;
-  const std::optional<std::size_t> got = exchange->Read(static_cast<char*>(buffer), size);
+  WebTransfer* transfer = FindTransfer(request);
+  if (transfer == nullptr || buffer == nullptr || read == nullptr) return FALSE;
+  const std::optional<std::size_t> got = transfer->Read(static_cast<char*>(buffer), size);
   *read = static_cast<DWORD>(got.value_or(0));
   return got.has_value();
 }
