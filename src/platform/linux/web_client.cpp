@@ -29,7 +29,7 @@ struct WebObject {
   std::unique_ptr<WebTransfer> transfer;  // of a request that was sent
 };
 
-// Handles are numbers that are never used again, so a handle that is closed or was never made is just not found.
+// Handles are numbers that are never used again, so one that is closed or was never made is not found.
 class HandleTable {
  public:
   HINTERNET Add(WebObject object) {
@@ -38,13 +38,13 @@ class HandleTable {
     objects.emplace(handle, std::make_unique<WebObject>(std::move(object)));
     return handle;
   }
-  // Null if the handle is none of that kind. The object lives until its handle is closed.
+  // Null if there is no handle of that kind. The object lives until its handle is closed.
   WebObject* Find(HINTERNET handle, WebObject::Kind kind) {
     const std::lock_guard lock(mutex);
     const auto found = objects.find(handle);
     return found != objects.end() && found->second->kind == kind ? found->second.get() : nullptr;
   }
-  // Null if there is none. The caller destroys the object, which may take its time on the network.
+  // Null if there is none. The caller destroys the object, which may wait for the network.
   std::unique_ptr<WebObject> Remove(HINTERNET handle) {
     const std::lock_guard lock(mutex);
     auto node = objects.extract(handle);
@@ -82,7 +82,7 @@ WebTransfer* FindTransfer(HINTERNET request) {
   return object != nullptr ? object->transfer.get() : nullptr;
 }
 
-// Copies a header's text with its terminator. Where that does not fit, the size becomes the room that it takes.
+// Copies a header's text with its terminator. If it does not fit, the size becomes the room that it needs.
 BOOL CopyHeader(const char* text, LPVOID buffer, LPDWORD size) {
   if (text == nullptr) return FALSE;
   const std::size_t length = std::strlen(text);

@@ -19,7 +19,7 @@ class WebPlugin {
   WebPlugin(const WebPlugin&) = delete;
   WebPlugin& operator=(const WebPlugin&) = delete;
 
-  // Null when there is no usable plugin, of which the trace tells; it is looked for again next time. Threads may come
+  // Null if there is no usable plugin; the trace says why, and the next call looks for it again. Threads may come
   // at once: without a lock, which a child that the host forks meanwhile would find locked.
   std::unique_ptr<WebTransfer> MakeTransfer();
 

@@ -1,5 +1,5 @@
-// The seam between the web client, which has the published names and their handles, and the plugin that talks to the
-// network: one HTTP exchange.
+// One HTTP exchange: the seam between the web client, which has the published names and their handles, and the plugin
+// that talks to the network.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WEB_TRANSFER_H
 #define NVSUPPORT_PLATFORM_LINUX_WEB_TRANSFER_H
 
@@ -34,19 +34,19 @@ class WebTransfer {
   // Waits for at least one byte and copies up to `size`; 0 at the end of the body. No value if the transfer failed.
   virtual std::optional<std::size_t> Read(char* data, std::size_t size) = 0;
 
-  // The head of the final reply is there; the three below rely on it.
+  // True when the head of the final reply is there. The three functions below need that.
   virtual bool HasHead() const = 0;
   virtual long StatusCode() const = 0;
-  // Bytes of the body; no value if the reply did not tell.
+  // The length of the body; no value if the reply does not give it.
   virtual std::optional<std::int64_t> ContentLength() const = 0;
-  // Value of a header, null if the reply has none.
+  // The value of a header; null if the reply does not have it.
   virtual const char* Header(const char* name) const = 0;
 };
 
 }  // namespace platform
 
-// The one function that the web plugin exports: makes a transfer, which the caller deletes. Null where the caller is of
-// another version of this library, whose classes may be laid out differently. Throws std::bad_alloc.
+// The one function that the web plugin exports: makes a transfer, which the caller deletes. Null if the caller is of
+// another version of the library, whose classes may be laid out differently. Throws std::bad_alloc.
 extern "C" using NvMakeWebTransfer = platform::WebTransfer * (*)(const char* version);
 
 #endif

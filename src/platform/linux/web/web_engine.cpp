@@ -32,8 +32,8 @@ namespace {
 
 constexpr std::size_t mostIdle = 4;
 
-// OpenSSL, where libcurl stands on it, would take itself apart when the process ends, even under a call. Whoever uses
-// it first says whether it is to; the system takes all back either way.
+// OpenSSL, if libcurl is built on it, would free its memory at the end of the process, even under a call. Its first
+// user decides whether it does; without that the system frees all.
 void KeepTlsToTheEnd() {
   constexpr std::uint64_t noExitHandler = 0x00080000;  // OPENSSL_INIT_NO_ATEXIT
   using Initialise = int (*)(std::uint64_t options, const void* settings);
@@ -45,8 +45,8 @@ void KeepTlsToTheEnd() {
 class CurlLibrary {
  public:
   CurlLibrary() {
-    // A process with more rights than its user would write the keys of its connections where the user's environment
-    // says.
+    // libcurl writes the keys of connections to a file that the environment names. A process with more rights than its
+    // user must not do that.
     if (getauxval(AT_SECURE) != 0) unsetenv("SSLKEYLOGFILE");
     KeepTlsToTheEnd();
     curl_global_init(CURL_GLOBAL_DEFAULT);
@@ -56,9 +56,9 @@ class CurlLibrary {
   CurlLibrary& operator=(const CurlLibrary&) = delete;
 };
 
-// libcurl lets the process ignore SIGPIPE while it closes what it kept, and puts back what it found. Of two threads
-// that did so at once, the later would find and leave the signal ignored, so they take turns. Not by a mutex, which a
-// child that the host forks meanwhile would find locked for ever.
+// libcurl makes the process ignore SIGPIPE while it closes connections, and then restores what it found. If two threads
+// did so at once, the second could restore "ignored", so they take turns. A mutex would stay locked for ever in a child
+// that the host forks meanwhile.
 class ClosingTurn {
  public:
   ClosingTurn() {
@@ -75,18 +75,18 @@ class ClosingTurn {
   ClosingTurn& operator=(const ClosingTurn&) = delete;
 
  private:
-  static constinit inline std::atomic<pid_t> holder = 0;  // its process
+  static constinit inline std::atomic<pid_t> holder = 0;  // the process that closes
 };
 
-// What lies in a socket that leads to this machine alone.
+// What lies in a socket whose other end is on this machine.
 struct Backlog {
   int unread = 0;
-  int unsent = 0;  // not yet read by the other end, in a unit of the system's
+  int unsent = 0;  // not yet read by the other end; the system chooses the unit
 };
 
 std::map<int, Backlog> LocalSockets() {
   std::map<int, Backlog> found;
-  // The standard library's walk ends the process when memory runs out.
+  // Not by the standard library, which ends the process when memory runs out here.
   const base::ScopedHandle<DIR*, &closedir> folder(opendir("/proc/self/fd"));
   while (const dirent* entry = folder ? readdir(folder.get()) : nullptr) {
     const int descriptor = std::atoi(entry->d_name);
@@ -100,9 +100,9 @@ std::map<int, Backlog> LocalSockets() {
   return found;
 }
 
-// libcurl wakes itself through a pair of sockets that it tells nobody of and leaves open in programs that the host
-// starts. The host's other threads may open pairs at the same time, so each end is known by what lies in it after one
-// wake-up, a byte, and after some more.
+// libcurl wakes itself through a pair of sockets that it tells nobody about, and that would stay open in programs that
+// the host starts. Other threads of the host may open pairs at the same time, so the two ends are recognised by what
+// lies in them: a byte after one wake-up, and more after some further ones.
 std::unique_ptr<CURLM, MultiDeleter> MakeMulti() {
   constexpr int wakeUps = 7;
   const std::map<int, Backlog> before = LocalSockets();
@@ -121,7 +121,7 @@ std::unique_ptr<CURLM, MultiDeleter> MakeMulti() {
   return multi;
 }
 
-// Goes on while the machine sleeps.
+// A clock that goes on while the machine sleeps.
 std::chrono::milliseconds Uptime() {
   timespec now{};
   clock_gettime(CLOCK_BOOTTIME, &now);
@@ -139,12 +139,12 @@ Library OpenCurl() {
 
 using Engine = std::unique_ptr<WebEngine>;
 
-// Closing one can take its time, so it is done outside the lock.
+// Engines that idle. Closing one may take long, so that is done outside the lock.
 class Pool {
  public:
-  Pool() { idle.reserve(mostIdle + 1); }  // giving back must not run out of memory
+  Pool() { idle.reserve(mostIdle + 1); }  // so that giving an engine back needs no memory
 
-  // Null if none for that peer idles.
+  // Null if no engine for that peer idles.
   Engine Take(const WebPeer& peer) {
     std::vector<Engine> outworn;
     outworn.reserve(mostIdle);
@@ -175,7 +175,7 @@ class Pool {
 
  private:
   std::mutex mutex;
-  std::vector<Engine> idle;  // in the order in which they came
+  std::vector<Engine> idle;  // in the order in which they were given back
 };
 
 Pool& ThePool() {
@@ -204,7 +204,7 @@ WebEngine::WebEngine(WebPeer served)
 
 WebEngine::~WebEngine() {
   if (IsOfThisProcess()) return;
-  // Closing would tell the parent's servers goodbye.
+  // Not closed: that would end the parent's TLS connections.
   static_cast<void>(easy.release());
   static_cast<void>(multi.release());
 }
@@ -238,7 +238,7 @@ void WebEngine::EndTransfer(bool whole) {
   curl_easy_reset(easy.get());
 }
 
-// libcurl takes no more than the body from the TLS library, which may have more of the same record.
+// libcurl reads no more than the body; the TLS library may hold further bytes of the same record.
 bool WebEngine::HasUnreadTls() const {
   if (tls.internals == nullptr) return false;
   using Ask = int (*)(const void* connection);

@@ -1,5 +1,5 @@
-// Transfer engines: libcurl with all that it keeps from one exchange to the next, that is an open connection, TLS
-// sessions, resolved names and the parsed trust store. A few idle between exchanges. Used by WebExchange.
+// A transfer engine is libcurl with all that it keeps from one exchange to the next: an open connection, TLS sessions,
+// resolved names and the parsed trust store. Some engines idle between exchanges. Used by WebExchange.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WEB_ENGINE_H
 #define NVSUPPORT_PLATFORM_LINUX_WEB_ENGINE_H
 
@@ -21,7 +21,7 @@ struct MultiDeleter {
   void operator()(CURLM* multi) const;
 };
 
-// Whom an engine serves. What it keeps is used for nothing else.
+// What an engine is for. All that it keeps is used for this alone.
 struct WebPeer {
   std::string origin;  // scheme, host and port
   TrustStore trust;    // over TLS
@@ -45,12 +45,12 @@ class WebEngine {
   bool IsOfThisProcess() const;
   std::chrono::milliseconds IdleTime() const;
 
-  // Whether its connection, if there is one, may carry another request: it idled that long at most, and nothing came
-  // on it meanwhile, which would be read as the reply, nor has it ended.
+  // True if its connection, if there is one, may carry another request: it idled no longer than that, it is open, and
+  // nothing came on it meanwhile, which would be read as the reply.
   bool CanReuse(std::chrono::milliseconds longestIdle) const;
   // A request goes out on a connection.
   void BeginRequest();
-  // Takes the transfer out. whole: the reply came to its end.
+  // Ends the transfer's use of the engine. whole: the reply came to its end.
   void EndTransfer(bool whole);
 
  private:
@@ -68,10 +68,10 @@ class WebEngine {
 // Keeps libcurl's code in memory to the end of the process.
 void PinCurl();
 
-// For one exchange: one that idled, the last first, or a new one. Closes those that idled for too long or that were
-// verified by what is no longer trusted. Initialises libcurl at the first call.
+// Takes an engine for one exchange: the one that came back last, or a new one. Closes engines that idled for too long,
+// or whose servers were verified by a trust store that has changed. Initialises libcurl at the first call.
 std::unique_ptr<WebEngine> TakeWebEngine(const WebPeer& peer);
-// No transfer is in it any more.
+// Gives an engine back that has no transfer any more.
 void GiveBackWebEngine(std::unique_ptr<WebEngine> engine);
 
 }  // namespace platform

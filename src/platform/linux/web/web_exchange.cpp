@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t largestWindow = 2 * webReceiveSize;
 constexpr std::size_t headLimit =
-    std::size_t{256} * 1024;  // bytes of all heads of one exchange, interim replies included
+    std::size_t{256} * 1024;  // bytes of all heads in one exchange, interim replies included
 constexpr int redirectLimit = 10;
 constexpr long switchingProtocols = 101;
 
@@ -32,7 +32,7 @@ std::string OriginOf(const std::string& url) {
   return url.substr(0, url.find_first_of("/?#", url.find("://") + 3));
 }
 
-// How a server may give the length of a body. The other ways pack it, and nobody asked for that.
+// The only transfer coding that is accepted. The others compress the body, and nobody asked for that.
 bool IsPlainCoding(std::string_view line) {
   const auto isSame = [](std::string_view text, std::string_view lower) {
     return std::equal(text.begin(), text.end(), lower.begin(), lower.end(),
@@ -74,13 +74,13 @@ bool WebExchange::Send(WebRequest request, std::string_view extraHeader, std::st
     const std::string target = request.followRedirects ? RedirectTarget(*url) : std::string();
     if (target.empty()) return true;
     if (IsTraced(TraceArea::web)) Trace(TraceArea::web, "redirect to %s", PublicPartOf(target).c_str());
-    // What goes over TLS is meant for one host: a redirect never leads it out of TLS or to another one.
+    // What goes over TLS is meant for one host, so a redirect leads neither out of TLS nor to another host.
     if (request.secure && !StaysOnTlsHost(*url, target)) break;
     url = target;
     request.secure = target.starts_with("https:");
     request.post = request.post && KeepsMethod(StatusCode());
   }
-  // A redirect that is not followed is no reply, so nothing of it can be read.
+  // A redirect that is not followed is no reply; nothing of it can be read.
   Trace(TraceArea::web, "redirect not followed");
   phase = Phase::failed;
   headDone = false;
@@ -90,10 +90,10 @@ bool WebExchange::Send(WebRequest request, std::string_view extraHeader, std::st
 
 void WebExchange::Release() {
   if (!engine || !engine->IsOfThisProcess()) return engine.reset();
-  // The rest of a reply may be there, though the caller did not ask for it: without it the connection is not kept.
+  // The caller may not have read the end of a reply that has arrived; only behind it can the connection be kept.
   if (phase == Phase::running && headDone) Advance();
   engine->EndTransfer(phase == Phase::ended);
-  // Of a transfer that failed libcurl may keep the connection, with half a request on it.
+  // After a failure libcurl may keep the connection although only half a request went out on it.
   if (phase == Phase::failed) return engine.reset();
   GiveBackWebEngine(std::move(engine));
 }
@@ -102,7 +102,7 @@ bool WebExchange::SendOnce(const std::string& url, const WebRequest& request, st
                            std::string_view body, Clock::time_point until) {
   std::optional<std::vector<std::string>> lines = BuildHeaders(request, extraHeader, body.size());
   if (!lines) return false;
-  // A name without a value takes a header of libcurl's own out.
+  // A name without a value removes one of libcurl's own headers.
   for (const char* unwanted : {"Accept:", "Content-Type:", "Expect:"}) lines->emplace_back(unwanted);
 
   if (IsTraced(TraceArea::web)) {
@@ -117,7 +117,7 @@ bool WebExchange::SendOnce(const std::string& url, const WebRequest& request, st
   const TrustStore trust = request.secure ? FindTrustStore() : TrustStore();
   engine = TakeWebEngine({.origin = OriginOf(url), .trust = trust});
   CURL* const easy = engine->Easy();
-  curl_easy_reset(easy);  // once more: without memory the one behind the last transfer did half of it
+  curl_easy_reset(easy);  // again: without memory, the reset after the last transfer was incomplete
   if (!SetTransferOptions(easy, url, request, trust, headers.get(), connectTo.get(), body)) return false;
   const bool reuses = engine->CanReuse(request.post ? webLimits.idleBeforeBody : webLimits.idle);
   curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, reuses ? 0L : 1L);
@@ -155,7 +155,7 @@ long WebExchange::StatusCode() const {
 }
 
 std::optional<std::int64_t> WebExchange::ContentLength() const {
-  // libcurl takes the body of some statuses for one of no bytes, whether the reply says so or not.
+  // For some statuses libcurl assumes an empty body, whatever the reply says.
   if (Header("Content-Length") == nullptr) return std::nullopt;
   curl_off_t length = -1;
   curl_easy_getinfo(engine->Easy(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
@@ -168,7 +168,7 @@ const char* WebExchange::Header(const char* name) const {
 }
 
 std::string WebExchange::RedirectTarget(const std::string& url) const {
-  // libcurl tells the target only behind the body, which need not be waited for.
+  // libcurl gives the target only after the body, and that is not waited for.
   const char* location = IsRedirect(StatusCode()) ? Header("Location") : nullptr;
   return location != nullptr ? ResolveUrl(url, location) : std::string();
 }
@@ -199,16 +199,16 @@ void WebExchange::Advance() {
 
 void WebExchange::Wait(Clock::time_point until) {
   const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now()).count();
-  // Within the range of an int, because no limit is longer than that.
+  // Fits into an int, because every limit does.
   if (left > 0 && curl_multi_poll(engine->Multi(), nullptr, 0, static_cast<int>(left), nullptr) != CURLM_OK) {
     End(CURLE_FAILED_INIT);
   }
 }
 
 void WebExchange::End(CURLcode result) {
-  // A server that closes before the length that it told is taken as having ended; a cut chunk is not.
+  // A server that closes before the announced length counts as the end of the body; a chunk that is cut does not.
   const bool shortBody = result == CURLE_PARTIAL_FILE && ContentLength().has_value();
-  // Given up while a name was looked up: the thread that does it ends by itself, and libcurl must be there until then.
+  // Given up while a name was looked up: the thread that does that ends by itself, and needs libcurl until then.
   curl_off_t lookup = 0;
   curl_easy_getinfo(engine->Easy(), CURLINFO_NAMELOOKUP_TIME_T, &lookup);
   if (result == CURLE_OPERATION_TIMEDOUT && !begun && lookup == 0) PinCurl();
@@ -219,7 +219,7 @@ void WebExchange::End(CURLcode result) {
 void WebExchange::TraceEnd(CURLcode result) const {
   curl_off_t received = 0;
   curl_easy_getinfo(engine->Easy(), CURLINFO_SIZE_DOWNLOAD_T, &received);
-  // What libcurl says of a proxy's address holds it as it stands in the environment, a password included.
+  // libcurl's text quotes a malformed proxy address as it stands in the environment, with its password.
   const bool mayTell = reason[0] != '\0' && (std::strstr(reason, "proxy") == nullptr || !std::strchr(reason, '\''));
   const char* const outcome = result == CURLE_OK ? "whole" : mayTell ? reason : curl_easy_strerror(result);
   Trace(TraceArea::web, "%lld bytes of the body after %lld ms: %s", static_cast<long long>(received),
@@ -228,7 +228,7 @@ void WebExchange::TraceEnd(CURLcode result) const {
 
 int WebExchange::OnRequest(void* exchange, char*, char*, int, int) {
   auto* self = static_cast<WebExchange*>(exchange);
-  // libcurl repeats a request where a kept connection turns out dead, though the server may have taken it.
+  // If a kept connection turns out dead libcurl sends the request again, though the server may have acted on it.
   const bool again = std::exchange(self->begun, true);
   self->engine->BeginRequest();
   return again && self->once ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
@@ -238,7 +238,7 @@ std::size_t WebExchange::OnHead(char* data, std::size_t unit, std::size_t size, 
   auto* self = static_cast<WebExchange*>(exchange);
   const std::string_view line(data, unit * size);
   self->headBytes += line.size();
-  // Nobody asked to switch protocols; what follows would be the body of a reply that never comes.
+  // Nobody asked to switch protocols. libcurl would take what follows for the body of a reply that never comes.
   if (self->headBytes > headLimit || self->StatusCode() == switchingProtocols || !IsPlainCoding(line)) return 0;
   const bool blank = line == "\r\n" || line == "\n";
   if (blank && self->StatusCode() >= 200) self->headDone = true;
@@ -253,8 +253,8 @@ std::size_t WebExchange::OnBody(char* data, std::size_t unit, std::size_t size, 
     self->paused = true;
     return CURL_WRITEFUNC_PAUSE;
   }
-  // With an allocator that is not the standard one, a vector inserts and moves one byte at a time, so the bytes are
-  // copied here, and there is room for them from the start.
+  // A vector with an allocator of its own inserts and moves bytes one by one, which is slow. So the room is there from
+  // the start, and the bytes are copied here.
   if (self->window.capacity() == 0) {
     self->window.reserve(std::min(static_cast<std::size_t>(self->ContentLength().value_or(0)), largestWindow));
   }
@@ -264,7 +264,7 @@ std::size_t WebExchange::OnBody(char* data, std::size_t unit, std::size_t size, 
   self->bodyRoom -= taken;
   // So that no token stays in libcurl's buffer.
   if (self->isSecret) SecureZeroMemory(data, arrived);
-  return taken;  // fewer than came end the transfer
+  return taken;  // fewer than `size` end the transfer
 } catch (const std::bad_alloc&) {
   return 0;
 }

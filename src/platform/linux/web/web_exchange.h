@@ -1,4 +1,4 @@
-// One HTTP exchange over libcurl: the request goes out, the head of the reply comes in, the body is pulled. Used by
+// One HTTP exchange over libcurl: it sends the request, receives the head of the reply, and the body is pulled. Used by
 // the web client; has a transfer engine to itself, which it gives back in the end. libcurl is driven only while the
 // caller waits.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WEB_EXCHANGE_H
@@ -56,7 +56,7 @@ class WebExchange final : public WebTransfer {
     window.clear();
     begin = 0;
   }
-  // Works and waits in turn until `done` or the transfer ends, as it does when the time has come.
+  // Lets libcurl work and waits, in turn, until `done` is true or the transfer ends; at its time limit it is ended.
   template <typename Done>
   void Drive(Clock::time_point until, Done done);
   // Lets libcurl do what it can without waiting.
@@ -69,8 +69,8 @@ class WebExchange final : public WebTransfer {
   // What is process-wide stays as long as this is there; once that is gone nothing can be sent.
   const base::Call call;
 
-  // Each relies on those before it. The body is a copy: a server may answer before it has all of it, and the caller's
-  // buffer is the caller's again then.
+  // Each is needed by those below it. The body is a copy: the server may reply before it has taken all of it, and from
+  // then on the caller may change its buffer.
   SecretVector<char> sentBody;
   CurlList headers;
   CurlList connectTo;
@@ -79,14 +79,14 @@ class WebExchange final : public WebTransfer {
   Phase phase = Phase::failed;
   Clock::time_point start;            // of the whole exchange
   char reason[CURL_ERROR_SIZE] = {};  // libcurl's own text for a failure
-  bool isSecret = false;              // the exchange goes over TLS: the reply is wiped where libcurl had it
+  bool isSecret = false;              // the exchange goes over TLS: the reply is wiped in libcurl's buffer
   bool once = false;                  // the request must not go out a second time
   bool begun = false;                 // a connection is there, and the request goes out
   bool headDone = false;
   std::size_t headBytes = 0;
   Clock::time_point lastMoment = Clock::time_point::max();  // of the whole exchange
   std::size_t bodyRoom = SIZE_MAX;                          // bytes that the body may still have
-  bool paused = false;                                      // libcurl holds back a piece of the body that had no room
+  bool paused = false;                                      // libcurl holds back a piece of the body that did not fit
   SecretVector<char> window;                                // of the body: what is received
   std::size_t begin = 0;                                    // in the window: what is not yet read
 };

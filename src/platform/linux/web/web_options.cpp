@@ -15,7 +15,7 @@
 namespace platform {
 namespace {
 
-// Sets options one after the other and remembers a failure.
+// Sets options one after the other and remembers if one failed.
 class Options {
  public:
   explicit Options(CURL* transfer) : easy(transfer) {}
@@ -34,15 +34,15 @@ void SetTrust(Options& options, const TrustStore& trust) {
   options.Set(CURLOPT_SSL_VERIFYPEER, 1L);
   options.Set(CURLOPT_SSL_VERIFYHOST, 2L);
   if (trust.file.empty() && trust.folders.empty()) return;
-  // Null takes the system's store out. libcurl keeps a store that comes from a file alone; one with a folder it reads
-  // again for each connection.
+  // Null switches the system's folder off. libcurl keeps a parsed store only if it comes from a file alone; with a
+  // folder it reads the store again for each connection.
   options.Set(CURLOPT_CAINFO, trust.file.empty() ? nullptr : trust.file.c_str());
   options.Set(CURLOPT_CAPATH, trust.folders.empty() ? nullptr : trust.folders.c_str());
-  // One that goes on with a session is not verified again.
+  // A connection that resumes a TLS session is not verified again.
   if (!trust.folders.empty()) options.Set(CURLOPT_SSL_SESSIONID_CACHE, 0L);
 }
 
-// Programs that the host starts must not hold the connections.
+// Programs that the host starts must not inherit the connections.
 curl_socket_t OpenSocket(void*, curlsocktype, curl_sockaddr* address) {
   return socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
 }
@@ -99,15 +99,15 @@ bool SetTransferOptions(CURL* easy, const std::string& url, const WebRequest& re
   }
   SetTrust(options, trust);
   options.Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(webLimits.connect.count()));
-  // libcurl looks names up on a thread, which cannot be interrupted. Waiting for it would outlast the time-out.
+  // libcurl looks names up on a thread that cannot be interrupted. Waiting for its end could outlast the time-out.
   options.Set(CURLOPT_QUICK_EXIT, 1L);
   options.Set(CURLOPT_OPENSOCKETFUNCTION, &OpenSocket);
-  // Refused where a transfer that failed early left its buffer behind; then that one serves.
+  // libcurl refuses this if a transfer that failed early left its buffer behind; then that buffer is used.
   curl_easy_setopt(easy, CURLOPT_BUFFERSIZE, webReceiveSize);
   options.Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
-  // The signals of the process are the host's.
+  // No signals: those of the process are the host's.
   options.Set(CURLOPT_NOSIGNAL, 1L);
-  // A process with more rights than its user does not let the user's environment choose the way.
+  // In a process with more rights than its user, the user's environment must not choose the way.
   if (getauxval(AT_SECURE) != 0) options.Set(CURLOPT_PROXY, "");
   return options.Good();
 }

@@ -23,11 +23,11 @@ CurlList MakeCurlList(const std::vector<std::string>& lines);
 // Where connections really go, from NV_CONNECT_TO; empty if that is not set.
 CurlList MakeConnectToList();
 
-// Bytes that libcurl takes from a connection at a time: many, so that a large body costs few calls of the system.
+// Bytes that libcurl reads from a connection at a time: many, so that a large body needs few system calls.
 inline constexpr long webReceiveSize = 512L * 1024;
 
-// Sets all that does not depend on who receives the reply. The lists and the body must outlive the transfer.
-// False if the transfer cannot be made as it should be.
+// Sets all options that do not depend on who receives the reply. The lists and the body must outlive the transfer.
+// False if one could not be set.
 bool SetTransferOptions(CURL* easy, const std::string& url, const WebRequest& request, const TrustStore& trust,
                         curl_slist* headers, curl_slist* connectTo, std::string_view body);
 

@@ -28,7 +28,7 @@ std::string PartOf(const Url& url, CURLUPart part, unsigned flags = 0) {
   return text;
 }
 
-// What would end the path within a URL or a request line is escaped.
+// Escapes what would end the path in a URL or a request line.
 std::string EscapedPath(std::string_view path) {
   std::string escaped;
   if (!path.starts_with('/')) escaped = "/";
@@ -61,7 +61,7 @@ std::optional<std::string> BuildUrl(const WebRequest& request) {
     return std::nullopt;
   }
   const Url url(curl_url());
-  // Setting the host as a part of its own checks that it is nothing but a host.
+  // Set by itself, so that libcurl checks that it is a host and nothing else.
   if (!url || curl_url_set(url.get(), CURLUPART_SCHEME, request.secure ? "https" : "http", 0) != CURLUE_OK ||
       curl_url_set(url.get(), CURLUPART_HOST, request.host.c_str(), 0) != CURLUE_OK ||
       curl_url_set(url.get(), CURLUPART_PORT, std::to_string(request.port).c_str(), 0) != CURLUE_OK) {

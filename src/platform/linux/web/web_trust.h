@@ -1,4 +1,4 @@
-// The trust store: where the certificates are that servers are verified by, and whether they are still the same.
+// The trust store: where the certificates lie that servers are verified by, and whether they have changed.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WEB_TRUST_H
 #define NVSUPPORT_PLATFORM_LINUX_WEB_TRUST_H
 
@@ -10,9 +10,9 @@ namespace platform {
 
 struct TrustStore {
   std::string file;     // empty: none
-  std::string folders;  // with colons between them; the same
-  // Device, inode, size, and to the nanosecond the last changes of each. A file that is written over does not show in
-  // its folder.
+  std::string folders;  // separated by colons; empty: none
+  // Device, inode, size and times of the last changes, in nanoseconds, of the file and of each folder. Writing over a
+  // file in a folder changes nothing here.
   std::vector<std::int64_t> state;
 
   bool operator==(const TrustStore&) const = default;
