@@ -15,7 +15,7 @@ if [[ ${1:-} == --looks ]]; then
   mkdir -p "${2:?a folder for the pictures}"
   cmake --preset dev >/dev/null
   cmake --build --preset dev --target nv_dialog_look_tests
-  NV_PICTURES=$(realpath "$2") ctest --preset dev -R 'DialogLooks.AreWhole'
+  NV_PICTURES=$(realpath "$2") GTEST_FILTER='*.AreWhole*' ctest --preset dev -R DialogLooks
   exit
 fi
 

@@ -135,6 +135,7 @@ TEST_F(DialogLooks, ShowTheFramesOfFieldsAndBoxesOnBlack) {
       EXPECT_GT(lightest, 100) << id;
     }
   });
+  QApplication::setPalette(QPalette());
 }
 
 TEST_F(DialogLooks, GoWhileAHandlerOfTheirsShowsAMessage) {
@@ -257,6 +258,19 @@ std::string Faults(const QWidget& window) {
   return faults;
 }
 
+// Of five fonts in three sizes and two styles, the combinations that leave each control the least room it gets in any
+// of them, or 2 % of its width more.
+constexpr struct {
+  const char* family;
+  int points;
+  const char* style;
+} looks[] = {
+    {"Cantarell", 9, "Fusion"},         {"Noto Sans", 9, "Fusion"},          {"Noto Sans", 9, "Windows"},
+    {"Noto Sans", 11, "Fusion"},        {"Noto Sans", 15, "Fusion"},         {"Noto Sans CJK JP", 11, "Windows"},
+    {"Noto Sans CJK JP", 15, "Fusion"}, {"Noto Sans CJK JP", 15, "Windows"}, {"DejaVu Sans", 15, "Fusion"},
+    {"Liberation Sans", 9, "Fusion"},   {"Liberation Sans", 15, "Fusion"},
+};
+
 // A font for each resolution of the screen stands for that; each dialog is shown on each of the two screens.
 TEST_F(DialogLooks, AreWholeInEveryFontStyleAndLanguageOnEveryScreen) {
   const QString pictures = qEnvironmentVariable("NV_PICTURES");  // names a folder for a picture of each
@@ -273,15 +287,11 @@ TEST_F(DialogLooks, AreWholeInEveryFontStyleAndLanguageOnEveryScreen) {
     const std::string texts = NV_SOURCE_FOLDER "/src/resources/catalogues/nvsupport." + language + ".txt";
     EXPECT_EQ(translations.LoadCatalogueFile(texts), language != "English") << texts;
     SetMessageCaption(std::string(Translate("Account Manager")));
-    for (const char* family : {"DejaVu Sans", "Noto Sans", "Cantarell", "Liberation Sans", "Noto Sans CJK JP"}) {
+    for (const auto& [family, points, style] : looks) {
       EXPECT_TRUE(QFontDatabase::hasFamily(QString::fromLatin1(family))) << family << " is not installed";
-      for (const int points : {9, 11, 15}) {
-        QApplication::setFont(QFont(QString::fromLatin1(family), points));
-        for (const char* style : {"Fusion", "Windows"}) {
-          QApplication::setStyle(QString::fromLatin1(style));
-          lookAt("." + language + "." + family + "." + std::to_string(points) + "." + style);
-        }
-      }
+      QApplication::setFont(QFont(QString::fromLatin1(family), points));
+      QApplication::setStyle(QString::fromLatin1(style));
+      lookAt("." + language + "." + family + "." + std::to_string(points) + "." + style);
     }
     for (QScreen* const screen : QGuiApplication::screens()) {
       QWidget host;

@@ -59,13 +59,26 @@ class Screen {
     }
     Do("key" + keys);
   }
-  // The visible window with this title, once it has the input.
+  // The window with this title, 0 while there is none.
+  xcb_window_t Find(const std::string& title) const {
+    for (const xcb_window_t window : Windows()) {
+      const auto ask = xcb_get_property(connection, 0, window, Atom("_NET_WM_NAME"), XCB_GET_PROPERTY_TYPE_ANY, 0, 99);
+      const auto name = Own(xcb_get_property_reply(connection, ask, nullptr));
+      if (name == nullptr) continue;
+      const auto length = static_cast<std::size_t>(xcb_get_property_value_length(name.get()));
+      if (title == std::string_view(static_cast<const char*>(xcb_get_property_value(name.get())), length))
+        return window;
+    }
+    return 0;
+  }
+  // The window with this title, once it has the input.
   xcb_window_t Await(const std::string& title) const {
     xcb_window_t found = 0;
     EXPECT_TRUE(WaitUntil([&] {
-      found = static_cast<xcb_window_t>(std::atoll(Do("search --onlyvisible --name '^" + title + "$'").c_str()));
+      found = Find(title);
+      if (found == 0) return false;
       const auto focus = Own(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
-      if (found == 0 || focus->focus == found) return found != 0;
+      if (focus->focus == found) return true;
       // A window manager need not give a new window the input; the user clicks on it then.
       Do("windowactivate " + std::to_string(found));
       return false;
@@ -92,7 +105,7 @@ class Screen {
   }
   // The 32-bit numbers of a property, such as the owner's id in WM_TRANSIENT_FOR.
   std::vector<std::uint32_t> Property(xcb_window_t window, const std::string& name) const {
-    const auto ask = xcb_get_property(connection, 0, window, Atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, 4);
+    const auto ask = xcb_get_property(connection, 0, window, Atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, 16);
     const auto reply = Own(xcb_get_property_reply(connection, ask, nullptr));
     if (reply == nullptr || reply->format != 32) return {};
     const auto* words = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
