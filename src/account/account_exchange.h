@@ -3,6 +3,7 @@
 #ifndef NVSUPPORT_ACCOUNT_ACCOUNT_EXCHANGE_H
 #define NVSUPPORT_ACCOUNT_ACCOUNT_EXCHANGE_H
 
+#include <algorithm>
 #include <cstdint>
 #include <span>
 
@@ -31,7 +32,11 @@ struct StatusMessage {
 };
 
 // The message for a status; one with the text `other` if the table lacks the status.
-StatusMessage MessageFor(std::span<const StatusMessage> table, std::int32_t status, const char* other);
+inline StatusMessage MessageFor(std::span<const StatusMessage> table, std::int32_t status, const char* other) {
+  const auto row =
+      std::find_if(table.begin(), table.end(), [status](const auto& known) { return known.status == status; });
+  return row != table.end() ? *row : StatusMessage{status, other};
+}
 
 struct StatusReply {
   bool sent = false;         // the request went out and a reply came
@@ -40,7 +45,14 @@ struct StatusReply {
 };
 
 // Sends a written request and reads the first item of the reply.
-StatusReply SendForStatus(CWebBinaryCGI& cgi);
+inline StatusReply SendForStatus(CWebBinaryCGI& cgi) {
+  StatusReply reply;
+  reply.sent = cgi.Send();
+  if (!reply.sent) return reply;
+  cgi.ReadValue(reply.status);
+  reply.answered = cgi.IsGood();
+  return reply;
+}
 
 }  // namespace nvsupport
 
