@@ -1,4 +1,4 @@
-# What an installation holds, in the components that the packages are made of. The module, its plugins and
+# What an installation holds, in the components that the packages are made of (debian/rules). The module, its plugins and
 # the catalogues stand side by side, because the module looks for the others beside itself.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
@@ -10,8 +10,7 @@ if(NOT WIN32 AND NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
   target_link_options(nvsupport INTERFACE
     $<INSTALL_INTERFACE:-Wl,-rpath,$<INSTALL_PREFIX>/${CMAKE_INSTALL_LIBDIR}>)
 endif()
-target_include_directories(nvsupport INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
-                                               $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+target_include_directories(nvsupport INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME runtime)
 install(TARGETS nvsupport EXPORT nvsupport
@@ -28,9 +27,15 @@ set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME qt)
 if(TARGET nvsupport-qt)
   install(TARGETS nvsupport-qt LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endif()
+
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME gui)
 foreach(program nvhost-gui nvcatalogue-preview)
   if(TARGET ${program})
     install(TARGETS ${program})
+    # The manual of the program that starts it tells about it.
+    string(REGEX MATCH "^[a-z]+" starter ${program})
+    file(WRITE ${PROJECT_BINARY_DIR}/${program}.1 ".so man1/${starter}.1\n")
+    install(FILES ${PROJECT_BINARY_DIR}/${program}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   endif()
 endforeach()
 
@@ -47,8 +52,18 @@ endforeach()
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
 install(DIRECTORY include/nvsupport DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES docs/man/nvsupport.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3)
-install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN man EXCLUDE)
+install(FILES CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs/pictures DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
+file(GLOB documents CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} README.md docs/*.md)
+foreach(document IN LISTS documents)
+  # A link to what stays in the tree becomes plain text.
+  file(READ ${document} text)
+  string(REGEX REPLACE "\\[([^]]+)\\]\\((\\.\\./)?(include/[^)]*|service|LICENSE|CONTRIBUTING.md)\\)" "\\1" text "${text}")
+  file(WRITE ${PROJECT_BINARY_DIR}/documents/${document} "${text}")
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${document})
+endforeach()
+install(DIRECTORY ${PROJECT_BINARY_DIR}/documents/ DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 # find_package(nvsupport) gives the target nvsupport::nvsupport.
 set(packageFolder ${CMAKE_INSTALL_LIBDIR}/cmake/nvsupport)
@@ -65,7 +80,3 @@ else()
 endif()
 configure_file(${CMAKE_CURRENT_LIST_DIR}/nvsupport.pc.in ${PROJECT_BINARY_DIR}/nvsupport.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/nvsupport.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-
-if(PROJECT_IS_TOP_LEVEL AND NOT WIN32)
-  include(packaging/packages.cmake)
-endif()

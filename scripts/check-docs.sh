@@ -10,23 +10,16 @@ complain() { printf '%s\n' "$*" >&2; failed=1; }
 
 git ls-files | grep -vE '\.png$|catalogues/' | xargs codespell || failed=1
 
-# The headings of a document as links name them.
-headings() {
-  sed -n 's/^#\+ //p' "$1" | tr '[:upper:] ' '[:lower:]-' | sed 's/[^[:alnum:]_-]//g'
-}
-while IFS=: read -r document link; do
-  target=$(realpath -m "$(dirname "$document")/${link%%#*}")
-  [[ $link == \#* ]] && target=$PWD/$document
-  if [[ ! -e $target ]]; then
-    complain "$document: nothing is at $link"
-  elif [[ $link == *\#* ]] && ! headings "$target" | grep -qxF -e "${link#*#}"; then
-    complain "$document: no heading is at $link"
-  fi
-done < <(git ls-files '*.md' | xargs grep -oP '\]\(\K[^)]+(?=\))' | grep -vE ':(https?|mailto):')
+git ls-files -z '*.md' | xargs -0 scripts/check-links.sh || failed=1
 
 files=$(git ls-files src tests)
 for file in $(grep -oP '`\K[a-z_/]+\.(cpp|h|rc|sh)(?=`)' docs/architecture.md | sort -u); do
   grep -qE "(^|/)$file\$" <<<"$files" || complain "docs/architecture.md: there is no $file"
+done
+
+for package in $(sed -n '/^Build-Depends/,/^Standards/s/^ \([a-z0-9.+-]*\).*/\1/p' debian/control); do
+  [[ $package == debhelper-compat ]] || grep -qF "\`$package\`" docs/dependencies.md ||
+    complain "docs/dependencies.md lacks $package"
 done
 
 # The options and exit codes that a program's help tells.
