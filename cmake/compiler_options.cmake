@@ -6,11 +6,8 @@ if(MSVC)
 else()
   target_compile_options(nv_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
                                               $<$<BOOL:${NV_WERROR}>:-Werror>)
-  # Objects do not tell in which folder they were built, so that a compiler cache serves every build. Optimised ones do not
-  # tell where their sources lay either, so that they are the same bytes wherever they are built.
-  target_compile_options(nv_options INTERFACE
-    "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>"
-    -fdebug-prefix-map=${PROJECT_BINARY_DIR}=.)
+  # Objects do not tell in which folder they were built, so that a compiler cache serves every build.
+  target_compile_options(nv_options INTERFACE -fdebug-prefix-map=${PROJECT_BINARY_DIR}=.)
   if(NOT PROJECT_IS_TOP_LEVEL)
     # Whatever the project around this one does without.
     target_compile_options(nv_options INTERFACE "$<$<COMPILE_LANGUAGE:CXX>:-fexceptions;-frtti>")

@@ -21,5 +21,7 @@ add_custom_command(TARGET nvsupport POST_BUILD
   COMMAND ${CMAKE_OBJCOPY} --add-gnu-debuglink=${debugInformation} $<TARGET_FILE:nvsupport>
   BYPRODUCTS ${definitions} ${debugInformation}
   VERBATIM)
-install(FILES ${definitions} DESTINATION lib)
-install(FILES ${debugInformation} DESTINATION bin)
+if(NV_INSTALL)
+  install(FILES ${definitions} DESTINATION lib)
+  install(FILES ${debugInformation} DESTINATION bin)
+endif()
