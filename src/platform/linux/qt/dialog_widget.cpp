@@ -167,7 +167,7 @@ void DialogWidget::OnFocusIn(QWidget& widget) {
   for (const auto& [control, shown] : controls) {
     // A window that becomes active reports the same control again.
     if (shown != &widget || std::exchange(focused, control) == control) continue;
-    return Report([control = control](DisplayEvents& to) { to.OnFocus(control); });
+    return Report([gained = control](DisplayEvents& to) { to.OnFocus(gained); });
   }
 }
 
