@@ -35,7 +35,7 @@ constexpr bool IsLetterOrDigit(char c) {
 
 // A line end or a zero in a text that becomes part of a line could smuggle in another line.
 constexpr bool HasControlCharacters(std::string_view text) {
-  return std::any_of(text.begin(), text.end(), [](char c) { return (c >= '\0' && c < ' ') || c == '\x7F'; });
+  return std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; });
 }
 
 // -1 for any other character.
