@@ -97,7 +97,7 @@ make_www() {
   done <"$here/data/products.tsv"
 }
 
-# The operators' configuration with values of ours at its top.
+# The operators' configuration, with our own values at its top.
 write_configuration() {
   local -r cgi_bin=$1 http_port=$2 https_port=$3
   {
@@ -146,7 +146,7 @@ answers() {
     grep -q '^HTTP/1.. 200 '
 }
 
-# A port that nobody has asked the kernel for: below the range from which it deals out ports by itself.
+# A port below the range that the kernel takes ports from, so that it has given this one to nobody.
 random_port() { echo $((10000 + RANDOM % 20000)); }
 
 # Starts the server on two ports; fails if one of them is taken, so that another pair can be tried.
@@ -173,7 +173,7 @@ launch() {
   fail "the server does not answer; see $dir/log/"
 }
 
-# Ends the server and waits for it; one that does not listen is killed after half of the time.
+# Ends the server and waits for its end. If it does not react, it is killed after half of the time.
 end() {
   local i
   kill -TERM "$1" 2>/dev/null || true
@@ -215,7 +215,7 @@ start() {
   fail "the server does not start; see $dir/log/"
 }
 
-# Whoever else could write to the folder could give us keys of theirs or another program to end.
+# If others could write to the folder, they could put their keys there, or make us end another program.
 refuse_what_others_can_reach() {
   local owner mode
   for owner in "$(stat -c %u "${1%/}")" "$(stat -L -c %u "$1")"; do # of a symbolic link, and of the folder
