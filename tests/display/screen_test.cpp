@@ -173,20 +173,38 @@ TEST_F(OnScreen, AnAccountIsMadeSignedIntoAndSavedByKeyboardAlone) {
 }
 
 TEST_F(OnScreen, AHostWithAWindowOwnsTheDialogsAndStaysAwakeWhileAServerIsSilent) {
+  std::vector<std::uint32_t> usual;
   const ScriptedServer server(
-      [](const std::string& request) {
-        if (request.starts_with("POST")) return HttpReply(200, ReplyWith({{"Map", 1, "", "f", 2}}, 7));
-        return Reply{.bytes = "HTTP/1.1 200 OK\r\nContent-Length: 1000000\r\n\r\n12345", .end = Reply::End::hold};
+      [&](const std::string& request) {
+        if (!request.starts_with("POST"))
+          return Reply{.bytes = "HTTP/1.1 200 OK\r\nContent-Length: 1000000\r\n\r\n12345", .end = Reply::End::hold};
+        EXPECT_TRUE(WaitUntil([&] { return screen.ShownCursor() != usual; })) << "while the thread is blocked";
+        return HttpReply(200, ReplyWith({{"Map", 1, "", "f", 2}}, 7));
       },
       serviceHost);
   const std::string file = home.folder / "map";
   Process host({NV_HOST_WINDOW});
   const xcb_window_t window = screen.Await("nvhost");
+  screen.Do("mousemove --window " + std::to_string(window) + " 300 300");
+  usual = screen.ShownCursor();
   screen.Type("\t\t\t ");  // to Search
-  screen.Do("key alt+d");
-  screen.TypeInto("Download to", file + "\n");
+  const auto download = [&] {
+    EXPECT_TRUE(WaitUntil([&] {
+      screen.Do("key alt+d sleep 1");  // in vain until a search has ended or a download is cancelled
+      return screen.Find("Download to") != 0;
+    }));
+    screen.TypeInto("Download to", file + "\n");
+    screen.Await("nvhost");
+  };
+  download();
   EXPECT_TRUE(WaitUntil([&] { return std::filesystem::exists(file + ".TMP"); }));
-  screen.Await("nvhost");
+  screen.Do("key alt+c");
+  download();
+  // A search is one more connection, for which the server leaves that of the first download.
+  screen.Do("key alt+s");
+  EXPECT_TRUE(WaitUntil([&] { return server.Requests().size() == 4; }));
+  EXPECT_TRUE(server.Requests().at(2).starts_with("POST")) << "the second download waits for the first";
+  EXPECT_TRUE(WaitUntil([&] { return screen.ShownCursor() == usual; })) << "once it goes on";
   screen.Do("key alt+c");
   screen.Do("key alt+t");
   const xcb_window_t signIn = screen.Await(signInTitle);
