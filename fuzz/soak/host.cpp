@@ -18,6 +18,7 @@
 #include "clock.h"
 #include "events.h"
 #include "host_state.h"
+#include "resources.h"
 
 namespace {
 
@@ -274,7 +275,7 @@ void Soak(const Setup& setup) {
       if (rounds == 0) first = soak::Resources();
       soak::Resources().ExpectNoMoreThan(first);
     }
-    host.ExpectUnchanged();
+    if (const std::string changed = host.Difference(); !changed.empty()) Fail("%s", changed.c_str());
   }
   NVSupportClose(&module);
 }

@@ -45,7 +45,7 @@ constexpr std::int32_t maxPoints = std::numeric_limits<std::int32_t>::max() / si
 // Anyone on the network path can send an endless reply, which must not take the host's memory.
 constexpr std::int32_t maxItems = 1000000;
 
-constexpr char packageSuffix[] = "nvpkg";
+constexpr char packageSuffix[] = ".nvpkg";
 constexpr char packagePrefix[] = "Package: ";
 constexpr std::size_t maxPackageTitle = sizeof MapShopItem::title - sizeof packagePrefix;  // without the prefix
 
@@ -69,11 +69,8 @@ void WriteRequest(CTypeSerializer& channel, const MapShopPoint* points, std::int
 }
 
 bool IsPackage(const char* fileReference) {
-  constexpr std::size_t suffixLength = sizeof packageSuffix - 1;
-  const std::size_t length = std::strlen(fileReference);
-  if (length < suffixLength + 1) return false;
-  const char* suffix = fileReference + length - suffixLength;
-  return suffix[-1] == '.' && _mbsicmp(reinterpret_cast<const unsigned char*>(suffix),
+  const char* suffix = std::strrchr(fileReference, '.');
+  return suffix != nullptr && _mbsicmp(reinterpret_cast<const unsigned char*>(suffix),
                                        reinterpret_cast<const unsigned char*>(packageSuffix)) == 0;
 }
 

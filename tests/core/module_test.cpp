@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "mapshop/map_shop_reply.h"
+#include "soak/host_state.h"
 #include "support/run_program.h"
 #include "support/scripted_server.h"
 #include "support/temporary_home.h"
@@ -54,6 +55,7 @@ class Module : public ::testing::Test {
   }
   // Opens a session that stays open, and searches without an area.
   void Use(const NVSupportModule& module) {
+    const soak::HostState host;
     module.openSession("Atlas");
     EXPECT_STREQ(module.userId(), "");
     const NVMapShopHandle results = module.search(nullptr, 0);
@@ -61,6 +63,7 @@ class Module : public ::testing::Test {
     EXPECT_TRUE(module.getNext(results, &item));
     EXPECT_EQ(module.closeSearch(results), 7);
     EXPECT_FALSE(module.downloadWithoutCounters("", "", "nowhere", nullptr, nullptr));
+    EXPECT_EQ(host.Difference(), "");
   }
 
   TemporaryHome home;

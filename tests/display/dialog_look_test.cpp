@@ -56,9 +56,39 @@ class DialogLooks : public ::testing::Test {
       {"sign_in", [this] { session.Login(owner); }},
       {"create_account", [this] { session.CreateAccount(owner); }},
       {"computer_name", [this] { session.SetDeviceName(owner); }},
-      {"message", [this] { ShowMessage(owner, MB_ICONERROR, "You must provide a valid email address."); }},
+      {"message", [this] { ShowMessage(owner, MB_ICONERROR, "No <b>bold</b> & no end."); }},
   };
 };
+
+// Empty for a message box.
+QList<QWidget*> ControlsOf(const QWidget& window) {
+  return window.findChildren<QWidget*>(QRegularExpression(QStringLiteral("^[0-9]+$")));
+}
+
+// Places in dialog units: from the left, to the middle of the height, and the width.
+std::string Described(const QWidget& window) {
+  const QFontMetrics font(QApplication::font());
+  const int letter =
+      (font.horizontalAdvance(QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz")) + 51) / 52;
+  std::string all;
+  for (const QWidget* control : ControlsOf(window)) {
+    const QRect place = control->geometry();
+    const auto units = [](int pixels, int base, int unit) { return std::to_string((pixels * unit + base / 2) / base); };
+    all += units(place.x(), letter, 4) + ' ' + units(2 * place.y() + place.height(), font.height(), 4) + ' ' +
+           units(place.width(), letter, 4);
+    if (const auto* label = qobject_cast<const QLabel*>(control))
+      all += std::string(label->alignment() & Qt::AlignRight ? " right" : " left") + " label " +
+             label->text().toStdString();
+    if (const auto* edit = qobject_cast<const QLineEdit*>(control)) all += " edit " + edit->displayText().toStdString();
+    if (const auto* box = qobject_cast<const QCheckBox*>(control))
+      all += " box " + box->text().toStdString() + (box->isChecked() ? ", ticked" : "");
+    if (const auto* button = qobject_cast<const QPushButton*>(control))
+      all += " button " + button->text().toStdString() + (button->isDefault() ? ", default" : "");
+    if (!control->isEnabled()) all += ", disabled";
+    all += control->hasFocus() ? ", focus\n" : control->focusPolicy() == Qt::ClickFocus ? ", not by Tab\n" : "\n";
+  }
+  return all;
+}
 
 TEST_F(DialogLooks, AreReadToTheBlindInTheOrderOfTheTemplate) {
   Show(openings.at("create_account"), [&](QWidget& window) {
@@ -81,6 +111,29 @@ TEST_F(DialogLooks, AreReadToTheBlindInTheOrderOfTheTemplate) {
       const QString told = QAccessible::queryAccessibleInterface(password)->text(QAccessible::Description);
       EXPECT_EQ(told, isLocked ? QStringLiteral("CapsLock") : QString());
     }
+  });
+}
+
+TEST_F(DialogLooks, ShowEachControlAsTheTemplateAndTheUserHaveIt) {
+  QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 9));
+  Show(openings.at("sign_in"), [](const QWidget& window) {
+    for (const char key : std::string("ann\tword\t ")) QTest::keyClick(QApplication::focusWidget(), key);
+    EXPECT_EQ(
+        Described(window),
+        R"(180 91 79 left label User ID and Passwords are not case sensitive. Spaces, punctuation and characters after the first 16 are ignored.
+1 26 63 left label New Users:
+70 26 99 button &Create Account
+18 53 152 left label If you already have an account:
+19 70 45 right label &User ID
+70 70 99 edit ann
+10 90 54 right label &Password
+70 90 99 edit ●●●●
+71 109 95 box &Save password, ticked, focus
+76 138 50 button OK, default
+139 138 69 button &I Forgot...
+221 138 45 button Cancel
+13 138 50 button &Help
+)");
   });
 }
 
@@ -156,12 +209,13 @@ TEST_F(DialogLooks, GiveTheTextOfAMessageToTheClipboard) {
     window.setWindowTitle(QStringLiteral("Caption"));
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_C, Qt::ControlModifier);
     const std::string line(27, '-');
-    EXPECT_EQ(
-        QApplication::clipboard()->text().toStdString(),
-        line + "\nCaption\n" + line + "\nYou must provide a valid email address.\n" + line + "\nOK\n" + line + '\n');
+    EXPECT_EQ(QApplication::clipboard()->text().toStdString(),
+              line + "\nCaption\n" + line + "\nNo <b>bold</b> & no end.\n" + line + "\nOK\n" + line + '\n');
     auto* const text = window.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
     QTest::mouseDClick(text, Qt::LeftButton, {}, {5, text->height() / 2});
-    EXPECT_EQ(text->selectedText(), QStringLiteral("You"));
+    EXPECT_EQ(text->selectedText(), QStringLiteral("No"));
+    text->setSelection(0, static_cast<int>(text->text().size()));
+    EXPECT_EQ(text->selectedText(), text->text()) << "the user reads all of it";
     EXPECT_TRUE(window.findChild<QPushButton*>()->icon().isNull()) << "as in the dialogs, which have no room for one";
   });
 }
@@ -195,11 +249,6 @@ TEST_F(DialogLooks, TellATextThatDoesNotFitByAToolTip) {
            EXPECT_TRUE(tip.starts_with("A text that does not fit &lt;b&gt;here&lt;/b&gt;xxx")) << id << ' ' << tip;
          }
        });
-}
-
-// Empty for a message box.
-QList<QWidget*> ControlsOf(const QWidget& window) {
-  return window.findChildren<QWidget*>(QRegularExpression(QStringLiteral("^[0-9]+$")));
 }
 
 std::string NameOf(const QWidget& control) {

@@ -8,6 +8,7 @@
 #include <string>
 #include <thread>
 
+#include "soak/host_state.h"
 #include "support/temporary_home.h"
 
 namespace {
@@ -17,7 +18,9 @@ bool AskForToken(const QWidget* owner = nullptr) {
   EXPECT_EQ(NVSupportOpen(&module, NV_MODULE), nullptr);
   module.openSession("Host Test");
   char token[20];
+  const soak::HostState host;
   const bool has = module.sessionToken(owner != nullptr ? reinterpret_cast<NVWindow>(owner->winId()) : nullptr, token);
+  EXPECT_EQ(host.Difference(), "");
   NVSupportClose(&module);
   return has;
 }

@@ -1,5 +1,8 @@
 // The web client against servers that are silent, hostile, somebody else, or gone.
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <regex>
@@ -9,6 +12,7 @@
 
 #include "support/exchange.h"
 #include "support/short_timeouts.h"
+#include "support/temporary_home.h"
 #include "support/test_authority.h"
 
 namespace nvsupport::testing {
@@ -71,6 +75,25 @@ TEST(WebClientFaults, GivesAServerUpThatDoesNotComeToThePoint) {
     EXPECT_LT(seconds, 5.0);
     EXPECT_EQ(server.Connections(), 1);
   }
+}
+
+TEST(WebClientFaults, GivesAHostUpThatTakesNoConnection) {
+  const ShortTimeouts timeouts;
+  platform::webLimits.head = 60s;
+  const int listener = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  socklen_t size = sizeof address;
+  EXPECT_EQ(listen(listener, 0), 0);
+  EXPECT_EQ(getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size), 0);
+  int waiting[3];  // more than it takes before somebody accepts them
+  for (int& client : waiting) {
+    client = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
+    connect(client, reinterpret_cast<const sockaddr*>(&address), size);
+  }
+  const ScopedVariable route("NV_CONNECT_TO", "web.example:80:127.0.0.1:" + std::to_string(ntohs(address.sin_port)));
+  EXPECT_LT(SecondsOf([] { EXPECT_FALSE(Exchange().Send()); }), 5.0);
+  for (const int client : waiting) close(client);
+  close(listener);
 }
 
 TEST(WebClientFaults, CountsNeitherTheTimeOfACallerWhoCanStopNorHisBytes) {

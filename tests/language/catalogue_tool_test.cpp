@@ -1,5 +1,6 @@
 // What the translators' tool nvcatalogue finds in a catalogue and makes of it. docs/translating.md runs the program.
 #include <gtest/gtest.h>
+#include <nvsupport/nvsupport.h>
 
 #include "catalogue_check.h"
 #include "support/run_program.h"
@@ -10,6 +11,10 @@ namespace nvsupport {
 namespace {
 
 using namespace std::string_literals;
+
+TEST(CatalogueTool, TellsItsVersion) {
+  EXPECT_EQ(testing::RunProgram({NV_CATALOGUE, "--version"}).output, "nvcatalogue " NVSUPPORT_VERSION "\n");
+}
 
 TEST(CatalogueCheck, FindsWhatTheReaderWouldLose) {
   const struct {

@@ -1,11 +1,14 @@
 // Paths, folders, formatted text, temporary files, and the file operations of the platform as the library relies on
 // them.
 #include <gtest/gtest.h>
+#include <pwd.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <string>
 #include <vector>
 
+#include "files/xdg_folders.h"
 #include "storage/files.h"
 #include "storage/format_text.h"
 #include "support/temporary_home.h"
@@ -44,6 +47,13 @@ TEST(Folders, AreMadeWithWhatIsMissingForTheUserAlone) {
   const std::string parent = home.folder / std::string(150, 'x') + "/";
   const testing::ScopedVariable tooLong("XDG_DATA_HOME", parent + std::string(MAX_PATH - parent.size(), 'x'));
   EXPECT_EQ(GetSpecialFolder(CSIDL_LOCAL_APPDATA, "x"), "");
+}
+
+TEST(Folders, AreThoseOfTheUserDatabaseWithoutHome) {
+  for (const char* home : {"", "relative"}) {
+    const testing::ScopedVariable homes[] = {{"HOME", home}, {"XDG_DATA_HOME", ""}};
+    EXPECT_EQ(platform::DataHome(), std::string(getpwuid(getuid())->pw_dir) + "/.local/share");
+  }
 }
 
 TEST(Folders, DocumentsAreWhereTheDesktopSettingsSay) {

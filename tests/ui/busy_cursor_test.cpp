@@ -29,6 +29,17 @@ TEST(BusyCursor, ShowsAfterItsDelayAndGoesWithTheCall) {
   EXPECT_EQ(person.waits, 0);
 }
 
+TEST(Events, StaySetOrNotAsTheyWereMade) {
+  for (const BOOL manual : {TRUE, FALSE}) {
+    const HANDLE event = CreateEventA(nullptr, manual, TRUE, nullptr);
+    EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_OBJECT_0);
+    EXPECT_EQ(WaitForSingleObject(event, 0), manual != FALSE ? WAIT_OBJECT_0 : WAIT_TIMEOUT);
+    EXPECT_TRUE(SetEvent(event));
+    EXPECT_EQ(WaitForSingleObject(event, INFINITE), WAIT_OBJECT_0);
+    CloseHandle(event);
+  }
+}
+
 // Or it would run on in code that is unloaded.
 TEST(Threads, HaveEndedOnceTheirHandleIsClosed) {
   std::atomic<DWORD> ended = 0;

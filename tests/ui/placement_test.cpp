@@ -55,6 +55,31 @@ TEST_F(Placement, CentresOnTheOwnerInsideTheWorkArea) {
   }
 }
 
+TEST_F(Placement, KeepsThePlaceUnderADialogThatMoved) {
+  std::vector<POINT> offsets;
+  const auto openInner = [&](HWND outer, POINT by) {
+    person.steps.push_front([=, &offsets, this](HWND inner) {
+      RECT owner{};
+      RECT place{};
+      GetWindowRect(outer, &owner);
+      GetWindowRect(inner, &place);
+      offsets.push_back({place.left - owner.left, place.top - owner.top});
+      person.Drag(inner, by);
+      EndDialog(inner, 1);
+    });
+    Dialog(IDD_COMPUTER_NAME).run(outer);
+  };
+  person.steps = {[&](HWND outer) {
+    openInner(outer, {11, 13});
+    person.Drag(outer, {-90, 70});
+    openInner(outer, {0, 0});
+    EndDialog(outer, 1);
+  }};
+  Dialog(IDD_SIGN_IN).run(nullptr);
+  EXPECT_EQ(offsets[1].x, offsets[0].x + 11);
+  EXPECT_EQ(offsets[1].y, offsets[0].y + 13);
+}
+
 TEST_F(Placement, ReopensWhereTheUserLeftIt) {
   const RECT opened = Open(usualOwner, {37, -21});
   const struct {
