@@ -99,6 +99,11 @@ std::string CallOf(const char* function) {
   return "\\b" + std::string(function) + "\\(";
 }
 
+[[noreturn]] void Refuse(const std::string& source, const char* function, const std::string& argument) {
+  throw std::runtime_error(source + ": the text in a call of " + function +
+                           " is neither a literal nor a constant of the file or of a header of it: " + argument);
+}
+
 class Collector {
  public:
   // A text is the first thing behind the kind of a control, which is indented, and behind CAPTION.
@@ -121,10 +126,7 @@ class Collector {
         std::string argument = TakeArgument(source, at);
         for (std::size_t i = 0; i < lookup.argument; ++i) argument = TakeArgument(source, ++at);
         const std::size_t before = texts.size();
-        if (!HasKnownTexts(constants, name, argument))
-          throw std::runtime_error(
-              name + ": the text in a call of " + lookup.function +
-              " is neither a literal nor a constant of the file or of a header of it: " + argument);
+        if (!HasKnownTexts(constants, name, argument)) Refuse(name, lookup.function, argument);
         if (!lookup.isMessage) continue;
         for (std::size_t i = before; i < texts.size(); ++i) messages.push_back(texts[i]);
       }

@@ -137,7 +137,7 @@ class WaitCursor {
 
   // The windows that a window manager lists; without one, those right below the root window.
   std::vector<xcb_window_t> TopLevelWindows() const {
-    const std::vector<xcb_window_t> managed = Numbers(screen->root, "_NET_CLIENT_LIST");
+    std::vector<xcb_window_t> managed = Numbers(screen->root, "_NET_CLIENT_LIST");
     if (!managed.empty()) return managed;
     const auto tree = Own(xcb.queryTreeReply(connection, xcb.queryTree(connection, screen->root), nullptr));
     if (tree == nullptr) return {};
