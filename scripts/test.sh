@@ -40,6 +40,7 @@ readonly steps=(
   "lint scripts/lint.sh --fast"        # clang-tidy, where it is fast
   "release build_release"              # optimised build of everything, with the module's exports
   "soak scripts/soak.sh 0.3 1"         # the module against a server that spoils its replies, 18 seconds
+  "model scripts/service_model.sh 5 1" # the account service against a model, over both databases
   "windows scripts/test_windows.sh"    # cross build of the DLL, and the trial of it in Wine
   "bare scripts/check-bare.sh"         # the module alone, and what its build asks for
   "documents scripts/check-docs.sh"    # spelling, links, and manuals against the programs
