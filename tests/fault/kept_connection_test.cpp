@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -186,6 +187,27 @@ TEST(KeptConnectionsEngine, LeavesSocketsThatTheHostOpensMeanwhileAsTheyAre) {
     EXPECT_EQ(fcntl(end, F_GETFD), 0);
     close(end);
   }
+}
+
+TEST(KeptConnectionsEngine, IdlesAsManyTimesAsItWasInUseAtOnceLately) {
+  const ShortTimeouts restored;
+  const auto use = [](std::size_t atOnce, const char* origin = "") {
+    std::vector<std::unique_ptr<platform::WebEngine>> engines(atOnce);
+    for (auto& engine : engines) engine = platform::TakeWebEngine({.origin = origin, .trust = {}});
+    for (auto& engine : engines) {
+      engine->EndTransfer(false);
+      platform::GiveBackWebEngine(std::move(engine));
+    }
+    return platform::WebEngine::Count();
+  };
+  EXPECT_EQ(use(8), 8u);
+  EXPECT_EQ(use(1), 8u);
+  EXPECT_EQ(use(20), 16u);
+  platform::webLimits.idle = -1ms;
+  EXPECT_EQ(use(1), 1u);
+  platform::webLimits.idle = 1min;
+  for (const char* origin : {"1", "2", "3", "4", "5"}) use(1, origin);
+  EXPECT_EQ(platform::WebEngine::Count(), 4u);
 }
 
 TEST(KeptConnectionsEngine, LeavesTheHostsSigpipeAsItIs) {

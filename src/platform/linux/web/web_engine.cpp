@@ -30,7 +30,9 @@
 namespace platform {
 namespace {
 
-constexpr std::size_t mostIdle = 4;
+// How many engines idle: as many as were in use at once lately, within these bounds.
+constexpr std::size_t leastIdle = 4;
+constexpr std::size_t mostIdle = 16;
 
 // OpenSSL, if libcurl is built on it, would free its memory at the end of the process, even under a call. Its first
 // user decides whether it does; without that the system frees all.
@@ -156,6 +158,7 @@ class Pool {
     const auto firstOutworn = std::stable_partition(idle.begin(), idle.end(), isGood);
     std::move(firstOutworn, idle.end(), std::back_inserter(outworn));
     idle.erase(firstOutworn, idle.end());
+    NoteUse(WebEngine::Count() - outworn.size() - idle.size() + 1);
     const auto isForPeer = [&peer](const Engine& engine) { return engine->Peer() == peer; };
     const auto last = std::find_if(idle.rbegin(), idle.rend(), isForPeer);
     if (last == idle.rend()) return nullptr;
@@ -168,14 +171,24 @@ class Pool {
     Engine tooMany;
     const std::lock_guard lock(mutex);
     idle.push_back(std::move(engine));
-    if (idle.size() <= mostIdle) return;
+    if (idle.size() <= std::clamp(mostInUse, leastIdle, mostIdle)) return;
     tooMany = std::move(idle.front());
     idle.erase(idle.begin());
   }
 
  private:
+  // What idles for longer is closed, so that is how long a number is remembered.
+  void NoteUse(std::size_t inUse) {
+    const std::chrono::milliseconds now = Uptime();
+    if (inUse < mostInUse && now - noted <= webLimits.idle) return;
+    mostInUse = inUse;
+    noted = now;
+  }
+
   std::mutex mutex;
-  std::vector<Engine> idle;  // in the order in which they were given back
+  std::vector<Engine> idle;   // in the order in which they were given back
+  std::size_t mostInUse = 0;  // at once, lately
+  std::chrono::milliseconds noted{};
 };
 
 Pool& ThePool() {
@@ -199,10 +212,12 @@ void MultiDeleter::operator()(CURLM* multi) const {
 WebEngine::WebEngine(WebPeer served)
     : peer(std::move(served)), owner(getpid()), multi(MakeMulti()), easy(curl_easy_init()) {
   if (!multi || !easy) throw std::bad_alloc();
+  ++count;
   curl_multi_setopt(multi.get(), CURLMOPT_MAXCONNECTS, 1L);
 }
 
 WebEngine::~WebEngine() {
+  --count;
   if (IsOfThisProcess()) return;
   // Not closed: that would end the parent's TLS connections.
   static_cast<void>(easy.release());

@@ -6,7 +6,9 @@
 #include <curl/curl.h>
 #include <sys/types.h>
 
+#include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -41,6 +43,8 @@ class WebEngine {
   CURL* Easy() const { return easy.get(); }
   CURLM* Multi() const { return multi.get(); }
   const WebPeer& Peer() const { return peer; }
+  // Of all that there are, in use or idle.
+  static std::size_t Count() { return count; }
   // False in a child that the host has forked: the connection is its parent's.
   bool IsOfThisProcess() const;
   std::chrono::milliseconds IdleTime() const;
@@ -55,6 +59,8 @@ class WebEngine {
 
  private:
   bool HasUnreadTls() const;
+
+  static constinit inline std::atomic<std::size_t> count = 0;
 
   const WebPeer peer;
   const pid_t owner;
