@@ -170,6 +170,7 @@ class Pool {
   void GiveBack(Engine engine) {
     Engine tooMany;
     const std::lock_guard lock(mutex);
+    if (!idle.empty()) idle.back()->Window().Free();  // so that one window idles, not one for each engine
     idle.push_back(std::move(engine));
     if (idle.size() <= std::clamp(mostInUse, leastIdle, mostIdle)) return;
     tooMany = std::move(idle.front());
@@ -249,6 +250,7 @@ void WebEngine::EndTransfer(bool whole) {
   if (whole) curl_easy_getinfo(easy.get(), CURLINFO_ACTIVESOCKET, &connection);
   if (connection != CURL_SOCKET_BAD && HasUnreadTls()) connection = CURL_SOCKET_BAD;
   idleSince = Uptime();
+  window.Wipe();
   curl_multi_remove_handle(multi.get(), easy.get());
   curl_easy_reset(easy.get());
 }

@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 
+#include "web/receive_window.h"
 #include "web/web_trust.h"
 
 namespace platform {
@@ -42,6 +43,8 @@ class WebEngine {
 
   CURL* Easy() const { return easy.get(); }
   CURLM* Multi() const { return multi.get(); }
+  // Empty between exchanges.
+  ReceiveWindow& Window() { return window; }
   const WebPeer& Peer() const { return peer; }
   // Of all that there are, in use or idle.
   static std::size_t Count() { return count; }
@@ -69,6 +72,7 @@ class WebEngine {
   curl_socket_t connection = CURL_SOCKET_BAD;  // the one that is kept
   curl_tlssessioninfo tls{};                   // of the connection of the latest request
   std::chrono::milliseconds idleSince{};
+  ReceiveWindow window;
 };
 
 // Keeps libcurl's code in memory to the end of the process.

@@ -84,7 +84,7 @@ bool WebExchange::Send(WebRequest request, std::string_view extraHeader, std::st
   Trace(TraceArea::web, "redirect not followed");
   phase = Phase::failed;
   headDone = false;
-  ForgetBody();
+  engine->Window().Clear();
   return false;
 }
 
@@ -133,7 +133,6 @@ bool WebExchange::SendOnce(const std::string& url, const WebRequest& request, st
 
   phase = Phase::running;
   paused = false;
-  ForgetBody();
   Drive(until, [this] { return headDone; });
   if (headDone) Trace(TraceArea::web, "status %ld after %lld ms", StatusCode(), MillisecondsSince(start));
   return headDone;
@@ -142,10 +141,7 @@ bool WebExchange::SendOnce(const std::string& url, const WebRequest& request, st
 std::optional<std::size_t> WebExchange::Read(char* data, std::size_t size) {
   if (!HasUnread()) Drive(std::min(Clock::now() + webLimits.silence, lastMoment), [this] { return HasUnread(); });
   if (!HasUnread()) return phase == Phase::ended ? std::optional<std::size_t>(0) : std::nullopt;
-  const std::size_t part = std::min(size, window.size() - begin);
-  std::memcpy(data, window.data() + begin, part);
-  begin += part;
-  return part;
+  return engine->Window().Take(data, size);
 }
 
 long WebExchange::StatusCode() const {
@@ -183,7 +179,7 @@ void WebExchange::Drive(Clock::time_point until, Done done) {
 }
 
 void WebExchange::Advance() {
-  if (!HasUnread()) ForgetBody();
+  if (!HasUnread()) engine->Window().Clear();
   if (paused) {
     paused = false;
     curl_easy_pause(engine->Easy(), CURLPAUSE_CONT);
@@ -249,18 +245,12 @@ std::size_t WebExchange::OnBody(char* data, std::size_t unit, std::size_t size, 
   auto* self = static_cast<WebExchange*>(exchange);
   const std::size_t arrived = unit * size;
   const std::size_t taken = std::min(arrived, self->bodyRoom);
-  if (arrived > largestWindow - self->window.size()) {
+  ReceiveWindow& window = self->engine->Window();
+  if (arrived > largestWindow - window.Size()) {
     self->paused = true;
     return CURL_WRITEFUNC_PAUSE;
   }
-  // A vector with an allocator of its own inserts and moves bytes one by one, which is slow. So the room is there from
-  // the start, and the bytes are copied here.
-  if (self->window.capacity() == 0) {
-    self->window.reserve(std::min(static_cast<std::size_t>(self->ContentLength().value_or(0)), largestWindow));
-  }
-  const std::size_t unread = self->window.size();
-  self->window.resize(unread + taken);
-  std::memcpy(self->window.data() + unread, data, taken);
+  window.Append(data, taken);
   self->bodyRoom -= taken;
   // So that no token stays in libcurl's buffer.
   if (self->isSecret) SecureZeroMemory(data, arrived);

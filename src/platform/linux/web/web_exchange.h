@@ -51,11 +51,7 @@ class WebExchange final : public WebTransfer {
                 Clock::time_point until);
   // Where the reply to `url` sends the client, empty if this reply is the final one.
   std::string RedirectTarget(const std::string& url) const;
-  bool HasUnread() const { return begin != window.size(); }
-  void ForgetBody() {
-    window.clear();
-    begin = 0;
-  }
+  bool HasUnread() const { return engine && engine->Window().HasUnread(); }
   // Lets libcurl work and waits, in turn, until `done` is true or the transfer ends; at its time limit it is ended.
   template <typename Done>
   void Drive(Clock::time_point until, Done done);
@@ -87,8 +83,6 @@ class WebExchange final : public WebTransfer {
   Clock::time_point lastMoment = Clock::time_point::max();  // of the whole exchange
   std::size_t bodyRoom = SIZE_MAX;                          // bytes that the body may still have
   bool paused = false;                                      // libcurl holds back a piece of the body that did not fit
-  SecretVector<char> window;                                // of the body: what is received
-  std::size_t begin = 0;                                    // in the window: what is not yet read
 };
 
 }  // namespace platform

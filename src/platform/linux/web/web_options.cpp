@@ -4,10 +4,10 @@
 #include <sys/auxv.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <new>
-#include <sstream>
 
 #include "trace.h"
 #include "web/web_limits.h"
@@ -72,10 +72,12 @@ CurlList MakeCurlList(const std::vector<std::string>& lines) {
 }
 
 CurlList MakeConnectToList() {
-  const char* variable = secure_getenv("NV_CONNECT_TO");
-  std::istringstream stream(variable != nullptr ? variable : "");
+  const char* const variable = secure_getenv("NV_CONNECT_TO");
+  std::string_view rest = variable != nullptr ? variable : "";
   std::vector<std::string> entries;
-  for (std::string entry; std::getline(stream, entry, ',');) {
+  while (!rest.empty()) {
+    const std::string entry(rest.substr(0, rest.find(',')));
+    rest.remove_prefix(std::min(rest.size(), entry.size() + 1));
     if (!IsConnectToEntry(entry)) Trace(TraceArea::web, "NV_CONNECT_TO: \"%s\" is malformed", entry.c_str());
     entries.push_back(entry);
   }
