@@ -25,6 +25,7 @@ void UseServer(bool delayed) {
 void MapShopSearch(benchmark::State& state) {
   UseServer(false);
   const MapShopPoint count{0, static_cast<double>(state.range(0)) / 1000};  // which the server reads
+  const double before = PeakKilobytes();
   for (auto _ : state) {
     const NVMapShopHandle handle = NSMapShopSearch(&count, 1);
     MapShopItem item;
@@ -33,6 +34,7 @@ void MapShopSearch(benchmark::State& state) {
     NSMapShopClose(handle);
     if (taken != state.range(0)) state.SkipWithError("records are missing");
   }
+  state.counters["peak_kB"] = PeakKilobytes() - before;
 }
 
 void Download(benchmark::State& state) {

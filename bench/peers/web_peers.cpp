@@ -115,6 +115,7 @@ void LibcurlSearch(benchmark::State& state, bool warm) {
   const std::string request = SearchRequest(state.range(0));
   std::string reply;
   std::vector<Record> records;
+  const double before = PeakKilobytes();
   for (auto _ : state) {
     if (!warm) {
       std::string().swap(reply);
@@ -144,6 +145,7 @@ void LibcurlSearch(benchmark::State& state, bool warm) {
     }
     if (records.size() != static_cast<std::size_t>(state.range(0))) state.SkipWithError("records are missing");
   }
+  state.counters["peak_kB"] = PeakKilobytes() - before;
 }
 
 // Warm, too: the message keeps its memory.

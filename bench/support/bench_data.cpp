@@ -83,6 +83,15 @@ std::vector<std::int64_t> Sizes(const std::string& prefix, const std::string& ex
   return sizes;
 }
 
+double PeakKilobytes() {
+  std::ifstream status("/proc/self/status");
+  for (std::string name; status >> name;) {
+    double kilobytes = 0;
+    if (name == "VmHWM:" && status >> kilobytes) return kilobytes;
+  }
+  return 0;
+}
+
 std::vector<std::string> LinesOf(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   std::vector<std::string> lines;

@@ -17,6 +17,8 @@ std::string DataFile(const std::string& name);
 std::vector<std::int64_t> Sizes(const std::string& prefix, const std::string& extension);
 std::vector<std::string> LinesOf(const std::string& path);
 std::string TemporaryFolder();
+// The most memory that this process has had resident.
+double PeakKilobytes();
 
 // One benchmark JOB/N for each such file.
 inline void RegisterSizes(const std::string& job, const std::string& prefix, const std::string& extension,
