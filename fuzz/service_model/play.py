@@ -158,13 +158,18 @@ class Client(threading.Thread):
 
 
 def children(process):
-    return [int(pid) for pid in subprocess.run(["pgrep", "-P", str(process)], capture_output=True, text=True).stdout.split()]
+    with contextlib.suppress(OSError):  # it went meanwhile
+        return [int(child) for child in pathlib.Path(f"/proc/{process}/task/{process}/children").read_text().split()]
+    return []
 
 
 def kill_a_process(dice):
     """One that answers requests. lighttpd does not always start the one again that starts these."""
     pools = children((folder / "pid").read_text().strip())
-    victim = dice.choice([worker for pool in pools for worker in children(pool)])
+    workers = [worker for pool in pools for worker in children(pool)]
+    if not workers:
+        return
+    victim = dice.choice(workers)
     tell(f"kill {victim}")
     with contextlib.suppress(ProcessLookupError):  # it went meanwhile
         os.kill(victim, signal.SIGKILL)
