@@ -11,30 +11,23 @@ constexpr int tooManyRequests = 429;
 constexpr int unavailable = 503;
 constexpr std::int64_t failedRetrySeconds = 2;
 
+constexpr std::pair<Status, const char*> reasons[] = {
+    {Status::done, "done"},
+    {Status::notUnderstood, "not understood"},
+    {Status::userIdInUse, "the user ID is in use"},
+    {Status::passwordTooShort, "the password is too short"},
+    {Status::wrongUserId, "no such user ID"},
+    {Status::wrongPassword, "another password"},
+    {Status::noUserId, "no user ID"},
+    {Status::tooManyComputers, "too many computers"},
+    {Status::emailInUse, "the email address is in use"},
+    {Status::invalidEmail, "no email address"},
+    {Status::serviceFailed, "failed"},
+};
+
 const char* Describe(Status status) {
-  switch (status) {
-    case Status::done:
-      return "done";
-    case Status::notUnderstood:
-      return "not understood";
-    case Status::userIdInUse:
-      return "the user ID is in use";
-    case Status::passwordTooShort:
-      return "the password is too short";
-    case Status::wrongUserId:
-      return "no such user ID";
-    case Status::wrongPassword:
-      return "another password";
-    case Status::noUserId:
-      return "no user ID";
-    case Status::tooManyComputers:
-      return "too many computers";
-    case Status::emailInUse:
-      return "the email address is in use";
-    case Status::invalidEmail:
-      return "no email address";
-    case Status::serviceFailed:
-      return "failed";
+  for (const auto& [known, reason] : reasons) {
+    if (known == status) return reason;
   }
   return "";
 }

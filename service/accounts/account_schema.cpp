@@ -66,13 +66,16 @@ std::size_t Version(Database& database) {
 
 }  // namespace
 
+void RefuseNewer(Database& database) {
+  if (Version(database) > versions.size()) throw std::runtime_error("a newer program has made the database");
+}
+
 void BringUpToDate(Database& database) {
   if (Version(database) == versions.size()) return;
   Transaction transaction(database, "schema");
   // Read once more: another process may have upgraded it meanwhile.
-  const std::size_t version = Version(database);
-  if (version > versions.size()) throw std::runtime_error("a newer program has made the database");
-  for (std::size_t next = version; next < versions.size(); ++next) database.RunScript(versions[next]);
+  RefuseNewer(database);
+  for (std::size_t next = Version(database); next < versions.size(); ++next) database.RunScript(versions[next]);
   transaction.Commit();
 }
 

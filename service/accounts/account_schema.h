@@ -8,6 +8,7 @@ namespace nvsupport::service {
 
 // Brings a database, which may be empty, to the present version. Throws std::runtime_error if a newer program made it.
 void BringUpToDate(Database& database);
+void RefuseNewer(Database& database);
 
 // Throws std::runtime_error if the database takes no changes.
 void TryToWrite(Database& database);

@@ -5,6 +5,7 @@
 #include "service/accounts/account_rules.h"
 #include "service/accounts/brake.h"
 #include "service/utf8.h"
+#include "src/base/ascii.h"
 
 namespace nvsupport::service {
 namespace {
@@ -57,7 +58,7 @@ Reply AccountService::NameComputer(RequestReader& request, const Caller& caller)
   computer.device = request.Word();
   request.Word();  // the same in every client: tells nothing
   computer.platform = request.Word();
-  if (!request.Complete()) return StatusReply(Status::notUnderstood);
+  if (!request.Complete() || base::HasControlCharacters(computer.name)) return StatusReply(Status::notUnderstood);
 
   const Proof proof = Prove(userId, password, computer.device, caller);
   return proof.user ? StatusReply(store.NameComputer(proof.user->account, computer)) : proof.refusal;
@@ -73,6 +74,9 @@ Reply AccountService::CreateAccount(RequestReader& request, const Caller& caller
   wanted.keepInformed = request.Byte() != 0;
   request.Word();  // the same in every client: tells nothing
   wanted.language = Text(request);
+  for (const std::string& text : {wanted.userId, wanted.name, wanted.company, wanted.language}) {
+    if (base::HasControlCharacters(text)) return StatusReply(Status::notUnderstood);
+  }
   if (!request.Complete()) return StatusReply(Status::notUnderstood);
 
   Status status = store.Check(wanted);
@@ -105,6 +109,13 @@ Reply AccountService::OpenSession(RequestReader& request, const Caller& caller) 
   ReplyWriter reply(Status::done);
   reply.Text(store.OpenSession(proof.user->account, caller.now, settings.sessionSeconds, settings.sessionsPerAccount));
   return StatusReply(Status::done, reply.Bytes());
+}
+
+void AccountService::ForgetFailures(Database& accounts, std::int64_t account, const std::string& userId) {
+  const std::string number = std::to_string(account);
+  Brake::Empty(accounts, "user " + CredentialKey(userId));
+  accounts.Run("DELETE FROM brake WHERE bucket LIKE $1 OR bucket LIKE $2", "device " + number + " %",
+               "place " + number + " %");
 }
 
 AccountService::Proof AccountService::Prove(const std::string& userId, const std::string& password,

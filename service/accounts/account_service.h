@@ -32,6 +32,9 @@ class AccountService {
 
   Reply Answer(std::string_view request, const Caller& caller);
 
+  // What the brake knows of an account.
+  static void ForgetFailures(Database& accounts, std::int64_t account, const std::string& userId);
+
  private:
   // A user who gave the right password, or the reply that says why not.
   struct Proof {

@@ -7,11 +7,13 @@
 namespace nvsupport::service {
 
 // The database in one SQLite file.
-std::unique_ptr<Database> OpenSqliteDatabase(const std::string& path);
+std::unique_ptr<Database> OpenSqliteDatabase(const std::string& path, Patience patience);
+std::unique_ptr<Database> OpenSqliteSnapshot(const std::string& path);
 
 // The database on a PostgreSQL server, one connection for each object. address: a connection address as libpq takes
 // it, "postgresql://user@host/database?option=value".
-std::unique_ptr<Database> OpenPostgresDatabase(const std::string& address);
+std::unique_ptr<Database> OpenPostgresDatabase(const std::string& address, Patience patience);
+std::unique_ptr<Database> OpenPostgresSnapshot(const std::string& address);
 
 }  // namespace nvsupport::service
 

@@ -7,8 +7,16 @@
 
 namespace nvsupport::service {
 
-std::unique_ptr<Database> OpenDatabase(const std::string& address) {
-  return address.starts_with("postgresql://") ? OpenPostgresDatabase(address) : OpenSqliteDatabase(address);
+bool IsPostgres(const std::string& address) {
+  return address.starts_with("postgresql://");
+}
+
+std::unique_ptr<Database> OpenDatabase(const std::string& address, Patience patience) {
+  return IsPostgres(address) ? OpenPostgresDatabase(address, patience) : OpenSqliteDatabase(address, patience);
+}
+
+std::unique_ptr<Database> OpenSnapshot(const std::string& address) {
+  return IsPostgres(address) ? OpenPostgresSnapshot(address) : OpenSqliteSnapshot(address);
 }
 
 std::int64_t ToNumber(const std::string& text) {

@@ -1,7 +1,6 @@
 // A database that several processes use at a time: SQLite in a file, or PostgreSQL, which several machines can share.
 // Statements are SQL that both understand; their values are $1, $2 and so on, which first appear in that order. Values
-// and columns are passed as text in UTF-8. Every failure is a std::runtime_error whose text holds no value; so it is if
-// the database cannot be opened, or is locked by others for 2 seconds.
+// and columns are passed as text in UTF-8. Every failure is a std::runtime_error whose text holds no value.
 #ifndef NVSUPPORT_SERVICE_DATABASE_DATABASE_H
 #define NVSUPPORT_SERVICE_DATABASE_DATABASE_H
 
@@ -25,11 +24,14 @@ class Database {
   std::vector<Row> Run(const char* sql, const Arguments&... arguments) {
     return Execute(sql, {AsText(arguments)...});
   }
+  std::vector<Row> Run(const char* sql, const Values& values) { return Execute(sql, values); }
   // Runs statements that take no values and give no rows.
   virtual void RunScript(const char* sql) = 0;
   virtual bool HasTable(const std::string& name) = 0;
   // False when the database has to be opened again: the server closed the connection, or the file was replaced.
   virtual bool IsUsable() = 0;
+  // What is broken in it, line by line, as far as it can be looked into; empty if nothing is.
+  virtual std::string Damage() = 0;
 
  private:
   friend class Transaction;
@@ -64,8 +66,19 @@ class Transaction {
   bool open = true;
 };
 
+// How long to wait for a database that others hold, and for a statement: with a request at most 2 seconds.
+enum class Patience { ofRequest, endless };
+
 // PostgreSQL for an address that begins with "postgresql://", else the SQLite file of that path, made if it is missing.
-std::unique_ptr<Database> OpenDatabase(const std::string& address);
+bool IsPostgres(const std::string& address);
+std::unique_ptr<Database> OpenDatabase(const std::string& address, Patience patience = Patience::ofRequest);
+// What was in it at one moment, to be read alone; others do not wait for who reads.
+std::unique_ptr<Database> OpenSnapshot(const std::string& address);
+
+// A backup: an SQLite file that no service uses, to be read alone.
+std::unique_ptr<Database> OpenBackup(const std::string& path);
+// A new one, readable by its owner alone, to be filled.
+std::unique_ptr<Database> MakeBackup(const std::string& path);
 
 std::int64_t ToNumber(const std::string& text);
 

@@ -59,7 +59,7 @@ using Result = std::unique_ptr<PGresult, ResultCloser>;
 
 class PostgresDatabase final : public Database {
  public:
-  explicit PostgresDatabase(const std::string& address) {
+  PostgresDatabase(const std::string& address, Patience patience) {
     // The address can override what stands in front of it.
     const char* const names[] = {"connect_timeout", "tcp_user_timeout", "dbname", "client_encoding", nullptr};
     const char* const values[] = {"2", "2000", address.c_str(), "UTF8", nullptr};
@@ -70,7 +70,9 @@ class PostgresDatabase final : public Database {
     }
     pq.setNoticeProcessor(
         connection.get(), [](void*, const char*) {}, nullptr);
-    RunScript("SET statement_timeout = 1800");  // milliseconds, waiting for locks included
+    if (patience == Patience::ofRequest) {
+      RunScript("SET statement_timeout = 1800");  // milliseconds, waiting for locks included
+    }
   }
 
   void RunScript(const char* sql) override { ThrowUnlessDone(Result(pq.exec(connection.get(), sql))); }
@@ -78,6 +80,8 @@ class PostgresDatabase final : public Database {
   bool HasTable(const std::string& name) override {
     return !Run("SELECT 1 FROM pg_tables WHERE schemaname = current_schema() AND tablename = $1", name).empty();
   }
+
+  std::string Damage() override { return {}; }  // the server's own care
 
   // Reads what the server has sent meanwhile; it may have closed the connection.
   bool IsUsable() override {
@@ -132,8 +136,14 @@ class PostgresDatabase final : public Database {
 
 }  // namespace
 
-std::unique_ptr<Database> OpenPostgresDatabase(const std::string& address) {
-  return std::make_unique<PostgresDatabase>(address);
+std::unique_ptr<Database> OpenPostgresDatabase(const std::string& address, Patience patience) {
+  return std::make_unique<PostgresDatabase>(address, patience);
+}
+
+std::unique_ptr<Database> OpenPostgresSnapshot(const std::string& address) {
+  auto database = std::make_unique<PostgresDatabase>(address, Patience::endless);
+  database->RunScript("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY");
+  return database;
 }
 
 }  // namespace nvsupport::service

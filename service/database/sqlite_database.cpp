@@ -1,7 +1,14 @@
 #include <sqlite3.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
 #include <stdexcept>
+#include <system_error>
+#include <utility>
 
 #include "service/database/backends.h"
 #include "service/database/file_queue.h"
@@ -11,20 +18,33 @@ namespace nvsupport::service {
 namespace {
 
 // Together with the time that SQLite itself waits, this stays below the 2 seconds that database.h promises.
-constexpr std::chrono::milliseconds patience{1000};
+constexpr std::chrono::milliseconds requestPatience{1000};
 
 // Its users stand in a queue, the file PATH-queue. With SQLite alone each tries again and again, and under load some
 // never get their turn.
 class SqliteDatabase final : public Database {
  public:
-  explicit SqliteDatabase(const std::string& path) : queue(path + "-queue"), file(path, SqliteFile::Mode::shared) {
+  SqliteDatabase(const std::string& path, Patience wanted)
+      : patience(wanted == Patience::ofRequest ? requestPatience : std::chrono::milliseconds::max()),
+        queue(std::in_place, path + "-queue"),
+        file(path, SqliteFile::Mode::shared) {
     file.Execute("PRAGMA foreign_keys = ON");
   }
+  // Of a file that nobody else uses.
+  explicit SqliteDatabase(SqliteFile alone) : file(std::move(alone)) {}
 
   void RunScript(const char* sql) override { file.Execute(sql); }
 
   bool HasTable(const std::string& name) override {
     return !Run("SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = $1", name).empty();
+  }
+
+  std::string Damage() override {
+    std::string damage;
+    for (const char* look : {"PRAGMA integrity_check", "PRAGMA foreign_key_check"}) {
+      for (const Row& row : Run(look)) damage += row[0] != "ok" ? row[0] + '\n' : "";
+    }
+    return damage;
   }
 
   bool IsUsable() override {
@@ -52,33 +72,72 @@ class SqliteDatabase final : public Database {
 
   // The subject does not matter: the file is locked as a whole.
   void Begin(const std::string& /*subject*/) override {
-    if (!queue.Enter(patience)) throw std::runtime_error("SQLite: others hold the database");
+    if (queue && !queue->Enter(patience)) throw std::runtime_error("SQLite: others hold the database");
     try {
-      file.Execute("BEGIN IMMEDIATE");
+      file.Execute(queue ? "BEGIN IMMEDIATE" : "BEGIN");
     } catch (...) {
-      queue.Leave();
+      Leave();
       throw;
     }
   }
 
   void Commit() override {
     file.Execute("COMMIT");
-    queue.Leave();
+    Leave();
   }
 
   void RollBack() noexcept override {
     sqlite3_exec(file.Handle(), "ROLLBACK", nullptr, nullptr, nullptr);
-    queue.Leave();
+    Leave();
   }
 
-  FileQueue queue;
+  void Leave() noexcept {
+    if (queue) queue->Leave();
+  }
+
+  const std::chrono::milliseconds patience{};
+  std::optional<FileQueue> queue;
   SqliteFile file;
+};
+
+// A new file among the temporary ones, readable by its owner alone, whose name goes with the object.
+struct NamelessFile {
+  NamelessFile() {
+    const int made = mkstemp(path.data());
+    if (made < 0) throw std::system_error(errno, std::generic_category(), path);
+    close(made);
+  }
+  NamelessFile(const NamelessFile&) = delete;
+  NamelessFile& operator=(const NamelessFile&) = delete;
+  ~NamelessFile() { unlink(path.c_str()); }
+
+  std::string path = std::filesystem::temp_directory_path() / "nvservice-XXXXXX";
 };
 
 }  // namespace
 
-std::unique_ptr<Database> OpenSqliteDatabase(const std::string& path) {
-  return std::make_unique<SqliteDatabase>(path);
+std::unique_ptr<Database> OpenSqliteDatabase(const std::string& path, Patience patience) {
+  return std::make_unique<SqliteDatabase>(path, patience);
+}
+
+// A copy of the file, byte by byte, holds the others up for less time than SQLite's own copies take.
+std::unique_ptr<Database> OpenSqliteSnapshot(const std::string& path) {
+  const NamelessFile copy;
+  FileQueue queue(path + "-queue");
+  queue.Enter();
+  SqliteFile(path, SqliteFile::Mode::shared)
+      .Execute("SELECT 1 FROM sqlite_master");  // undoes what a killed process left
+  std::filesystem::copy_file(path, copy.path, std::filesystem::copy_options::overwrite_existing);
+  queue.Leave();
+  return OpenBackup(copy.path);
+}
+
+std::unique_ptr<Database> OpenBackup(const std::string& path) {
+  return std::make_unique<SqliteDatabase>(SqliteFile(path, SqliteFile::Mode::unchanging));
+}
+
+std::unique_ptr<Database> MakeBackup(const std::string& path) {
+  return std::make_unique<SqliteDatabase>(SqliteFile(path, SqliteFile::Mode::created));
 }
 
 }  // namespace nvsupport::service

@@ -1,15 +1,19 @@
 #include "service/database/sqlite_file.h"
 
+#include <fcntl.h>
 #include <sqlite3.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <stdexcept>
+#include <system_error>
 
 #include "src/base/ascii.h"
 
 namespace nvsupport::service {
 namespace {
 
-// For programs that do not stand in the queue of sqlite_database.cpp, such as a backup.
+// For programs that do not stand in the queue of sqlite_database.cpp, such as an operator's own tools.
 constexpr int busyMilliseconds = 800;
 
 [[noreturn]] void Throw(sqlite3* file) {
@@ -30,6 +34,13 @@ std::string UnchangingAddress(const std::string& path) {
   return address + "?immutable=1";
 }
 
+void MakeFile(const std::string& path) {
+  constexpr int ownerOnly = 0600;
+  const int made = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, ownerOnly);
+  if (made < 0) throw std::system_error(errno, std::generic_category(), path);
+  close(made);
+}
+
 }  // namespace
 
 void SqliteFile::Closer::operator()(sqlite3* file) const {
@@ -41,14 +52,19 @@ void SqliteStatement::Closer::operator()(sqlite3_stmt* statement) const {
 }
 
 SqliteFile::SqliteFile(const std::string& path, Mode mode) {
+  if (mode == Mode::created) MakeFile(path);
+  std::string address = path;
+  int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+  if (mode == Mode::unchanging) {
+    address = UnchangingAddress(path);
+    flags = SQLITE_OPEN_READONLY | SQLITE_OPEN_URI;
+  }
   sqlite3* opened = nullptr;
-  const int result =
-      mode == Mode::shared
-          ? sqlite3_open_v2(path.c_str(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr)
-          : sqlite3_open_v2(UnchangingAddress(path).c_str(), &opened, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
+  const int result = sqlite3_open_v2(address.c_str(), &opened, flags, nullptr);
   handle.reset(opened);
   if (result != SQLITE_OK) Throw(opened);
   sqlite3_busy_timeout(opened, busyMilliseconds);
+  if (mode == Mode::created) Execute("PRAGMA journal_mode = MEMORY");
 }
 
 void SqliteFile::Execute(const char* sql) {

@@ -16,8 +16,9 @@ namespace nvsupport::service {
 class SqliteFile {
  public:
   enum class Mode {
-    shared,     // made if it is missing; others may read and write it at the same time
-    unchanging  // only read, and nobody writes to it
+    shared,      // made if it is missing; others may read and write it at the same time
+    unchanging,  // only read, and nobody writes to it
+    created      // a new file, readable by its owner alone; no other file is made beside it
   };
   SqliteFile(const std::string& path, Mode mode);
 

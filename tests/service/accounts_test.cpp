@@ -8,6 +8,9 @@
 #include <latch>
 #include <thread>
 
+#include "service/accounts/account_care.h"
+#include "service/accounts/account_copy.h"
+#include "service/accounts/account_schema.h"
 #include "service/accounts/account_service.h"
 #include "service/client_address.h"
 #include "service/database/file_queue.h"
@@ -56,6 +59,15 @@ class Accounts : public testing::Test {
 
   const nvsupport::testing::TemporaryFolder folder;
   const std::string server = Setting("NV_SERVICE_DATABASE");
+  // How many rows each table has.
+  static std::string RowsOf(Database& accounts) {
+    std::string all;
+    for (const char* table : {"account", "computer", "known_address", "session", "brake"}) {
+      all += accounts.Run((std::string("SELECT count(*) FROM ") + table).c_str())[0][0] + ' ';
+    }
+    return all;
+  }
+
   const std::unique_ptr<Database> database = Open();
   AccountSettings settings;
   std::int64_t now = 1'000'000;
@@ -84,6 +96,9 @@ TEST_F(Accounts, GetTheStatusesThatTheDialogsKnow) {
       {"unknown user", SignIn("Map Readers", "six6six"), 4},
       {"name: another password", Int(9) + Text("mapreader") + Text("x") + Text("n") + Int(1) + Int(124) + Int(0), 5},
       {"token: another password", Int(11) + Text("mapreader") + Text("x"), 5},
+      {"a line end in a name", CreateAccount("new\nline", "line@norvane.example"), 1},
+      {"and in a computer's", Int(9) + Text("mapreader") + Text("six6six") + Text("\x1B") + Int(1) + Int(0) + Int(0),
+       1},
       {"a text beyond its limit", SignIn(std::string(1001, 'x'), "six6six"), 1},
       {"another account", CreateAccount("Again", "again@norvane.example"), 0},
       {"sent again in time", CreateAccount("Again", "again@norvane.example"), 0, 599},
@@ -212,6 +227,94 @@ TEST_F(Accounts, HaveComputersUpToALimit) {
   EXPECT_EQ(store.NameComputer(Make(store, "other"), {0xFFFFFFFF, "of another", 0}), Status::done);
   EXPECT_FALSE(store.Find("reader", {0xFFFFFFFF, ""}, now).value().knowsDevice);
   EXPECT_EQ(store.Computers(account).back().name, "renamed");
+}
+
+TEST_F(Accounts, AreShownAndCorrectedAndLeaveNothingWhenDeleted) {
+  AccountStore store(*database);
+  const std::int64_t account = Make(store, "MapReader");
+  store.NameComputer(account, {7, "Desk", 1});
+  store.OpenSession(account, now, 60, 2);
+  for (const int device : {1, 7}) {  // a failure from the known address, and one of the known computer
+    EXPECT_EQ(StatusOf(Int(8) + Text("mapreader") + Text("guess") + Int(device)), 5);
+  }
+  EXPECT_EQ(StatusOf(SignIn("mapreader", "guess"), "192.0.2.2"), 5);
+  EXPECT_EQ(RowsOf(*database), "1 1 1 1 5 ") << "with the brake on new accounts and on the second address";
+  AccountCare care(*database, "mapreader");
+  care.Correct("name", "Another Name");
+  care.Correct("email", "New@Norvane.example");
+  care.Correct("keep-informed", "yes");
+  EXPECT_EQ(care.Show(),
+            "user ID: MapReader\nname: Another Name\ncompany: \nemail: new@norvane.example\nlanguage: English\n"
+            "keep informed: yes\ncreated: 1970-01-12 13:46:40 UTC\ncomputer: Desk (number 7, kind 1)\n"
+            "address: 192.0.2.1, 1970-01-12 13:46:40 UTC\nsession until: 1970-01-12 13:47:40 UTC\n");
+  EXPECT_THROW(care.Correct("email", "none"), std::runtime_error);
+  EXPECT_THROW(care.Correct("name", "two\nlines"), std::runtime_error);
+  EXPECT_THROW(care.Correct("user_id", "x"), std::runtime_error);
+  const std::string password = care.ResetPassword();
+  EXPECT_EQ(RowsOf(*database), "1 1 1 0 2 ");
+  EXPECT_EQ(StatusOf(SignIn("mapreader", "secret")), 5);
+  EXPECT_EQ(StatusOf(SignIn("mapreader", password)), 0);
+  care.Delete();
+  EXPECT_EQ(RowsOf(*database), "0 0 0 0 2 ");
+  EXPECT_THROW(AccountCare(*database, "mapreader"), std::runtime_error);
+}
+
+TEST_F(Accounts, AreForgottenPieceByPieceWhenTheirTimeIsOver) {
+  AccountStore store(*database);
+  store.OpenSession(Make(store, "reader"), now, 60, 2);
+  EXPECT_EQ(StatusOf(SignIn("nobody", "guess"), "192.0.2.2"), 4);
+  EXPECT_EQ(RowsOf(*database), "1 0 1 1 3 ");
+  const std::pair<std::int64_t, const char*> cases[] = {
+      {44, "1 0 1 1 3 "}, {45, "1 0 1 1 1 "}, {90, "1 0 1 0 0 "}, {AccountStore::networkSeconds, "1 0 0 0 0 "}};
+  for (const auto& [later, rows] : cases) {
+    Expire(*database, now + later, settings.brakeSeconds);
+    EXPECT_EQ(RowsOf(*database), rows) << later;
+  }
+  EXPECT_EQ(StatusOf(SignIn("nobody", "guess"), "192.0.2.2"), 4);
+  Expire(*database, now - 3600, settings.brakeSeconds);
+  EXPECT_EQ(RowsOf(*database), "1 0 0 0 0 ") << "after a clock was set back";
+}
+
+TEST_F(Accounts, GoIntoABackupAndComeBackAtOnce) {
+  AccountStore store(*database);
+  const std::string name = "of a former version:\n\"\t'";
+  EXPECT_EQ(store.Create({"first", "secret", name, "", "first@norvane.example", true, "English"}, now), Status::done);
+  const std::int64_t account = store.Find("first", {}, now).value().account;
+  store.NameComputer(account, {0xFFFFFFFF, "Desk", 0});
+  Transaction many(*database, "accounts");
+  for (int i = 0; i < 300; ++i) {  // more than are taken at a time
+    database->Run(
+        "INSERT INTO account SELECT $1, $2, user_id, password_hash, name, company, $3, 0, language, created"
+        " FROM account WHERE id = $4",
+        i, "u" + std::to_string(i), std::to_string(i), account);
+  }
+  many.Commit();
+  EXPECT_EQ(StatusOf(SignIn("first", "secret")), 0);
+  store.OpenSession(account, now, 60, 2);
+  const auto rows = [](Database& accounts) {
+    return std::pair(accounts.Run("SELECT * FROM account ORDER BY id"), accounts.Run("SELECT * FROM computer"));
+  };
+  const auto before = rows(*database);
+
+  CopyAccounts(*OpenSnapshot(server.empty() ? folder / "accounts.sqlite" : server), *MakeBackup(folder / "backup"));
+  EXPECT_EQ(std::filesystem::status(folder / "backup").permissions(), std::filesystem::perms(0600));
+  EXPECT_THROW(MakeBackup(folder / "backup"), std::runtime_error) << "in the place of another";
+  const auto backup = OpenBackup(folder / "backup");
+  EXPECT_EQ(backup->Damage(), "");
+  EXPECT_EQ(RowsOf(*backup), "301 1 1 0 0 ");
+  database->Run("DELETE FROM account WHERE id = $1", 7);
+  CopyAccounts(*backup, *database);
+  EXPECT_EQ(rows(*database), before);
+  EXPECT_EQ(RowsOf(*database), "301 1 1 0 0 ");
+  const auto other = OpenDatabase(folder / "other", Patience::endless);
+  CopyAccounts(*backup, *other);
+  EXPECT_EQ(rows(*other), before);
+
+  const auto newer = MakeBackup(folder / "newer");
+  BringUpToDate(*newer);
+  newer->RunScript("UPDATE schema_version SET version = 99");
+  EXPECT_THROW(CopyAccounts(*newer, *database), std::runtime_error);
+  EXPECT_EQ(rows(*database), before);
 }
 
 TEST_F(Accounts, AreMadeOnceWhenManyAskAtATime) {

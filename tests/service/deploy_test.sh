@@ -104,6 +104,19 @@ for header in "Content-Security-Policy: .*frame-ancestors 'none'" 'X-Content-Typ
   grep -qi "^$header" <<<"$headers" || fail "the account page lacks $header"
 done
 [[ $(page https -i -X PUT | tr -d '\0') == *'Allow: GET, HEAD, POST'*' 405' ]] || fail "the account page answers to PUT"
+tool() { NV_SERVICE_DATABASE=${database:-$root/state/accounts.sqlite} "$root/usr/sbin/nvservice" "$@" 2>>"$root/logs/tool"; }
+[[ $(tool backup "$root/backup" && tool check "$root/backup" && tool check) == '1 accounts'*'1 accounts'*'1 accounts' ]] ||
+  fail "no backup"
+[[ $(stat -c %a "$root/backup") == 600 ]] || fail "others can read the backup"
+tool backup "$root/backup" && fail "a backup is written over"
+tool expire && tool show zomap | grep -qx 'name: Zoë' || fail "the account is not shown"
+if ((EUID == 0)); then
+  chmod 711 "$root"
+  install -d -o daemon -g daemon "$root/restored"
+  # No look for leaks, which a process with another user may not take.
+  ASAN_OPTIONS=detect_leaks=0 database=$root/restored/accounts.sqlite tool restore "$root/backup" >/dev/null || fail "the backup is not restored"
+  [[ $(stat -c %U%a "$root"/restored/* | sort -u) == daemon600 ]] || fail "the service cannot use what is restored"
+fi
 [[ $(page https -d '') == *'All sessions have ended'*' 200' ]] || fail "the sessions are not ended"
 [[ $(page https) == *'This session has ended'*' 403' ]] || fail "the account page opens after the end of the session"
 python3 -c 'import sqlite3, sys, time
