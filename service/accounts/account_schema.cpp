@@ -6,7 +6,8 @@
 namespace nvsupport::service {
 namespace {
 
-// What each version adds to the one before it. The first version had no table that holds the version.
+// What each version changes in the one before it, so that programs of that one can work with it no more. The
+// first version had no table that holds the version.
 constexpr std::array versions = {
     R"(
   CREATE TABLE IF NOT EXISTS account (
@@ -59,9 +60,27 @@ constexpr std::array versions = {
   UPDATE schema_version SET version = 3;
 )"};
 
+// What has been added to the last version since, which its programs need not know: while the web servers are renewed
+// one after the other, old and new ones work side by side. A new version takes them in.
+constexpr std::array additions = {
+    R"(
+  CREATE TABLE schema_addition (number BIGINT PRIMARY KEY);
+  CREATE INDEX known_address_seen ON known_address (seen);
+  INSERT INTO schema_addition VALUES (1);
+)"};
+
 std::size_t Version(Database& database) {
   if (!database.HasTable("schema_version")) return 0;
   return static_cast<std::size_t>(ToNumber(database.Run("SELECT version FROM schema_version").at(0).at(0)));
+}
+
+std::size_t Additions(Database& database) {
+  if (!database.HasTable("schema_addition")) return 0;
+  return static_cast<std::size_t>(ToNumber(database.Run("SELECT count(*) FROM schema_addition").at(0).at(0)));
+}
+
+bool IsUpToDate(Database& database) {
+  return Version(database) == versions.size() && Additions(database) >= additions.size();
 }
 
 }  // namespace
@@ -71,11 +90,12 @@ void RefuseNewer(Database& database) {
 }
 
 void BringUpToDate(Database& database) {
-  if (Version(database) == versions.size()) return;
+  if (IsUpToDate(database)) return;
   Transaction transaction(database, "schema");
   // Read once more: another process may have upgraded it meanwhile.
   RefuseNewer(database);
   for (std::size_t next = Version(database); next < versions.size(); ++next) database.RunScript(versions[next]);
+  for (std::size_t next = Additions(database); next < additions.size(); ++next) database.RunScript(additions[next]);
   transaction.Commit();
 }
 

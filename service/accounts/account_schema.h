@@ -6,7 +6,8 @@
 
 namespace nvsupport::service {
 
-// Brings a database, which may be empty, to the present version. Throws std::runtime_error if a newer program made it.
+// Brings the database to the present version, an empty one as well. Throws std::runtime_error for one of a newer
+// version; what a newer program has only added to the present one does no harm.
 void BringUpToDate(Database& database);
 void RefuseNewer(Database& database);
 

@@ -1,7 +1,9 @@
 #include <dlfcn.h>
 #include <libpq-fe.h>
 
+#include <cstdlib>
 #include <stdexcept>
+#include <string_view>
 
 #include "service/database/backends.h"
 
@@ -37,6 +39,8 @@ struct Libpq {
   }
 
   const Function<decltype(PQconnectdbParams)> connect{"PQconnectdbParams"};
+  const Function<decltype(PQconninfoParse)> parse{"PQconninfoParse"};
+  const Function<decltype(PQconninfoFree)> freeOptions{"PQconninfoFree"};
   const Function<decltype(PQfinish)> finish{"PQfinish"};
   const Function<decltype(PQstatus)> status{"PQstatus"};
   const Function<decltype(PQerrorMessage)> errorMessage{"PQerrorMessage"};
@@ -60,9 +64,20 @@ using Result = std::unique_ptr<PGresult, ResultCloser>;
 class PostgresDatabase final : public Database {
  public:
   PostgresDatabase(const std::string& address, Patience patience) {
-    // The address can override what stands in front of it.
-    const char* const names[] = {"connect_timeout", "tcp_user_timeout", "dbname", "client_encoding", nullptr};
-    const char* const values[] = {"2", "2000", address.c_str(), "UTF8", nullptr};
+    // The address can override what stands in front of it; what has no value, by libpq's own variables.
+    const bool remote = IsRemote(address);
+    const auto usual = [&](const char* variable, const char* value) {
+      return remote && std::getenv(variable) == nullptr ? value : "";
+    };
+    const char* const names[] = {"connect_timeout", "tcp_user_timeout", "sslmode", "sslrootcert",
+                                 "dbname",          "client_encoding",  nullptr};
+    const char* const values[] = {"2",
+                                  "2000",
+                                  usual("PGSSLMODE", "verify-full"),
+                                  usual("PGSSLROOTCERT", "/etc/ssl/certs/ca-certificates.crt"),
+                                  address.c_str(),
+                                  "UTF8",
+                                  nullptr};
     constexpr int dbnameIsAnAddress = 1;
     connection.reset(pq.connect(names, values, dbnameIsAnAddress));
     if (pq.status(connection.get()) != CONNECTION_OK) {
@@ -114,6 +129,31 @@ class PostgresDatabase final : public Database {
   void Commit() override { RunScript("COMMIT"); }
 
   void RollBack() noexcept override { const Result ignored(pq.exec(connection.get(), "ROLLBACK")); }
+
+  // True if a connection would leave this machine.
+  bool IsRemote(const std::string& address) const {
+    const std::unique_ptr<PQconninfoOption, void (*)(PQconninfoOption*)> options(
+        pq.parse(address.c_str(), nullptr), [](PQconninfoOption* parsed) { Libpq::Get().freeOptions(parsed); });
+    const char* const usualHost = std::getenv("PGHOST");
+    bool remote = usualHost != nullptr && HasRemote(usualHost);
+    for (const auto* option = options.get(); option != nullptr && option->keyword != nullptr; ++option) {
+      const std::string_view name = option->keyword;
+      if (option->val != nullptr && (name == "host" || name == "hostaddr")) remote = remote || HasRemote(option->val);
+    }
+    return remote;
+  }
+
+  // list: with commas; a host that begins with a slash is the folder of a socket.
+  static bool HasRemote(std::string_view list) {
+    for (;;) {
+      const std::size_t comma = list.find(',');
+      const std::string_view host = list.substr(0, comma);
+      const bool here = host.empty() || host[0] == '/' || host == "localhost" || host == "127.0.0.1" || host == "::1";
+      if (!here) return true;
+      if (comma == std::string_view::npos) return false;
+      list.remove_prefix(comma + 1);
+    }
+  }
 
   // The details of the server's errors quote values, so only the first line and the code are passed on.
   void ThrowUnlessDone(const Result& result) const {

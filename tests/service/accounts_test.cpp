@@ -2,6 +2,8 @@
 // are answered, and that nothing is lost when many write at a time.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -350,6 +352,10 @@ TEST_F(Accounts, OfTheFirstVersionAreKeptAndOfOneThatIsNotMadeYetRefused) {
       CREATE TABLE session (token_hash TEXT PRIMARY KEY, account INTEGER NOT NULL, ends INTEGER NOT NULL);
       INSERT INTO account VALUES (1, 'reader', 'Reader'))");
   EXPECT_EQ(AccountStore(*database).UserId(1), "Reader");
+  // As a newer program of the same version does while this one runs.
+  database->RunScript(
+      "ALTER TABLE account ADD COLUMN later BIGINT NOT NULL DEFAULT 0; INSERT INTO schema_addition VALUES (9)");
+  EXPECT_EQ(AccountStore(*database).UserId(1), "Reader");
   database->RunScript("UPDATE schema_version SET version = 99");
   EXPECT_THROW(AccountStore{*database}, std::runtime_error);
 }
@@ -390,6 +396,33 @@ TEST(ClientAddress, IsTheLastThatNoTrustedProxyHas) {
       {"11.0.0.1", "203.0.113.5", "11.0.0.1"},
   };
   for (const auto& row : cases) EXPECT_EQ(ClientAddress(row.peer, row.forwarded), row.client) << row.peer;
+}
+
+TEST(PostgresDatabase, IsReachedOnOtherMachinesByTlsAlone) {
+  const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_in here = {};
+  here.sin_family = AF_INET;
+  here.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t size = sizeof here;
+  ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&here), size), 0);
+  ASSERT_EQ(listen(listener, 1), 0);
+  getsockname(listener, reinterpret_cast<sockaddr*>(&here), &size);
+  const std::jthread server([listener] {
+    for (int client = 0; (client = accept(listener, nullptr, nullptr)) >= 0; close(client)) {
+      char wish[8];
+      if (recv(client, wish, sizeof wish, MSG_WAITALL) > 0) send(client, "N", 1, MSG_NOSIGNAL);  // it has no TLS
+    }
+  });
+  for (const std::string host : {"database.example", "localhost"}) {
+    try {
+      OpenDatabase("postgresql://" + host + ':' + std::to_string(ntohs(here.sin_port)) + "/nv?hostaddr=127.0.0.1");
+      ADD_FAILURE() << host;
+    } catch (const std::runtime_error& error) {
+      const bool wantsTls = std::string(error.what()).find("SSL was required") != std::string::npos;
+      EXPECT_EQ(wantsTls, host != "localhost") << error.what();
+    }
+  }
+  shutdown(listener, SHUT_RDWR);
 }
 
 TEST(FileQueue, LetsNobodyBackInBeforeWhoWaits) {
