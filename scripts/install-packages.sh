@@ -14,7 +14,7 @@ readonly build_packages=(
 )
 readonly test_packages=(
   ccache clang clang-format clang-tidy codespell curl debhelper dpkg-dev file g++-mingw-w64-i686 g++-mingw-w64-x86-64
-  iproute2 libclang-rt-dev lintian locales mmdebstrap nginx openbox postgresql python3 spawn-fcgi wine wine64 xxd
+  iproute2 libclang-rt-dev lintian locales logrotate mmdebstrap nginx openbox postgresql python3 spawn-fcgi systemd wine wine64 xxd
   fonts-cantarell fonts-liberation fonts-noto-cjk fonts-noto-core qt6-translations-l10n x11-xserver-utils
 )
 

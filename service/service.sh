@@ -100,32 +100,26 @@ make_www() {
 # The operators' configuration, with our own values at its top.
 write_configuration() {
   local -r cgi_bin=$1 http_port=$2 https_port=$3
+  local program
   {
     cat <<CONFIGURATION
-var.state = "$dir"
-var.run = "$dir/run"
+server.breakagelog = "$dir/log/cgi.log"
 var.spool = "$dir/run"
 var.logs = "$dir/log"
 var.pages = "$dir/www"
-var.programs = "$cgi_bin/"
 var.certificate = "$dir/tls/server.pem"
 var.key = "$dir/tls/server.key"
 var.address = "127.0.0.1"
 var.http_port = $http_port
 var.https_port = "$https_port"
 var.kbytes_per_second = $kbytes_per_second
-var.settings = (
-  "NV_SERVICE_PROCESSES" => "$processes",
-  "NV_SERVICE_DATABASE" => "${NV_SERVICE_DATABASE:-$dir/accounts.sqlite}",
-  "NV_SERVICE_PRODUCTS" => "${NV_SERVICE_PRODUCTS:-$here/data/products.tsv}",
-  "NV_SERVICE_PRODUCTS_INDEX" => "$dir/products.index",
-  "NV_SERVICE_COUNTERS" => "$dir/run/counters",
-  "NV_SERVICE_SESSION_SECONDS" => "$session_seconds",
-  "NV_SERVICE_ACCOUNTS_PER_ADDRESS" => "$accounts_per_address"
-)
 var.proxies = ()
-var.monitors = "127.0.0.1"
+var.monitors = "^127\.0\.0\.1$"
 CONFIGURATION
+    for program in svcapp svcuser mapstore2; do # here the server starts them
+      echo "var.$program = ((\"bin-path\" => \"$cgi_bin/$program.cgi\", \"socket\" => \"$dir/run/$program.socket\"," \
+        '"max-procs" => 1, "listen-backlog" => 1024, "check-local" => "disable"))'
+    done
     sed '1,/^$/d' "$here/deploy/lighttpd.conf"
   } >"$dir/lighttpd.conf"
 }
@@ -206,6 +200,11 @@ start() {
   mkdir -p "$dir/log" "$dir/run"
   make_certificates
   make_www
+  # For the programs, which get the server's environment.
+  export NV_SERVICE_PROCESSES=$processes NV_SERVICE_SESSION_SECONDS=$session_seconds \
+    NV_SERVICE_ACCOUNTS_PER_ADDRESS=$accounts_per_address NV_SERVICE_DATABASE=${NV_SERVICE_DATABASE:-$dir/accounts.sqlite} \
+    NV_SERVICE_PRODUCTS=${NV_SERVICE_PRODUCTS:-$here/data/products.tsv} NV_SERVICE_PRODUCTS_INDEX=$dir/products.index \
+    NV_SERVICE_COUNTERS=$dir/run/counters
   for ((try = 0; try < start_tries; ++try)); do
     read -r http_port https_port <<<"${NV_SERVICE_PORTS:-$(random_port) $(random_port)}"
     [ "$http_port" != "$https_port" ] || continue

@@ -7,57 +7,26 @@
 # deploy_test.sh BUILD-FOLDER SOURCE-FOLDER lighttpd|nginx
 set -euo pipefail
 readonly build=$1 source=$2 server=$3
-PATH=$PATH:/usr/sbin
+case $server in
+lighttpd)
+  readonly unit=nvservice-lighttpd.service
+  reload=$(sed -n 's|^ExecReload=/bin/kill -\([A-Z0-9]*\) .*|\1|p' "$source/service/deploy/$unit")
+  ;;
+nginx) readonly unit=nginx.service reload=HUP ;; # as Debian's own unit does it
+esac
+# shellcheck source=scripts/installed_service.sh
+source "$source/scripts/installed_service.sh"
 
 root=$(mktemp -d)
-servers=()
-stop() {
-  ((${#servers[@]} == 0)) || kill -- "${servers[@]/#/-}" 2>/dev/null || true # each with its children
-  servers=()
-  wait
-}
 trap 'stop; rm -rf "$root"' EXIT
 fail() { echo "$server: $*" >&2; tail -n 20 "$root"/logs/* >&2; exit 1; }
+install_service "$build"
 
-cmake --install "$build" --component service --prefix "$root/usr" >/dev/null
-mkdir "$root/state" "$root/logs" "$root/run" "$root/etc" "$root/etc/tls"
-cp "$source/service/data/products.tsv" "$root/etc"
-openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -days 2 -subj /CN=service.norvane.example \
-  -addext subjectAltName=DNS:service.norvane.example -keyout "$root/etc/tls/server.key" -out "$root/etc/tls/server.pem" \
-  2>"$root/logs/openssl"
-
-# An installed file with the test's paths for the operators' own, and two ports.
-adapt() {
-  sed -e "s|/usr/local/|$root/usr/|g" -e "s|/etc/nvservice|$root/etc|g" -e "s|/var/lib/nvservice|$root/state|g" \
-    -e "s|/var/log/nvservice|$root/logs|g" -e "s|/run/nvservice|$root/run|g" -e "s|/var/spool|$root/run|g" \
-    -e "s|0\.0\.0\.0|127.0.0.1|" -e "s|http_port = 80|http_port = $http|" -e "s|https_port = \"443\"|https_port = \"$https\"|" \
-    -e "s|listen 80;|listen 127.0.0.1:$http;|" -e "s|listen 443 ssl;|listen 127.0.0.1:$https ssl;|" \
-    "$root/usr/share/nvservice/deploy/$1"
-}
-start() { setsid "$@" >>"$root/logs/servers" 2>&1 & servers+=($!); }
-unit_command() { adapt "$1" | sed -n 's/^ExecStart=//p'; }
-start_lighttpd() {
-  adapt lighttpd.conf >"$root/etc/lighttpd.conf"
-  # shellcheck disable=SC2046
-  start $(unit_command nvservice-lighttpd.service)
-}
-start_nginx() {
-  local program command
-  for program in svcapp svcuser mapstore2; do
-    rm -f "$root/run/$program.socket"
-    command=$(unit_command nvservice@.service)
-    # The socket unit opens the socket elsewhere. shellcheck disable=SC2046
-    start env $(adapt settings | grep -v '^#') spawn-fcgi -n -s "$root/run/$program.socket" -- "${command//%i/$program}"
-  done
-  {
-    ((EUID == 0)) && echo "user root;"
-    echo "daemon off; pid $root/run/nginx.pid; events {} http {"
-    for area in client_body proxy fastcgi uwsgi scgi; do echo "${area}_temp_path $root/run/$area;"; done
-    adapt nginx.conf
-    echo "}"
-  } >"$root/etc/nginx.conf"
-  start nginx -e "$root/logs/nginx" -c "$root/etc/nginx.conf" -p "$root"
-}
+# The units keep what they run away from the rest of the machine.
+cp "$root/usr/lib/systemd/system/nvservice@.service" "$root/nvservice@svcapp.service"
+for path in "$root/nvservice@svcapp.service" "$root"/usr/lib/systemd/system/nvservice-*.service; do
+  systemd-analyze security --offline=true --no-pager --threshold=20 "$path" >"$root/logs/units" || fail "$path keeps too little away"
+done
 
 # An example of the protocol page as one line of hexadecimal digits, and the reply to one.
 example() { sed -n "/^\`\`\`hex $1\$/,/^\`\`\`\$/{/^\`/!{s/#.*//;p}}" "$source/docs/service_protocol.md" | tr -d ' \n'; }
@@ -74,6 +43,7 @@ expect() { [[ $(post "$1" "$2" "$3") == "$4" ]] || fail "another answer to $2 by
 
 for ((try = 0; try < 5; ++try)); do
   http=$((10000 + RANDOM % 20000)) https=$((http + 1))
+  ((try > 0)) || start_programs
   "start_$server"
   for ((i = 0; i < 300; ++i)); do
     [[ $(post http search mapstore2.cgi) == 00* ]] && break 2
@@ -91,6 +61,26 @@ http_status() { get -o "$root/page" -w "%{http_code}${2:+ $2}" "${@:3}" "$1"; }
 for path in health/live health/write metrics; do
   [[ $(http_status "http://service.norvane.example/$path") == 200 ]] || fail "no answer from /$path"
 done
+
+# While it is reloaded and its logs are rotated, by what the units and logrotate are told, no request is lost.
+mkdir "$root/bin"
+cat >"$root/bin/systemctl" <<SYSTEMCTL
+#!/bin/sh
+case \$* in *" $unit") kill -\${3#--signal=} ${servers[-1]} ;; esac
+SYSTEMCTL
+chmod +x "$root/bin/systemctl"
+adapt share/nvservice/deploy/logrotate.conf >"$root/etc/logrotate"
+for ((i = 0; i < 60; ++i)); do http_status http://service.norvane.example/health/live || true; done >"$root/answers" & asking=$!
+for ((round = 0; round < 3; ++round)); do
+  sleep 0.2
+  kill -"$reload" "${servers[-1]}"
+  sleep 0.2
+  PATH=$root/bin:$PATH logrotate --force --state "$root/rotated" "$root/etc/logrotate"
+done
+wait $asking
+[[ $(sed 's/200/./g' "$root/answers" | tr -d '.') == '' ]] || fail "a request is lost in a reload: $(<"$root/answers")"
+http_status "http://service.norvane.example/metrics" >"$root/answers"
+until [[ -s $root/logs/access.log ]]; do sleep 0.1; done # lighttpd writes now and then
 grep -qx 'nvservice_requests_total{program="svcapp",status="403"} 1' "$root/page" || fail "requests are not counted"
 [[ $(stat -c %a "$root"/state/accounts.sqlite*) == 600$'\n'600 ]] || fail "others can read the accounts"
 token=$(post https session-token svcapp.cgi | cut -c 17- | sed -E 's/(..)../\1/g' | xxd -r -p)
@@ -131,6 +121,11 @@ done
 [[ $(post https sign-in svcapp.cgi) == 14000000 ]] || fail "another status when the database is locked"
 expect http search mapstore2.cgi "$(example 'search reply')"
 kill $locker
+if [[ $server == nginx ]]; then
+  answers=$(get -o "$root/page" -w '%{http_code}\n' 'http://service.norvane.example/index.htm?[1-400]' | sort | uniq -c)
+  [[ $answers =~ ([0-9]+)\ 200.*\ 429 && ${BASH_REMATCH[1]} -ge 100 ]] || fail "one address is not limited: $answers"
+  sleep 1
+fi
 rm "$root"/run/svcuser.socket*
 [[ $(page https) == *' 50'? ]] || fail "the account page opens without its program"
 stop # and so write the logs
