@@ -2,10 +2,12 @@
 // A request whose process is killed is sent again, as a client would. Afterwards nothing that was acknowledged may be
 // missing, and nothing half done may be there. scripts/service_load.sh is the command for it.
 //
-// nvservice-load SERVER-PID REQUESTS AT-A-TIME KILLS
+// nvservice-load SERVER-PID REQUESTS AT-A-TIME KILLS [GUESSERS]
 //
-// KILLS is how many processes of the pools are killed in a second, in the middle of their work. The environment is that
-// of "service.sh env", and NV_SERVICE_DATABASE.
+// KILLS is how many processes of the pools are killed in a second, in the middle of their work. Each user says by
+// X-Forwarded-For that he has an address of his own, which counts where the service trusts this machine. Meanwhile so
+// many GUESSERS try passwords of the same users, each request from another address. The environment is that of
+// "service.sh env", and NV_SERVICE_DATABASE.
 #include <curl/curl.h>
 #include <signal.h>
 
@@ -98,6 +100,11 @@ class Watch {
   std::jthread thread;
 };
 
+// One of 65,536 in a network of so many.
+std::string Address(const char* network, int number) {
+  return std::string(network) + '.' + std::to_string(number / 256 % 256) + '.' + std::to_string(number % 256);
+}
+
 struct Request {
   std::string path;
   std::string body;                                 // none: a GET
@@ -107,7 +114,11 @@ struct Request {
 // One request on its way.
 class Exchange {
  public:
-  Exchange(int requestNumber, const Request& request) : number(requestNumber) {
+  Exchange(int requestNumber, const Request& request, const char* network = "10.1")
+      : number(requestNumber),
+        headers(curl_slist_append(nullptr, ("X-Forwarded-For: " + Address(network, number)).c_str()),
+                &curl_slist_free_all) {
+    curl_easy_setopt(easy.get(), CURLOPT_HTTPHEADER, headers.get());
     const bool secure = request.path != "mapstore2.cgi";
     const std::string url = (secure ? "https://" : "http://") + host + "/cgi-bin/" + request.path;
     curl_easy_setopt(easy.get(), CURLOPT_URL, url.c_str());
@@ -140,6 +151,7 @@ class Exchange {
   }
 
   const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> easy{curl_easy_init(), &curl_easy_cleanup};
+  const std::unique_ptr<curl_slist, decltype(&curl_slist_free_all)> headers;
   const std::unique_ptr<curl_slist, decltype(&curl_slist_free_all)> route{Route(), &curl_slist_free_all};
 
   static curl_slist* Route() {
@@ -227,13 +239,38 @@ std::string SignedIn(int operation, int number) {
   return Int(operation) + Text(User(number)) + Text("secret " + std::to_string(number));
 }
 
+// Tries passwords of the users, one after the other, as long as it lives.
+class Guesser {
+ public:
+  Guesser(int firstUser, int userCount)
+      : thread([this, firstUser, userCount](const std::stop_token& stop) {
+          for (int number = firstUser; !stop.stop_requested(); ++number) {
+            const std::string guess = Int(8) + Text(User(number % userCount)) + Text("a guess") + Int(-1);
+            Exchange exchange(number, {"svcapp.cgi", guess}, "10.2");
+            if (curl_easy_perform(exchange.Handle()) != CURLE_OK) continue;
+            ++(exchange.HttpStatus() == 429 ? refused : answered);
+          }
+        }) {}
+
+  std::atomic<int> answered = 0;
+  std::atomic<int> refused = 0;
+
+ private:
+  std::jthread thread;
+};
+
 bool Check(const char* what, const std::string& found, const std::string& expected) {
   std::printf("  %s: %s\n", what, found.c_str());
   return found == expected;
 }
 
-bool Run(int requests, int atATime, Watch& watch) {
+bool Run(int requests, int atATime, int guesserCount, Watch& watch) {
   Load load(requests, atATime, watch);
+  constexpr int guessedUsers = 10;
+  std::vector<std::unique_ptr<Guesser>> guessers;
+  while (static_cast<int>(guessers.size()) < guesserCount) {
+    guessers.push_back(std::make_unique<Guesser>(static_cast<int>(guessers.size()) * 10'000, guessedUsers));
+  }
   std::vector<std::string> tokens(static_cast<std::size_t>(requests));
   load.Run("search", [](int) {
     const std::string points(32, '\0');  // two points, both at 0, 0
@@ -258,10 +295,19 @@ bool Run(int requests, int atATime, Watch& watch) {
         "svcuser.cgi?session=" + tokens[static_cast<std::size_t>(number)], "",
         [number](const std::string& page) { return page.find("<b>" + User(number) + "</b>") != std::string::npos; }};
   });
+  for (const auto& guesser : guessers) {
+    std::printf("  a guesser: %d guesses answered, %d refused\n", guesser->answered.load(), guesser->refused.load());
+  }
+  guessers.clear();
   const std::string address = std::getenv("NV_SERVICE_DATABASE");
   const auto database = nvsupport::service::OpenDatabase(address);
   bool whole =
       Check("accounts in the database", database->Run("SELECT count(*) FROM account")[0][0], std::to_string(requests));
+  if (guesserCount > 0) {  // the service trusts this machine
+    whole = Check("addresses of users, as the balancer tells them",
+                  database->Run("SELECT count(DISTINCT address) FROM known_address")[0][0], std::to_string(requests)) &&
+            whole;
+  }
   if (!address.starts_with("postgresql:")) {
     whole = Check("integrity of the file", database->Run("PRAGMA integrity_check")[0][0], "ok") && whole;
   }
@@ -271,13 +317,14 @@ bool Run(int requests, int atATime, Watch& watch) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 5) {
-    std::fputs("usage: nvservice-load SERVER-PID REQUESTS AT-A-TIME KILLS\n", stderr);
+  if (argc != 5 && argc != 6) {
+    std::fputs("usage: nvservice-load SERVER-PID REQUESTS AT-A-TIME KILLS [GUESSERS]\n", stderr);
     return 2;
   }
   curl_global_init(CURL_GLOBAL_DEFAULT);
   Watch watch(std::atoi(argv[1]), std::atoi(argv[4]));
-  const bool whole = Run(std::atoi(argv[2]), std::atoi(argv[3]), watch);
+  const int guessers = argc > 5 ? std::atoi(argv[5]) : 0;
+  const bool whole = Run(std::atoi(argv[2]), std::atoi(argv[3]), guessers, watch);
   std::puts(whole ? "  nothing is missing" : "  SOMETHING IS MISSING");
   return whole ? 0 : 1;
 }
