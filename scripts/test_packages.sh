@@ -29,7 +29,11 @@ mkdir "$root/trial" "$root/trial/files"
 cp build/packages/*.deb "$root/trial"
 dpkg-source -x build/packages/*.dsc "$root/trial/source" >/dev/null
 
-state() { (cd "$root" && find . -path ./trial -prune -o -path './var/*' -prune -o -path './run/*' -prune -o -print | sort); }
+# The user of a service stays by Debian's custom, and so do former versions of the lists of users.
+state() {
+  (cd "$root" && find . -path ./trial -prune -o -path './var/*' -prune -o -path './run/*' -prune -o \
+    -path './etc/*-' -prune -o -print | sort)
+}
 install() {
   within "$root" /trial sh -c "apt-get install -q -y --no-install-recommends $1 >log 2>&1 || { cat log; exit 1; }"
 }
