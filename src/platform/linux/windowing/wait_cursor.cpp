@@ -1,6 +1,7 @@
 #include "wait_cursor.h"
 
 #include <dlfcn.h>
+#include <link.h>
 #include <unistd.h>
 #include <xcb/xcb.h>
 #include <xcb/xcb_cursor.h>
@@ -166,7 +167,13 @@ base::ProcessWide<std::unique_ptr<WaitCursor>> shown;
 }  // namespace
 
 bool MayHaveWindows() {
-  return Library("libxcb.so.1", RTLD_NOLOAD).IsThere();
+  const char* const server = std::getenv("DISPLAY");
+  if (server == nullptr || *server == '\0') return false;
+  // By name, because dlopen looks for the file of a library that is not loaded, at each exchange.
+  const auto isXcb = [](dl_phdr_info* loaded, std::size_t, void*) {
+    return std::string_view(loaded->dlpi_name).ends_with("/libxcb.so.1") ? 1 : 0;
+  };
+  return dl_iterate_phdr(isXcb, nullptr) != 0;
 }
 
 // Without memory no cursor is shown; there is nobody to tell.

@@ -10,7 +10,7 @@
 
 namespace windowing {
 
-// False if the process has not loaded the library of the X server, and so can have no window there.
+// False if the process can have no window on an X server: none is named, or its library is not loaded.
 bool MayHaveWindows();
 
 // May be called on any thread, but on one at a time. Takes some milliseconds, in which it talks to the server.
