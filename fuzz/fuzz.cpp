@@ -1,5 +1,5 @@
 // usage: nvfuzz [OPTIONS OF LIBFUZZER] [FOLDER FOR NEW INPUTS] CORPUS/TARGET
-// The last folder's name says which target is run.
+// The last folder that is named like a target says which one is run.
 #include "fuzz.h"
 
 #include <sys/mman.h>
@@ -38,11 +38,14 @@ std::string FileWith(std::string_view bytes) {
 
 extern "C" int LLVMFuzzerInitialize(int* count, char*** arguments) {
   using namespace nvsupport::fuzz;
-  const std::string name = std::filesystem::path((*arguments)[*count - 1]).filename();
-  Choose(fileTargets, name);
-  Choose(replyTargets, name);
+  for (int i = 1; i < *count; ++i) {  // libFuzzer puts options of its own behind them when it merges
+    const std::string name = std::filesystem::path((*arguments)[i]).filename();
+    Choose(fileTargets, name);
+    Choose(replyTargets, name);
+    Choose(serverTargets, name);
+  }
   if (chosen != nullptr) return 0;
-  std::fprintf(stderr, "no fuzz target %s\n", name.c_str());
+  std::fputs("no folder has the name of a fuzz target\n", stderr);
   std::exit(2);
 }
 

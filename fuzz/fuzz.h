@@ -14,6 +14,7 @@ struct Target {
 
 extern const Target fileTargets[8];
 extern const Target replyTargets[5];
+extern const Target serverTargets[5];
 
 // Ends the process, for properties that do not hold.
 void Require(bool holds);

@@ -22,7 +22,7 @@ if [[ ${1:-} == play ]]; then
 fi
 seconds=${1:-10} seed=${2:-$(date +%s)}
 cmake --preset release >/dev/null
-cmake --build --preset release --target svcapp svcuser mapstore2 >/dev/null
+cmake --build --preset release --target svcapp svcuser mapstore2 nvservice >/dev/null
 "${own_disk[@]}" true 2>/dev/null || own_disk=()
 play() { # DATABASE [COMMAND IN FRONT]...
   echo "$1, seed $seed, $seconds s"

@@ -150,6 +150,15 @@ class Listener {
   sigset_t waiting = {};
 };
 
+// A crash leaves no memory image, and only the owner can read the files that the program creates.
+void KeepSecrets() {
+  const rlimit none = {0, 0};
+  setrlimit(RLIMIT_CORE, &none);
+  umask(S_IRWXG | S_IRWXO);
+}
+
+}  // namespace
+
 void AnswerByFastCgi(const char* name, const Handler& answer, std::int64_t requests) {
   const Listener listener;
   FCGX_Init();
@@ -163,15 +172,6 @@ void AnswerByFastCgi(const char* name, const Handler& answer, std::int64_t reque
     FCGX_Finish_r(&accepted);
   }
 }
-
-// A crash leaves no memory image, and only the owner can read the files that the program creates.
-void KeepSecrets() {
-  const rlimit none = {0, 0};
-  setrlimit(RLIMIT_CORE, &none);
-  umask(S_IRWXG | S_IRWXO);
-}
-
-}  // namespace
 
 std::string Request::Variable(const char* name) const {
   const char* const value = Find(name);

@@ -4,6 +4,7 @@
 #define NVSUPPORT_SERVICE_CGI_H
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -42,6 +43,9 @@ using Handler = std::function<Reply(Request&)>;
 // NV_SERVICE_PROCESSES             how many processes there are (4)
 // NV_SERVICE_REQUESTS_PER_PROCESS  after so many requests a process is replaced (10000)
 int Serve(const char* name, const Handler& answer);
+
+// The part of Serve that one process does: answers so many requests by FastCGI, or until SIGTERM.
+void AnswerByFastCgi(const char* name, const Handler& answer, std::int64_t requests);
 
 enum class Transport { any, secureOnly };
 

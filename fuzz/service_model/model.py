@@ -49,6 +49,9 @@ class World:
         status = self.prove(password)
         return status, replace(self, tokens=self.tokens | {token}) if status == DONE and token else self
 
+    def delete(self):
+        return (DONE if self.password else NO_USER), World()
+
     def page(self, token):
         return 200 if token in self.tokens else 403, self
 

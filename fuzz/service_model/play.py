@@ -20,7 +20,7 @@ import sys
 import threading
 import time
 
-from model import DONE, FAILED, Account, key
+from model import DONE, FAILED, NO_USER, Account, key
 
 CLIENTS = 4
 seconds, seed, folder = float(sys.argv[1]), sys.argv[2], pathlib.Path(sys.argv[3])
@@ -134,6 +134,12 @@ class Client(threading.Thread):
             self.tokens.append(token)
         self.check(user, "open", reply and reply[0], password, token)
 
+    def delete(self, user):
+        """As an operator does it."""
+        done = subprocess.run(["build/release/service/nvservice", "delete-account", self.write(user)], capture_output=True, text=True)
+        answer = DONE if done.returncode == 0 else NO_USER if "no such account" in done.stderr else None
+        self.check(user, "delete", answer)
+
     def page(self, user):
         token = self.dice.choice(self.tokens[-5:])
         verb = "POST" if self.dice.random() < 0.2 else "GET"
@@ -146,7 +152,7 @@ class Client(threading.Thread):
         self.check(owner, "page" if verb == "GET" else "end", reply and reply[0], token)
 
     def run(self):
-        ways = [self.create] * 2 + [self.sign_in] * 3 + [self.name] * 2 + [self.open] * 2 + [self.page] * 3
+        ways = [self.delete] + [self.create] * 3 + [self.sign_in] * 3 + [self.name] * 2 + [self.open] * 2 + [self.page] * 3
         while time.monotonic() < end and not wrong.is_set():
             self.dice.choice(ways)(self.dice.choice(self.users))
 
