@@ -18,7 +18,7 @@ for file in $(grep -oP '`\K[a-z_/]+\.(cpp|h|rc|sh)(?=`)' docs/architecture.md | 
 done
 
 for package in $(sed -n '/^Build-Depends/,/^Standards/s/^ \([a-z0-9.+-]*\).*/\1/p' debian/control); do
-  [[ $package == debhelper-compat ]] || grep -qF "\`$package\`" docs/dependencies.md ||
+  [[ $package == debhelper-compat || $package == dh-* ]] || grep -qF "\`$package\`" docs/dependencies.md ||
     complain "docs/dependencies.md lacks $package"
 done
 
