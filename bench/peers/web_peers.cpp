@@ -31,6 +31,7 @@ std::size_t ToFile(char* data, std::size_t unit, std::size_t size, void* file) {
 class Client {
  public:
   explicit Client(bool keepHandle, bool delayed = false) : keep(keepHandle) {
+    curl_global_init(CURL_GLOBAL_DEFAULT);
     const LocalServer& server = Server();
     for (const std::string& route :
          {Route(webHost, 80, server.plain), Route(delayedHost, 80, server.delayedPlain),
