@@ -46,9 +46,9 @@ struct Candidate {
 
 class AccountStore {
  public:
-  static constexpr std::int64_t mostComputers = 100;                 // of one account
-  static constexpr std::int64_t mostNetworks = 20;                   // of one account; the least recently used go first
-  static constexpr std::int64_t networkSeconds = 90 * 24 * 60 * 60;  // after its last use a network is known so long
+  static constexpr std::int64_t mostComputers = 100;  // of one account
+  static constexpr std::int64_t mostNetworks = 20;    // of one account; the least recently used go first
+  static constexpr std::int64_t networkSeconds = 90L * 24 * 60 * 60;  // after its last use a network is known so long
 
   // The database is used as long as the store lives. Throws std::runtime_error if it cannot be used; so does every
   // operation.
