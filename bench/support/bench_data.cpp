@@ -1,5 +1,7 @@
 #include "bench_data.h"
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -81,6 +83,12 @@ std::vector<std::int64_t> Sizes(const std::string& prefix, const std::string& ex
   }
   std::sort(sizes.begin(), sizes.end());
   return sizes;
+}
+
+double BeginPeak() {
+  malloc_trim(0);
+  std::ofstream("/proc/self/clear_refs") << 5;
+  return PeakKilobytes();
 }
 
 double PeakKilobytes() {

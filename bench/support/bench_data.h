@@ -17,7 +17,9 @@ std::string DataFile(const std::string& name);
 std::vector<std::int64_t> Sizes(const std::string& prefix, const std::string& extension);
 std::vector<std::string> LinesOf(const std::string& path);
 std::string TemporaryFolder();
-// The most memory that this process has had resident.
+// Memory that this process has resident, once the heap has given back what it does not need.
+double BeginPeak();
+// The most since then.
 double PeakKilobytes();
 
 // One benchmark JOB/N for each such file.
