@@ -56,7 +56,7 @@ class DialogLooks : public ::testing::Test {
       {"sign_in", [this] { session.Login(owner); }},
       {"create_account", [this] { session.CreateAccount(owner); }},
       {"computer_name", [this] { session.SetDeviceName(owner); }},
-      {"message", [this] { ShowMessage(owner, MB_ICONERROR, "No <b>bold</b> & no end."); }},
+      {"message", [this] { ShowMessage(owner, MB_ICONERROR, "No <b>!</b>"); }},
   };
 };
 
@@ -210,12 +210,14 @@ TEST_F(DialogLooks, GiveTheTextOfAMessageToTheClipboard) {
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_C, Qt::ControlModifier);
     const std::string line(27, '-');
     EXPECT_EQ(QApplication::clipboard()->text().toStdString(),
-              line + "\nCaption\n" + line + "\nNo <b>bold</b> & no end.\n" + line + "\nOK\n" + line + '\n');
+              line + "\nCaption\n" + line + "\nNo <b>!</b>\n" + line + "\nOK\n" + line + '\n');
     auto* const text = window.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
     QTest::mouseDClick(text, Qt::LeftButton, {}, {5, text->height() / 2});
     EXPECT_EQ(text->selectedText(), QStringLiteral("No"));
     text->setSelection(0, static_cast<int>(text->text().size()));
     EXPECT_EQ(text->selectedText(), text->text()) << "the user reads all of it";
+    auto* const picture = window.findChild<QLabel*>(QStringLiteral("qt_msgboxex_icon_label"));
+    EXPECT_TRUE(picture != nullptr && !picture->pixmap().isNull()) << "an error has its sign";
     EXPECT_TRUE(window.findChild<QPushButton*>()->icon().isNull()) << "as in the dialogs, which have no room for one";
   });
 }
@@ -248,6 +250,7 @@ TEST_F(DialogLooks, TellATextThatDoesNotFitByAToolTip) {
            const std::string tip = window.findChild<QWidget*>(QString::number(id))->toolTip().toStdString();
            EXPECT_TRUE(tip.starts_with("A text that does not fit &lt;b&gt;here&lt;/b&gt;xxx")) << id << ' ' << tip;
          }
+         EXPECT_EQ(window.findChild<QLabel*>(QStringLiteral("65535"))->textFormat(), Qt::PlainText);
        });
 }
 
