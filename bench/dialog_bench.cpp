@@ -57,7 +57,7 @@ void EnsureApplication() {
   static int argumentCount = 1;
   static char program[] = "nvsupport-bench";
   static char* arguments[] = {program, nullptr};
-  static auto* const application = new QApplication(argumentCount, arguments);
+  static auto* application = new QApplication(argumentCount, arguments);
   benchmark::DoNotOptimize(application);
 }
 

@@ -50,7 +50,7 @@ Tally downloads, ranges, searches, tokens;
 // What one thread draws its choices and the numbers of its requests from.
 class Dice {
  public:
-  Dice(std::uint64_t seed, unsigned thread) : engine(seed * 64 + thread), number(1 + thread) {}
+  Dice(std::uint64_t seed, unsigned thread) : engine(seed * 64 + thread), number(1 + static_cast<int>(thread)) {}
   int Below(int limit) { return static_cast<int>(engine() % static_cast<std::uint64_t>(limit)); }
   // Never twice in a run; below 90 million, so that it can be a latitude.
   int NextNumber() { return number += 8; }

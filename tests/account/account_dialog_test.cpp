@@ -170,8 +170,8 @@ TEST_F(AccountDialogs, TellsTheUserOfEachFailureAndLetsHimTryAgain) {
     const std::string before = Profile();
     // A known address alone leads out of the dialog.
     const bool stays = reply != Int(13);
-    const Step again = Sees(tried.title, [this, field = field](HWND dialog) {
-      EXPECT_EQ(person.selectedWhole, GetDlgItem(dialog, field));
+    const Step again = Sees(tried.title, [this, corrected = field](HWND dialog) {
+      EXPECT_EQ(person.selectedWhole, GetDlgItem(dialog, corrected));
     });
     const Steps tryTwice = {Clicks(IDOK), again, Clicks(IDOK), again, Clicks(IDCANCEL)};
     EXPECT_FALSE(Run(tried.fill + (stays ? tryTwice : Steps{Clicks(IDOK)}), tried.operation));

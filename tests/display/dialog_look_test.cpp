@@ -227,9 +227,9 @@ TEST_F(DialogLooks, HaveTheMenuOfTheirEditsInTheLanguageInForce) {
       {"Deutsch", "&Ausschneiden"}, {"Francais", "Co&uper"}, {"Nederlands", "Kni&ppen"}, {"", "Cu&t"}};
   for (const auto& [language, cut] : cuts) {
     platform::SetDisplayLanguage(language);
-    Show(openings.at("sign_in"), [&, cut = cut](const QWidget& window) {
+    Show(openings.at("sign_in"), [&, shown = cut](const QWidget& window) {
       const std::unique_ptr<QMenu> menu(window.findChild<QLineEdit*>()->createStandardContextMenu());
-      EXPECT_EQ(menu->actions().at(3)->text().section(QLatin1Char('\t'), 0, 0).toStdString(), cut);
+      EXPECT_EQ(menu->actions().at(3)->text().section(QLatin1Char('\t'), 0, 0).toStdString(), shown);
     });
   }
 }
