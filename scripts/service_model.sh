@@ -10,7 +10,7 @@ cd "$(dirname "$0")/.."
 own_disk=(unshare --map-current-user --keep-caps --mount)
 if [[ ${1:-} == play ]]; then
   work=$(mktemp -d)
-  trap 'service/service.sh stop "$work"; umount "$work/disk" 2>/dev/null; rm -rf "$work"' EXIT
+  trap 'service/service.sh stop "$work"; umount "$work/disk" 2>/dev/null || true; rm -rf "$work"' EXIT
   mkdir "$work/disk"
   if [[ ! ${NV_SERVICE_DATABASE:-} ]]; then
     export NV_SERVICE_DATABASE=$work/disk/accounts.sqlite
