@@ -125,8 +125,10 @@ std::unique_ptr<Database> OpenSqliteSnapshot(const std::string& path) {
   const NamelessFile copy;
   FileQueue queue(path + "-queue");
   queue.Enter();
-  SqliteFile(path, SqliteFile::Mode::shared)
-      .Execute("SELECT 1 FROM sqlite_master");  // undoes what a killed process left
+  // Keeps those out who do not stand in the queue, such as an operator's own tools, and undoes what a killed process
+  // left.
+  SqliteFile held(path, SqliteFile::Mode::shared);
+  held.Execute("BEGIN; SELECT 1 FROM sqlite_master");
   std::filesystem::copy_file(path, copy.path, std::filesystem::copy_options::overwrite_existing);
   queue.Leave();
   return OpenBackup(copy.path);
