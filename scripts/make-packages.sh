@@ -33,7 +33,8 @@ if (($#)); then
     dpkg-buildpackage -us -uc'
   cp "$work"/root/build/*.* "$packages"
 else
-  (cd "$packages/$name" && dpkg-buildpackage -us -uc)
+  # A compiler cache with a base folder would name the sources relative to it.
+  (cd "$packages/$name" && CCACHE_BASEDIR='' dpkg-buildpackage -us -uc)
 fi
 rm -r "${packages:?}/$name"
 ls "$packages"

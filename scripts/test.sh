@@ -45,7 +45,7 @@ readonly steps=(
   "bare scripts/check-bare.sh"         # the module alone, and what its build asks for
   "documents scripts/check-docs.sh"    # spelling, links, and manuals against the programs
   "install scripts/test_install.sh"    # an installation, with hosts built against it
-  "packages scripts/test_packages.sh"  # the Debian packages, tried in a root of their own
+  "packages scripts/test_packages.sh"  # the Debian packages, tried in a root of their own; the library's twice
   "threads test_threads"               # what has threads, under ThreadSanitizer
   "tests test_all"                     # every test, under AddressSanitizer and UndefinedBehaviorSanitizer
   "fuzz scripts/fuzz.sh"               # every fuzz target, five seconds each
