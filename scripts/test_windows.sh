@@ -20,7 +20,7 @@ if [[ ${1:-} != in-own-network ]]; then
   cmake --build --preset windows --target nvsupport nvsupport_catalogues nvhost minimal nv_module_host nv_paired_host nv_unit_tests
   scripts/check-exports.sh "$dll"
   cmake --preset windows32 >/dev/null
-  cmake --build --preset windows32 --target nvsupport nvhost minimal
+  cmake --build --preset windows32 --target nvsupport minimal
   scripts/check-exports.sh build/windows32/nvsupport.dll
   cmake --preset release >/dev/null
   cmake --build --preset release --target svcapp svcuser mapstore2 nvsupport nvsupport-web nv_paired_host
