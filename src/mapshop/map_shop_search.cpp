@@ -8,7 +8,7 @@
 #include <limits>
 #include <list>
 #include <new>
-#include <string>
+#include <string_view>
 
 #include "base/process_wide.h"
 #include "wire/web_binary_cgi.h"
@@ -45,9 +45,9 @@ constexpr std::int32_t maxPoints = std::numeric_limits<std::int32_t>::max() / si
 // Anyone on the network path can send an endless reply, which must not take the host's memory.
 constexpr std::int32_t maxItems = 1000000;
 
-constexpr char packageSuffix[] = ".nvpkg";
-constexpr char packagePrefix[] = "Package: ";
-constexpr std::size_t maxPackageTitle = sizeof MapShopItem::title - sizeof packagePrefix;  // without the prefix
+constexpr std::string_view packageSuffix = ".nvpkg";
+constexpr std::string_view packagePrefix = "Package: ";
+constexpr std::size_t maxPackageTitle = sizeof MapShopItem::title - 1 - packagePrefix.size();  // without the prefix
 
 // False for a NaN, which the service may judge.
 bool IsOutOfRange(const MapShopPoint& point) {
@@ -68,16 +68,18 @@ void WriteRequest(CTypeSerializer& channel, const MapShopPoint* points, std::int
   channel.WriteValue(closingWord);
 }
 
-bool IsPackage(const char* fileReference) {
-  const char* suffix = std::strrchr(fileReference, '.');
-  return suffix != nullptr && _mbsicmp(reinterpret_cast<const unsigned char*>(suffix),
-                                       reinterpret_cast<const unsigned char*>(packageSuffix)) == 0;
+bool IsPackage(const char* fileReference, std::size_t length) {
+  if (length < packageSuffix.size()) return false;
+  const char* const suffix = fileReference + length - packageSuffix.size();
+  return _mbsicmp(reinterpret_cast<const unsigned char*>(suffix),
+                  reinterpret_cast<const unsigned char*>(packageSuffix.data())) == 0;
 }
 
-void MarkPackage(MapShopItem& item) {
-  if (!IsPackage(item.fileReference)) return;
-  const std::string title = packagePrefix + std::string(item.title).substr(0, maxPackageTitle);
-  std::memcpy(item.title, title.c_str(), title.size() + 1);
+void MarkPackage(char* title, std::size_t length) {
+  const std::size_t kept = std::min(length, maxPackageTitle);
+  std::memmove(title + packagePrefix.size(), title, kept);
+  packagePrefix.copy(title, packagePrefix.size());
+  title[packagePrefix.size() + kept] = '\0';
 }
 
 // Puts an item down as it comes, the texts with their terminators, in no more bytes than the host's record has. Returns
@@ -103,17 +105,23 @@ char* ReadItem(CTypeSerializer& channel, char* place) {
 
 // Makes the host's record, all bytes of it, of what ReadItem put down; returns the place behind that.
 const char* MakeRecord(const char* place, MapShopItem& item) {
-  const auto take = [&place](void* field, std::size_t size) {
-    std::memcpy(field, place, size);
-    place += size;
+  const auto takeText = [&place](char* field) {
+    const std::size_t length = std::strlen(place);
+    std::memcpy(field, place, length + 1);
+    place += length + 1;
+    return length;
+  };
+  const auto takeValue = [&place](std::int32_t& value) {
+    std::memcpy(&value, place, sizeof value);
+    place += sizeof value;
   };
   item = {};
-  take(item.title, std::strlen(place) + 1);
-  take(&item.firstValue, sizeof item.firstValue);
-  take(item.shortText, std::strlen(place) + 1);
-  take(item.fileReference, std::strlen(place) + 1);
-  take(&item.secondValue, sizeof item.secondValue);
-  MarkPackage(item);
+  const std::size_t titleLength = takeText(item.title);
+  takeValue(item.firstValue);
+  takeText(item.shortText);
+  const std::size_t fileLength = takeText(item.fileReference);
+  takeValue(item.secondValue);
+  if (IsPackage(item.fileReference, fileLength)) MarkPackage(item.title, titleLength);
   return place;
 }
 

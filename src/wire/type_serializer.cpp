@@ -95,6 +95,12 @@ bool CTypeSerializer::ReadString(std::string& text) {
 bool CTypeSerializer::ReadFixedString(char* field, std::int32_t width) {
   const std::optional<std::uint32_t> length = ReadLength();
   if (!length) return false;
+  if (*length < static_cast<std::uint32_t>(width) && *length <= UnitsAhead()) {
+    // It fits and is there, so nothing can go wrong any more.
+    TakeUnits(*length, field, *length);
+    field[*length] = '\0';
+    return true;
+  }
   std::array<char, maxFieldWidth + 1> text;
   const std::uint32_t taken = std::min(*length, static_cast<std::uint32_t>(width));
   if (ReadUnits(*length, text.data(), taken) < *length) return false;
@@ -120,11 +126,9 @@ std::optional<std::uint32_t> CTypeSerializer::ReadLength() {
 std::uint32_t CTypeSerializer::ReadUnits(std::uint32_t length, char* text, std::uint32_t room) {
   std::uint32_t done = 0;
   while (done < length) {
-    const std::uint32_t ahead = std::min((readEnd - readPos) / UnitSize(), length - done);
-    const std::uint32_t kept = std::min(ahead, room - std::min(done, room));
-    Narrow(readAhead + readPos, kept, text + std::min(done, room));
-    readPos += ahead * UnitSize();
-    count += ahead * UnitSize();
+    const std::uint32_t ahead = std::min(UnitsAhead(), length - done);
+    const std::uint32_t written = std::min(done, room);
+    TakeUnits(ahead, text + written, std::min(ahead, room - written));
     done += ahead;
     if (done == length) break;
     char unit[2] = {};
@@ -136,13 +140,16 @@ std::uint32_t CTypeSerializer::ReadUnits(std::uint32_t length, char* text, std::
   return done;
 }
 
-void CTypeSerializer::Narrow(const std::uint8_t* units, std::uint32_t length, char* text) const {
+void CTypeSerializer::TakeUnits(std::uint32_t length, char* text, std::uint32_t kept) {
+  const std::uint8_t* const units = readAhead + readPos;
+  readPos += length * UnitSize();
+  count += length * UnitSize();
   if (!wide) {
-    std::copy_n(units, length, text);
+    std::copy_n(units, kept, text);
     return;
   }
   // The low byte of each; the other one only repeats the sign.
-  for (std::uint32_t unit = 0; unit < length; ++unit) text[unit] = static_cast<char>(units[std::size_t{2} * unit]);
+  for (std::size_t unit = 0; unit < kept; ++unit) text[unit] = static_cast<char>(units[2 * unit]);
 }
 
 }  // namespace nvsupport

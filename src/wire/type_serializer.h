@@ -60,13 +60,16 @@ class CTypeSerializer {
 
  private:
   std::uint32_t UnitSize() const { return wide ? 2 : 1; }
+  // Whole ones that are read ahead.
+  std::uint32_t UnitsAhead() const { return wide ? (readEnd - readPos) / 2 : readEnd - readPos; }
   // Puts down the units of a text; returns the bytes that they take up.
   std::size_t Encode(std::string_view text, char* to) const;
   // The length of a text; nothing if it did not come or is over the limit.
   std::optional<std::uint32_t> ReadLength();
   // Reads `length` units and puts the first of them down as characters, as far as there is room; returns how many came.
   std::uint32_t ReadUnits(std::uint32_t length, char* text, std::uint32_t room);
-  void Narrow(const std::uint8_t* units, std::uint32_t length, char* text) const;
+  // Takes `length` units that were read ahead and puts the first `kept` of them down as characters.
+  void TakeUnits(std::uint32_t length, char* text, std::uint32_t kept);
 };
 
 }  // namespace nvsupport

@@ -83,6 +83,8 @@ TEST(MapShopSearch, MarksPackagesByTheSuffixOfTheirFileAndCutsTexts) {
       {"nvpkg", "Sea", "Sea"},
       {"folder/a.NvPkG", "Sea", "Package: Sea"},
       {"a-nvpkg", "Sea", "Sea"},
+      {"a.nvpkg.map", "Sea", "Sea"},
+      {"a.nvpkg\0.map"s, "Sea\0land"s, "Package: Sea"},
       {"a.nvpkg", text(190), "Package: " + text(190)},
       {"a.nvpkg", text(191), "Package: " + text(190)},
       {"a.nvpkg", text(189, "\u00e9"), "Package: " + text(189, "\xc3")},
@@ -104,8 +106,8 @@ TEST(MapShopSearch, MarksPackagesByTheSuffixOfTheirFileAndCutsTexts) {
     EXPECT_TRUE(NSMapShopGetNext(results, &item)) << row.file;
     EXPECT_EQ(record.find('\xaa'), std::string::npos) << "all of the record is written";
     EXPECT_EQ(item.title, row.shown) << row.file;
-    EXPECT_EQ(item.shortText, row.file.substr(0, 99));
-    EXPECT_EQ(item.fileReference, row.file.substr(0, 999));
+    EXPECT_STREQ(item.shortText, row.file.substr(0, 99).c_str());
+    EXPECT_STREQ(item.fileReference, row.file.substr(0, 999).c_str());
     NSMapShopClose(results);
   }
 }
