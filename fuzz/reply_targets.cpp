@@ -55,8 +55,7 @@ void Account(std::string_view reply) {
     PlayedUser::Types(IDC_RETYPE_PASSWORD, "secret")(dialog);
     PlayedUser::Clicks(IDOK)(dialog);
   };
-  Run(
-      reply, [](Session& session) { session.CreateAccount(nullptr); }, retypesAndAccepts);
+  Run(reply, [](Session& session) { session.CreateAccount(nullptr); }, retypesAndAccepts);
 }
 
 void Token(std::string_view reply) {

@@ -15,5 +15,5 @@ if [[ $pattern == --fast ]]; then
 fi
 scripts/install-packages.sh test
 cmake --preset dev >/dev/null
-run-clang-tidy -quiet -p build/dev "${options[@]}" "$PWD/$pattern" 2>/dev/null
+run-clang-tidy-19 -quiet -p build/dev "${options[@]}" "$PWD/$pattern" 2>/dev/null
 echo "clang-tidy: nothing found"

@@ -13,7 +13,7 @@ cd "$(dirname "$0")/.."
 export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_DIR=$PWD/build/ccache
 
 check_format() {
-  git ls-files '*.h' '*.cpp' '*.c' | xargs clang-format --dry-run --Werror
+  git ls-files '*.h' '*.cpp' '*.c' | xargs clang-format-19 --dry-run --Werror
 }
 
 build_release() {

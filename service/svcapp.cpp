@@ -35,9 +35,8 @@ class Program {
     if (path == "/health/write") return Open().Use(TryWriting);
     if (path == "/metrics") return Text(CountersText());
     return AnswerPost(request, AccountService::largestRequest, Transport::secureOnly, [&](std::string_view body) {
-      return Open().Use([&](Accounts& opened) {
-        return opened.service.Answer(body, {request.Address(), std::time(nullptr)});
-      });
+      return Open().Use(
+          [&](Accounts& opened) { return opened.service.Answer(body, {request.Address(), std::time(nullptr)}); });
     });
   }
 

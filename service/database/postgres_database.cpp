@@ -83,8 +83,7 @@ class PostgresDatabase final : public Database {
     if (pq.status(connection.get()) != CONNECTION_OK) {
       throw std::runtime_error(std::string("PostgreSQL: ") + pq.errorMessage(connection.get()));
     }
-    pq.setNoticeProcessor(
-        connection.get(), [](void*, const char*) {}, nullptr);
+    pq.setNoticeProcessor(connection.get(), [](void*, const char*) {}, nullptr);
     if (patience == Patience::ofRequest) {
       RunScript("SET statement_timeout = 1800");  // milliseconds, waiting for locks included
     }

@@ -20,7 +20,7 @@ inline std::optional<std::string> ReadStream(std::FILE* stream, std::size_t limi
   if (std::fseek(stream, 0, SEEK_END) != 0) return std::nullopt;
   const long size = std::ftell(stream);
   if (size < 0 || static_cast<unsigned long>(size) > limit) return std::nullopt;
-  std::rewind(stream);
+  if (std::fseek(stream, 0, SEEK_SET) != 0) return std::nullopt;
   bytes.resize(static_cast<std::size_t>(size));
   bytes.resize(std::fread(bytes.data(), 1, bytes.size(), stream));
   return bytes;

@@ -217,7 +217,7 @@ TEST(KeptConnectionsEngine, LeavesTheHostsSigpipeAsItIs) {
   std::thread another(closeMany);
   closeMany();
   another.join();
-  struct sigaction found {};
+  struct sigaction found{};
   sigaction(SIGPIPE, nullptr, &found);
   EXPECT_EQ(found.sa_handler, SIG_DFL);
 }

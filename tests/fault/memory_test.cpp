@@ -56,8 +56,7 @@ using namespace testing;
 namespace fs = std::filesystem;
 
 // An exception that leaves the road ends the program, as it would the host. Looks after each time.
-void GoShortOfMemory(
-    const std::function<void()>& road, const std::function<void()>& look = [] {}) {
+void GoShortOfMemory(const std::function<void()>& road, const std::function<void()>& look = [] {}) {
   for (const bool lasting : {false, true}) {
     shortageLasts = lasting;
     long place = 0;

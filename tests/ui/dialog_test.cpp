@@ -134,7 +134,9 @@ TEST(InstanceSubclasser, KeepsARecordOfEachUnlessAForeignProcedureStandsBetween)
       EXPECT_TRUE(second.unsubclass(edit));
       EXPECT_EQ(ProcOf(edit), foreign ? &ForeignProc : original);
       first.unsubclass(edit);
-      { const Window tied(edit); }
+      {
+        const Window tied(edit);
+      }
       EXPECT_FALSE(IsWindow(edit)) << "a Window object takes its window with it";
     });
   }

@@ -118,7 +118,7 @@ int CloseStream(void* file) {
 // A file, made if the flags say so. None for a folder, pipe or device, which is not even opened: that may have
 // effects, or wait for a process at the other end.
 Descriptor OpenRegularFile(const NativePath& path, int flags, mode_t rights = 0) {
-  struct stat status {};
+  struct stat status{};
   if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) return {};
   Descriptor file(open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, rights));
   // Something else may have taken its place meanwhile: reading that does no harm, but it must not be written to.
@@ -134,8 +134,8 @@ bool Lock(const Descriptor& file, int kind) {
 }
 
 bool IsStillAt(const NativePath& path, const Descriptor& file) {
-  struct stat atPath {};
-  struct stat opened {};
+  struct stat atPath{};
+  struct stat opened{};
   return lstat(path.c_str(), &atPath) == 0 && fstat(file.get(), &opened) == 0 && atPath.st_ino == opened.st_ino &&
          atPath.st_dev == opened.st_dev;
 }
@@ -143,19 +143,19 @@ bool IsStillAt(const NativePath& path, const Descriptor& file) {
 // Keeps a file from those who would begin to write in it, as long as the descriptor is open. False if it is no file or
 // another has it open without sharing; a file that may not be opened counts as free.
 bool Hold(const NativePath& path, Descriptor& file) {
-  struct stat status {};
+  struct stat status{};
   if (lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
   file = OpenRegularFile(path, O_RDONLY | O_NOFOLLOW);
   return !file || (Lock(file, LOCK_SH) && IsStillAt(path, file));
 }
 
 bool IsLink(const NativePath& path) {
-  struct stat status {};
+  struct stat status{};
   return lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
 }
 
 bool Exists(const NativePath& path) {
-  struct stat status {};
+  struct stat status{};
   return lstat(path.c_str(), &status) == 0;
 }
 
@@ -229,7 +229,7 @@ FileStream OpenFileStream(const char* path, const char* mode) {
 
 DWORD GetFileAttributesA(LPCSTR path) {
   const NativePath native(path);
-  struct stat status {};
+  struct stat status{};
   if (stat(native.c_str(), &status) != 0) {
     const bool couldBeThere = errno == ENOENT && *native.c_str() != '\0';
     SetLastError(couldBeThere ? ERROR_FILE_NOT_FOUND : ERROR_INVALID_NAME);

@@ -17,7 +17,7 @@ std::string Variable(const char* name) {
 }
 
 void AddState(std::vector<std::int64_t>& state, const std::string& path) {
-  struct stat s {};
+  struct stat s{};
   if (stat(path.c_str(), &s) != 0) return;
   state.insert(state.end(), {static_cast<std::int64_t>(s.st_dev), static_cast<std::int64_t>(s.st_ino), s.st_size,
                              s.st_mtim.tv_sec, s.st_mtim.tv_nsec, s.st_ctim.tv_sec, s.st_ctim.tv_nsec});
