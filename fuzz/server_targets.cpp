@@ -2,16 +2,15 @@
 #include <arpa/inet.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "fuzz.h"
 #include "platform/linux/web/web_exchange.h"
@@ -149,17 +148,9 @@ void FastCgi(std::string_view input) {
   const std::string bytes = Record(1, std::string_view("\0\1\0\0\0\0\0\0", 8)) +
                             Record(4, std::string_view(variables).substr(0, 0xFFFF)) + Record(4, "") +
                             Record(5, input.substr(0, 0xFFFF)) + Record(5, "");
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  std::snprintf(address.sun_path, sizeof address.sun_path, "/tmp/nvfuzz-%d", getpid());
-  const auto* const name = reinterpret_cast<const sockaddr*>(&address);
-  static const bool listens = [&] {
-    const int listener = socket(AF_UNIX, SOCK_STREAM, 0);
-    const bool bound = bind(listener, name, sizeof address) == 0 && listen(listener, 4) == 0;
-    return dup2(listener, STDIN_FILENO) == 0 && close(listener) == 0 && bound;
-  }();
-  const int connection = socket(AF_UNIX, SOCK_STREAM, 0);
-  Require(listens && connect(connection, name, sizeof address) == 0);
+  int ends[2] = {};
+  Require(socketpair(AF_UNIX, SOCK_STREAM, 0, ends) == 0);
+  const int connection = ends[0];
   std::thread server([&] {
     send(connection, bytes.data(), bytes.size(), MSG_NOSIGNAL);
     char reply[4096];
@@ -174,7 +165,7 @@ void FastCgi(std::string_view input) {
           return service::StatusReply(service::Status::done, std::string(body));
         });
       },
-      1);
+      1, [&] { return std::exchange(ends[1], -1); });
   server.join();
 }
 

@@ -1,16 +1,12 @@
 #include "service/cgi.h"
 
 #include <fcgiapp.h>
-#include <fcntl.h>
-#include <signal.h>
-#include <sys/epoll.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <charconv>
 #include <chrono>
 #include <cstdio>
@@ -18,11 +14,9 @@
 #include <ctime>
 #include <exception>
 #include <optional>
-#include <system_error>
 
 #include "service/client_address.h"
 #include "service/counters.h"
-#include "service/process_pool.h"
 #include "service/settings.h"
 
 namespace nvsupport::service {
@@ -51,10 +45,7 @@ class CgiRequest final : public Request {
 
 class FastCgiRequest final : public Request {
  public:
-  explicit FastCgiRequest(FCGX_Request& accepted) : request(accepted) {
-    setsockopt(request.ipcFd, SOL_SOCKET, SO_RCVTIMEO, &idleLimit, sizeof idleLimit);
-    setsockopt(request.ipcFd, SOL_SOCKET, SO_SNDTIMEO, &idleLimit, sizeof idleLimit);
-  }
+  explicit FastCgiRequest(FCGX_Request& accepted) : request(accepted) {}
   std::size_t Read(char* to, std::size_t size) override {
     return static_cast<std::size_t>(FCGX_GetStr(to, static_cast<int>(size), request.in));
   }
@@ -119,37 +110,6 @@ void AnswerOne(const char* name, Request& request, const Handler& answer) {
                reply.body.size() + reply.restBytes, reply.reason.c_str());
 }
 
-// The socket on which requests come. Several processes wait at it, and one of them is woken for each request.
-class Listener {
- public:
-  Listener() {
-    epoll_event event = {};
-    event.events = EPOLLIN | EPOLLEXCLUSIVE;
-    // Non-blocking: a process that was woken in vain goes back to Wait and does not hang in accept.
-    if (fcntl(socket, F_SETFL, O_NONBLOCK) != 0 || poller < 0 ||
-        epoll_ctl(poller, EPOLL_CTL_ADD, socket, &event) != 0) {
-      throw std::system_error(errno, std::generic_category(), "waiting for requests");
-    }
-    sigprocmask(SIG_SETMASK, nullptr, &waiting);
-    sigdelset(&waiting, SIGTERM);
-  }
-  Listener(const Listener&) = delete;
-  Listener& operator=(const Listener&) = delete;
-  ~Listener() { close(poller); }
-
-  // False when the process is to end.
-  bool Wait() const {
-    epoll_event event = {};
-    return epoll_pwait(poller, &event, 1, -1, &waiting) > 0;
-  }
-
-  static constexpr int socket = STDIN_FILENO;
-
- private:
-  const int poller = epoll_create1(EPOLL_CLOEXEC);
-  sigset_t waiting = {};
-};
-
 // A crash leaves no memory image, and only the owner can read the files that the program creates.
 void KeepSecrets() {
   const rlimit none = {0, 0};
@@ -159,16 +119,21 @@ void KeepSecrets() {
 
 }  // namespace
 
-void AnswerByFastCgi(const char* name, const Handler& answer, std::int64_t requests) {
-  const Listener listener;
+void AnswerByFastCgi(const char* name, const Handler& answer, std::int64_t requests, const NextConnection& next) {
   FCGX_Init();
   FCGX_Request accepted;
-  FCGX_InitRequest(&accepted, Listener::socket, FCGI_FAIL_ACCEPT_ON_INTR);
-  while (requests > 0 && listener.Wait()) {
+  constexpr int noListener = -1;  // the connections come from elsewhere
+  FCGX_InitRequest(&accepted, noListener, FCGI_FAIL_ACCEPT_ON_INTR);
+  for (int connection = 0; requests > 0 && (connection = next()) >= 0;) {
+    setsockopt(connection, SOL_SOCKET, SO_RCVTIMEO, &idleLimit, sizeof idleLimit);
+    setsockopt(connection, SOL_SOCKET, SO_SNDTIMEO, &idleLimit, sizeof idleLimit);
+    accepted.ipcFd = connection;
+    accepted.keepConnection = 1;  // up to the request that is read from it
     if (FCGX_Accept_r(&accepted) != 0) continue;
     --requests;
     FastCgiRequest request(accepted);
     AnswerOne(name, request, answer);
+    accepted.keepConnection = 0;
     FCGX_Finish_r(&accepted);
   }
 }
@@ -196,7 +161,7 @@ int Serve(const char* name, const Handler& answer) try {
   }
   const std::int64_t processes = NumberSetting("NV_SERVICE_PROCESSES", usualProcesses);
   const std::int64_t requests = NumberSetting("NV_SERVICE_REQUESTS_PER_PROCESS", usualRequests);
-  RunPool(processes, [&] { AnswerByFastCgi(name, answer, requests); });
+  RunPool(STDIN_FILENO, processes, [&](const NextConnection& next) { AnswerByFastCgi(name, answer, requests, next); });
   return EXIT_SUCCESS;
 } catch (const std::exception& error) {
   std::fprintf(stderr, "%s: %s\n", name, error.what());

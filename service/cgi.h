@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "service/process_pool.h"
 #include "service/reply.h"
 
 namespace nvsupport::service {
@@ -44,8 +45,8 @@ using Handler = std::function<Reply(Request&)>;
 // NV_SERVICE_REQUESTS_PER_PROCESS  after so many requests a process is replaced (10000)
 int Serve(const char* name, const Handler& answer);
 
-// The part of Serve that one process does: answers so many requests by FastCGI, or until SIGTERM.
-void AnswerByFastCgi(const char* name, const Handler& answer, std::int64_t requests);
+// The part of Serve that one process does: answers so many requests by FastCGI, each over a connection of its own.
+void AnswerByFastCgi(const char* name, const Handler& answer, std::int64_t requests, const NextConnection& next);
 
 enum class Transport { any, secureOnly };
 

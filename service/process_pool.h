@@ -1,4 +1,4 @@
-// Processes that do the same work, such as answering the requests that come to one socket.
+// Processes that do the same work: they answer what comes to one socket.
 #ifndef NVSUPPORT_SERVICE_PROCESS_POOL_H
 #define NVSUPPORT_SERVICE_PROCESS_POOL_H
 
@@ -7,10 +7,14 @@
 
 namespace nvsupport::service {
 
-// Runs `work` in so many child processes, and replaces each that ends, until this process gets SIGTERM. Then the
-// children get it, too. They have it blocked, so that no work is broken off; a call that unblocks it while it waits is
-// interrupted, and `work` must return then. Returns when all children have ended.
-void RunPool(std::int64_t processes, const std::function<void()>& work);
+// Gives a process its next connection, which it is to close; -1 when it is to end.
+using NextConnection = std::function<int()>;
+
+// Runs `work` in so many child processes, and replaces each that ends, until this process gets SIGTERM. It accepts what
+// comes to the listening socket `listener` and gives each connection to a child that asks for one. The children do not
+// have the socket: so it is gone as soon as this process is, whatever ended it, and who started it sees that. They end
+// with this process, too, when they are through with their connection. Returns when all children have ended.
+void RunPool(int listener, std::int64_t processes, const std::function<void(const NextConnection&)>& work);
 
 }  // namespace nvsupport::service
 

@@ -170,12 +170,13 @@ def children(process):
 
 
 def kill_a_process(dice):
-    """One that answers requests. lighttpd does not always start the one again that starts these."""
+    """One that answers requests, or as often one that starts these."""
     pools = children((folder / "pid").read_text().strip())
     workers = [worker for pool in pools for worker in children(pool)]
-    if not workers:
+    victims = dice.choice((pools, workers))
+    if not victims:
         return
-    victim = dice.choice(workers)
+    victim = dice.choice(victims)
     tell(f"kill {victim}")
     with contextlib.suppress(ProcessLookupError):  # it went meanwhile
         os.kill(victim, signal.SIGKILL)
