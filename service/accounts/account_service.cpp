@@ -94,9 +94,12 @@ Reply AccountService::CreateAccount(RequestReader& request, const Caller& caller
     return StatusReply(Status::done);
   }
   // When a connection is lost, the client's platform or the user sends the request again.
-  const bool repeated = status == Status::userIdInUse && store.IsRepeated(wanted, caller.now - repeatSeconds) &&
-                        Prove(wanted.userId, wanted.password, std::nullopt, caller).user;
-  return StatusReply(repeated ? Status::done : status);
+  if (status == Status::userIdInUse && store.IsRepeated(wanted, caller.now - repeatSeconds)) {
+    Proof proof = Prove(wanted.userId, wanted.password, std::nullopt, caller);
+    if (proof.user) return StatusReply(Status::done);
+    if (proof.braked) return std::move(proof.refusal);
+  }
+  return StatusReply(status);
 }
 
 Reply AccountService::OpenSession(RequestReader& request, const Caller& caller) {
@@ -137,7 +140,7 @@ AccountService::Proof AccountService::Prove(const std::string& userId, const std
   }
   Brake brake(database, settings.brakeSeconds, std::move(buckets));
   const std::int64_t wait = brake.Wait(caller.now);
-  if (wait > 0) return {std::nullopt, RefusedReply(wait)};
+  if (wait > 0) return {std::nullopt, RefusedReply(wait), true};
   if (!found || !store.HasPassword(*found, password)) {
     brake.Charge(caller.now);
     return {std::nullopt, StatusReply(found ? Status::wrongPassword : Status::wrongUserId)};

@@ -40,6 +40,7 @@ class AccountService {
   struct Proof {
     std::optional<Candidate> user;
     Reply refusal;
+    bool braked = false;
   };
 
   Reply SignIn(RequestReader& request, const Caller& caller);

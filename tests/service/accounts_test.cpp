@@ -142,6 +142,7 @@ TEST_F(Accounts, AreGuessedAtThePaceOfTheBrakeAndOpenToWhoIsKnown) {
       {"first guess", 0, signIn("there", "guess", 1), "198.51.100.1", 5},
       {"second guess", 0, signIn("there", "guess", 1), "198.51.100.2", 5},
       {"third guess", 0, signIn("there", "guess", 1), "198.51.100.3", 429},
+      {"the new account once more", 0, CreateAccount("there", "reader@norvane.example"), "198.51.100.3", 429},
       {"the right password of a stranger", 29, signIn("there", "secret", 1), "198.51.100.4", 429},
       {"the user's device", 0, signIn("there", "secret", 7), "198.51.100.5", 0},
       {"from where it was", 0, token("there", "secret"), "198.51.100.5", 0},
