@@ -14,8 +14,10 @@ namespace {
 
 std::string Time(const std::string& seconds) {
   const std::time_t time = ToNumber(seconds);
+  const std::tm* const parts = std::gmtime(&time);
   std::array<char, sizeof "2000-01-01 00:00:00 UTC"> text = {};
-  std::strftime(text.data(), text.size(), "%F %T UTC", std::gmtime(&time));
+  // A backup can hold any number, also of a year with more digits.
+  if (!parts || std::strftime(text.data(), text.size(), "%F %T UTC", parts) == 0) return seconds + " s since 1970";
   return text.data();
 }
 

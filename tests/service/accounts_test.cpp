@@ -236,12 +236,12 @@ TEST_F(Accounts, AreShownAndCorrectedAndLeaveNothingWhenDeleted) {
   AccountStore store(*database);
   const std::int64_t account = Make(store, "MapReader");
   store.NameComputer(account, {7, "Desk", 1});
-  store.OpenSession(account, now, 60, 2);
+  for (const std::int64_t seconds : {60L, 1L << 40, 1L << 60}) store.OpenSession(account, now, seconds, 3);
   for (const int device : {1, 7}) {  // a failure from the known address, and one of the known computer
     EXPECT_EQ(StatusOf(Int(8) + Text("mapreader") + Text("guess") + Int(device)), 5);
   }
   EXPECT_EQ(StatusOf(SignIn("mapreader", "guess"), "192.0.2.2"), 5);
-  EXPECT_EQ(RowsOf(*database), "1 1 1 1 5 ") << "with the brake on new accounts and on the second address";
+  EXPECT_EQ(RowsOf(*database), "1 1 1 3 5 ") << "with the brake on new accounts and on the second address";
   AccountCare care(*database, "mapreader");
   care.Correct("name", "Another Name");
   care.Correct("email", "New@Norvane.example");
@@ -249,7 +249,8 @@ TEST_F(Accounts, AreShownAndCorrectedAndLeaveNothingWhenDeleted) {
   EXPECT_EQ(care.Show(),
             "user ID: MapReader\nname: Another Name\ncompany: \nemail: new@norvane.example\nlanguage: English\n"
             "keep informed: yes\ncreated: 1970-01-12 13:46:40 UTC\ncomputer: Desk (number 7, kind 1)\n"
-            "address: 192.0.2.1, 1970-01-12 13:46:40 UTC\nsession until: 1970-01-12 13:47:40 UTC\n");
+            "address: 192.0.2.1, 1970-01-12 13:46:40 UTC\nsession until: 1970-01-12 13:47:40 UTC\n"
+            "session until: 1099512627776 s since 1970\nsession until: 1152921504607846976 s since 1970\n");
   EXPECT_THROW(care.Correct("email", "none"), std::runtime_error);
   EXPECT_THROW(care.Correct("name", "two\nlines"), std::runtime_error);
   EXPECT_THROW(care.Correct("user_id", "x"), std::runtime_error);
