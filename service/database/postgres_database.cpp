@@ -99,7 +99,11 @@ class PostgresDatabase final : public Database {
 
   // Reads what the server has sent meanwhile; it may have closed the connection.
   bool IsUsable() override {
-    return pq.consumeInput(connection.get()) == 1 && pq.status(connection.get()) == CONNECTION_OK;
+    // A server that ends a connection says so first: the second call finds the end.
+    for (int call = 0; call < 2; ++call) {
+      if (pq.consumeInput(connection.get()) != 1) return false;
+    }
+    return pq.status(connection.get()) == CONNECTION_OK;
   }
 
  private:

@@ -321,6 +321,15 @@ TEST_F(Accounts, GoIntoABackupAndComeBackAtOnce) {
   EXPECT_EQ(rows(*database), before);
 }
 
+TEST_F(Accounts, AreAskedForAnewWhenTheServerHasEndedTheConnection) {
+  if (server.empty()) GTEST_SKIP() << "SQLite has no server";
+  const auto kept = Open();
+  const std::string process = kept->Run("SELECT pg_backend_pid()")[0][0];
+  EXPECT_TRUE(kept->IsUsable());
+  database->Run("SELECT pg_terminate_backend($1::integer, 1000)", process);
+  EXPECT_FALSE(kept->IsUsable());
+}
+
 TEST_F(Accounts, AreMadeOnceWhenManyAskAtATime) {
   std::atomic<int> made = 0;
   std::latch ready(8);
