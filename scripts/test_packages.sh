@@ -33,9 +33,9 @@ fi
 needs_own_root
 make_work
 readonly root=$work/root
-# libcurl, which cmake brings along, recommends ca-certificates and so keeps them. Systemd, which the service's package
-# asks for its users and folders, leaves files of its own.
-make_root "$root" "ca-certificates,systemd,$(sed -n 's/^Depends: @, //p' debian/tests/control | tr -d ' ')"
+# libcurl, which cmake brings along, and nginx keep ca-certificates and ssl-cert, which they can use. Systemd, which the
+# service's package asks for its users and folders, leaves files of its own.
+make_root "$root" "ca-certificates,ssl-cert,systemd,$(sed -n 's/^Depends: @, //p' debian/tests/control | paste -sd , | tr -d ' ')"
 mkdir "$root/trial" "$root/trial/files"
 cp build/packages/*.deb "$root/trial"
 dpkg-source -x build/packages/*.dsc "$root/trial/source" >/dev/null
