@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,21 @@
 #include "storage/files.h"
 #include "storage/format_text.h"
 #include "support/temporary_home.h"
+
+// A system of the test's own, where others are rare: without an entry of the user, and a file system that cannot rename
+// without writing over.
+static bool isUserKnown = true;
+
+extern "C" int getpwuid_r(uid_t user, passwd* entry, char*, std::size_t, passwd** found) {
+  const passwd* const known = isUserKnown ? getpwuid(user) : nullptr;
+  if (known != nullptr) *entry = *known;
+  *found = known != nullptr ? entry : nullptr;
+  return 0;
+}
+extern "C" int renameat2(int, const char*, int, const char*, unsigned) noexcept {
+  errno = EINVAL;
+  return -1;
+}
 
 namespace nvsupport {
 namespace {
@@ -53,6 +69,9 @@ TEST(Folders, AreThoseOfTheUserDatabaseWithoutHome) {
   for (const char* home : {"", "relative"}) {
     const testing::ScopedVariable homes[] = {{"HOME", home}, {"XDG_DATA_HOME", ""}};
     EXPECT_EQ(platform::DataHome(), std::string(getpwuid(getuid())->pw_dir) + "/.local/share");
+    isUserKnown = false;
+    EXPECT_EQ(platform::DataHome(), "") << "and none without an entry there";
+    isUserKnown = true;
   }
 }
 
@@ -111,6 +130,9 @@ TEST(PlatformFiles, StreamsAreOpenedOfFilesAloneAndThoseForWritingAreTheOwners) 
     EXPECT_FALSE(platform::OpenFileStream(path.c_str(), mode)) << path << ' ' << mode;
   }
   WriteWholeFile(folder / "old", "text");
+  EXPECT_TRUE(MoveFileA((folder / "old").c_str(), (folder / "moved").c_str()));
+  EXPECT_FALSE(MoveFileA((folder / "moved").c_str(), (folder / "moved").c_str())) << "nothing is written over";
+  EXPECT_TRUE(MoveFileA((folder / "moved").c_str(), (folder / "old").c_str()));
   fs::permissions(folder / "old", fs::perms(0644));
   EXPECT_TRUE(platform::OpenFileStream((folder / "old").c_str(), "w"));
   EXPECT_EQ(fs::status(folder / "old").permissions(), fs::perms(0600));
