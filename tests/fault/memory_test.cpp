@@ -85,6 +85,18 @@ TEST_F(ShortOfMemory, TheModuleLoadsOrDoesNot) {
   EXPECT_TRUE(loaded);
 }
 
+TEST_F(ShortOfMemory, TheModuleLeavesALibcurlThatTheHostUsesAsItIs) {
+  const ScriptedServer web(HttpReply(206, "map"));
+  void* const module = dlopen(NV_MODULE, RTLD_NOW | RTLD_LOCAL);
+  const auto read = reinterpret_cast<decltype(&xfa704a3f)>(dlsym(module, "xfa704a3f"));
+  char part[4] = "";
+  EXPECT_EQ(read(serverName, "/", 0, 3, part, nullptr, nullptr), 3);
+  dlclose(module);
+  requests = 0;
+  curl_easy_cleanup(curl_easy_init());
+  EXPECT_GT(requests, 0) << "for the host's memory";
+}
+
 TEST_F(ShortOfMemory, ASearchGivesWhatCame) {
   const ScriptedServer shop(HttpReply(200, ReplyWith({{"A", 1, "N", "a.map", 2}, {"B", 1, "N", "b.nvpkg", 2}}, 7)),
                             NV_SERVICE_HOST);
