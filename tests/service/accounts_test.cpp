@@ -346,6 +346,12 @@ TEST_F(Accounts, AreMadeOnceWhenManyAskAtATime) {
   EXPECT_EQ(made, 1);
 }
 
+TEST_F(Accounts, KeepNoRequestWaiting) {
+  const auto other = Open();
+  const Transaction held(*database, "accounts");
+  EXPECT_THROW(Transaction(*other, "accounts"), std::runtime_error);
+}
+
 TEST_F(Accounts, TellNoValueInAnError) {
   const AccountStore store(*database);
   try {

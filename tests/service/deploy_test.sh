@@ -156,3 +156,7 @@ CASES
 reply=$(svcapp REQUEST_METHOD=POST HTTPS=on CONTENT_LENGTH=48 NV_SERVICE_DATABASE=/nowhere/accounts.sqlite)
 [[ $reply == 'Status: 503'*'Retry-After: 2'*$'\r\n\r\n\24' ]] || fail "another answer without accounts"
 grep -q /nowhere/accounts.sqlite "$root/logs/svcapp" || fail "the log does not tell what is wrong with the accounts"
+# shellcheck disable=SC2046
+env $(adapt share/nvservice/deploy/settings | grep -v '^#') NV_SERVICE_PROCESSES=0 spawn-fcgi -n -s "$root/run/none" \
+  -- "$root/usr/lib/nvservice/cgi-bin/svcapp.cgi" 2>"$root/logs/svcapp" && fail "a setting of 0 is taken"
+grep -q 'svcapp: NV_SERVICE_PROCESSES is to be above 0' "$root/logs/svcapp" || fail "the log does not tell which setting is wrong"
