@@ -20,6 +20,7 @@
 #include "support/short_timeouts.h"
 #include "support/test_authority.h"
 #include "web/web_engine.h"
+#include "web/web_trust.h"
 
 namespace nvsupport::testing {
 namespace {
@@ -49,6 +50,11 @@ TEST_P(KeptConnection, ServesTheNextExchangeButNoProgramOfTheHost) {
   EXPECT_EQ(Open("POST").Fetch("body"), "three");
   EXPECT_EQ(server.Connections(), 1);
   EXPECT_EQ(inherited(), before);
+}
+
+TEST(TrustStore, IsTheUsualOneUnlessTheEnvironmentNamesAnother) {
+  const ScopedVariable file("SSL_CERT_FILE", "");
+  EXPECT_TRUE(std::filesystem::exists(platform::FindTrustStore().file)) << "and so seen when it changes";
 }
 
 TEST_P(KeptConnection, IsNotKeptInTheMiddleOfAReply) {

@@ -4,6 +4,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <regex>
 #include <string>
@@ -167,6 +168,8 @@ TEST(WebClientFaults, FollowsARedirectIntoTlsButThenNeverOffTheHostOrOutOfTls) {
     EXPECT_EQ(exchange.Send({}, "body"), entry.reply != "!") << entry.status << " " << entry.place;
     EXPECT_EQ(exchange.Body(), entry.reply) << entry.status << " " << entry.place;
   }
+  const auto isFirst = [](const std::string& request) { return request.find(" /dir/old ") != std::string::npos; };
+  EXPECT_EQ(std::ranges::count_if(plain.Requests(), isFirst), 12 + 10) << "ten redirects where they have no end";
 }
 
 }  // namespace
