@@ -146,7 +146,8 @@ TEST(MapShopService, GivesNoMoreThanFitsIntoAReply) {
 }
 
 TEST(MapShopService, IsNotOfferedProductsAtImpossiblePlaces) {
-  for (const char* area : {"-90.1\t0\t0\t0", "0\t0\t91\t0", "0\tnan\t0\t0", "0\t0\tinf\t0", "0\t0\t0\t401"}) {
+  for (const char* area :
+       {"-90.1\t0\t0\t0", "0\t0\t91\t0", "0\tnan\t0\t0", "0\t0\tx\t0", "0\t0\tinf\t0", "0\t0\t0\t401"}) {
     const Shop shop(Line(1) + Line(2, area));
     try {
       shop.Answer(Search({}));

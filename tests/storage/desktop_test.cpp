@@ -43,7 +43,7 @@ TEST(Registry, ReadsEveryFormOfValueAndSkipsBrokenLines) {
       {"\"NoValue\"\n", "NoValue", "default"},
       {"\"NoForm\"=abc\n", "NoForm", "default"},
       {"\"NoNumber\"=dword:xyz\n", "NoNumber", "default"},
-      {"\"HalfBytes\"=hex:61,62,xy,63\n", "HalfBytes", "ab"},
+      {"\"HalfBytes\"=hex:61,62,6y,63\n", "HalfBytes", "ab"},
       {"\"WideBytes\"=hex:61,162\n", "WideBytes", "a"},
       {"\"CutBytes\"=hex:61,62,\\\n\"Behind\"=\"yes\"\n", "CutBytes", "ab"},
       {"\"Behind\"=\"yes\"\n", "Behind", "yes"},

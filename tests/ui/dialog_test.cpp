@@ -80,6 +80,17 @@ TEST(Dialog, TakesPlacesWithTheirSignAndSizesWithout) {
   EXPECT_EQ(CallsFor(WM_LBUTTONDBLCLK, 0, static_cast<LPARAM>(0xFFF9'0002u)), "onLeftButton 1 2 -7 0\n");
 }
 
+TEST(Dialog, EndsWithTheExceptionOfAHandler) {
+  class Failing final : public Dialog {
+   public:
+    Failing() : Dialog(IDD_COMPUTER_NAME) {}
+    void onOK() override { throw std::bad_alloc(); }
+  };
+  PlayedUser person;
+  person.steps = {PlayedUser::Clicks(IDOK)};
+  EXPECT_THROW(Failing().run(nullptr), std::bad_alloc);
+}
+
 TEST(Dialog, OfTheResourceLibraryFailsWithoutItAndSaysSo) {
   const PlayedUser person;
   EXPECT_EQ(Dialog(0).run(nullptr), 2);
