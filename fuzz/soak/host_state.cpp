@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <clocale>
 #include <filesystem>
 
@@ -18,6 +19,7 @@ unsigned FileMask() {
 std::vector<std::string> Environment() {
   std::vector<std::string> all;
   for (char** entry = environ; *entry != nullptr; ++entry) all.emplace_back(*entry);
+  std::ranges::sort(all);  // the host does not see the order
   return all;
 }
 

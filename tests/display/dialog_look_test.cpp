@@ -24,6 +24,8 @@
 #include "language/translation_catalogue.h"
 #include "platform/linux/windowing/display_selection.h"
 #include "resources/resource_ids.h"
+#include "support/run_program.h"
+#include "support/temporary_home.h"
 #include "ui/busy_cursor.h"
 #include "ui/dialog.h"
 #include "ui/message.h"
@@ -207,6 +209,8 @@ TEST_F(DialogLooks, GoWhileAHandlerOfTheirsShowsAMessage) {
 TEST_F(DialogLooks, GiveTheTextOfAMessageToTheClipboard) {
   Show(openings.at("message"), [](QWidget& window) {
     window.setWindowTitle(QStringLiteral("Caption"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_C);
+    EXPECT_EQ(QApplication::clipboard()->text(), QString());
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_C, Qt::ControlModifier);
     const std::string line(27, '-');
     EXPECT_EQ(QApplication::clipboard()->text().toStdString(),
@@ -252,6 +256,19 @@ TEST_F(DialogLooks, TellATextThatDoesNotFitByAToolTip) {
          }
          EXPECT_EQ(window.findChild<QLabel*>(QStringLiteral("65535"))->textFormat(), Qt::PlainText);
        });
+}
+
+TEST_F(DialogLooks, OfThePreviewHaveATextThatDoesNotFitInRed) {
+  const testing::TemporaryFolder folder;
+  testing::WriteWholeFile(folder / "texts.txt", "Help\t" + std::string(50, 'W') + '\n');
+  EXPECT_EQ(testing::RunProgram({NV_CATALOGUE, "preview", folder / "texts.txt", "--png", folder / ""}).exitCode, 1);
+  const QImage picture(QString::fromStdString(folder / "sign-in.png"));
+  int reds = 0;
+  for (int pixel = 0; pixel < picture.width() * picture.height(); ++pixel) {
+    const QColor colour = picture.pixelColor(pixel % picture.width(), pixel / picture.width());
+    if (colour.red() > 150 && colour.blue() < 100 && colour.green() < 100) ++reds;
+  }
+  EXPECT_GT(reds, 50);
 }
 
 std::string NameOf(const QWidget& control) {

@@ -63,11 +63,17 @@ class OnScreen : public ::testing::Test {
 
 TEST_F(OnScreen, QtComesWithTheFirstDialogAndTheModuleCanGoAndComeAgain) {
   const ScopedVariable startup("DESKTOP_STARTUP_ID", "of the host");
-  const ScopedVariable desktop("SESSION_MANAGER", "of the host");
+  const ScopedVariable session("SESSION_MANAGER", "of the host");
+  const ScopedVariable desktop[] = {
+      {"XDG_CURRENT_DESKTOP", "KDE"}, {"KDE_FULL_SESSION", "true"}, {"KDE_SESSION_VERSION", "5"}};
+  WriteWholeFile(home.folder / "config/kdeglobals", "[General]\nfont=DejaVu Sans,20,-1,5,50,0,0,0,0,0\n");
   for (const char* opening : {"first", "second", "third"}) {
     EXPECT_EQ(IsMapped("libQt6Widgets"), opening != std::string("first")) << opening;
     // An owner that is no window is none.
-    EXPECT_FALSE(Module().AskForToken(0x7654321, [&] { screen.TypeInto(signInTitle, "\033"); })) << opening;
+    EXPECT_FALSE(Module().AskForToken(0x7654321, [&] {
+      EXPECT_GT(screen.AreaOf(screen.Await(signInTitle)).width, 900) << "in the large letters of the desktop";
+      screen.Type("\033");
+    })) << opening;
     EXPECT_FALSE(IsMapped("nvsupport.so")) << opening;
     EXPECT_TRUE(WaitUntil([&] { return screen.Windows().size() == 1; })) << opening << " dialog is gone";
   }
