@@ -164,7 +164,7 @@ void ShowControlText(QWidget& widget, const std::string& text) {
 void ShowCheckState(QWidget& widget, int state) {
   constexpr Qt::CheckState states[] = {Qt::Unchecked, Qt::Checked, Qt::PartiallyChecked};
   auto* box = qobject_cast<QCheckBox*>(&widget);
-  if (box != nullptr && state >= 0 && state < 3) box->setCheckState(states[state]);
+  if (box != nullptr) box->setCheckState(states[state]);
 }
 
 }  // namespace windowing
