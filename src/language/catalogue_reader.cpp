@@ -71,8 +71,6 @@ CatalogueReader::CatalogueReader(std::string_view bytes)
 }
 
 bool CatalogueReader::Next(CatalogueRecord& record) {
-  record.source.clear();
-  record.translation.clear();
   record.line = line;
   if (position == characters.size()) return false;
 

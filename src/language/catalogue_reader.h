@@ -32,8 +32,8 @@ struct CatalogueRecord {
   std::size_t line = 0;  // counted from 1
   // As they stand in the file, before escapes.
   std::string source;
-  std::string translation;
-  bool cut = false;  // a character of a wide file was above U+00FF and has lost its high byte
+  std::string translation;  // of an entry
+  bool cut = false;         // a character of a wide file was above U+00FF and has lost its high byte
 };
 
 // Reads the bytes where they are: they outlive the reader.

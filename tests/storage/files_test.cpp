@@ -129,7 +129,11 @@ TEST(PlatformFiles, StreamsAreOpenedOfFilesAloneAndThoseForWritingAreTheOwners) 
   for (const auto& [path, mode] : cases) {
     EXPECT_FALSE(platform::OpenFileStream(path.c_str(), mode)) << path << ' ' << mode;
   }
-  WriteWholeFile(folder / "old", "text");
+  const auto create = [&] {
+    return CreateFileA((folder / "old").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+  };
+  CloseHandle(create());
+  EXPECT_EQ(create(), INVALID_HANDLE_VALUE) << "until the thread has renamed what it wrote";
   EXPECT_TRUE(MoveFileA((folder / "old").c_str(), (folder / "moved").c_str()));
   EXPECT_FALSE(MoveFileA((folder / "moved").c_str(), (folder / "moved").c_str())) << "nothing is written over";
   EXPECT_TRUE(MoveFileA((folder / "moved").c_str(), (folder / "old").c_str()));
