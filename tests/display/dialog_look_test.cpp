@@ -207,7 +207,11 @@ TEST_F(DialogLooks, GoWhileAHandlerOfTheirsShowsAMessage) {
 }
 
 TEST_F(DialogLooks, GiveTheTextOfAMessageToTheClipboard) {
+  SetMessageCaption(std::string(60, 'W'));
   Show(openings.at("message"), [](QWidget& window) {
+    QFont caption = window.font();
+    caption.setBold(true);
+    EXPECT_GE(window.width(), QFontMetrics(caption).horizontalAdvance(window.windowTitle())) << "as it may be shown";
     window.setWindowTitle(QStringLiteral("Caption"));
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_C);
     EXPECT_EQ(QApplication::clipboard()->text(), QString());

@@ -153,6 +153,7 @@ done <<CASES
 413 POST on 16385
 400 POST on 49
 CASES
+grep -q 'not understood$' "$root/logs/svcapp" || fail "the log does not tell why a request is refused"
 reply=$(svcapp REQUEST_METHOD=POST HTTPS=on CONTENT_LENGTH=48 NV_SERVICE_DATABASE=/nowhere/accounts.sqlite)
 [[ $reply == 'Status: 503'*'Retry-After: 2'*$'\r\n\r\n\24' ]] || fail "another answer without accounts"
 grep -q /nowhere/accounts.sqlite "$root/logs/svcapp" || fail "the log does not tell what is wrong with the accounts"
