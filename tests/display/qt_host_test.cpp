@@ -89,14 +89,18 @@ TEST(HostWithQt, OwnsADialogByItsTopLevelWindowAndKeepsItsOwnTexts) {
   QWidget window;
   const QPushButton button(&window);
   window.show();
-  host.Run([&button] { AskForToken(&button); },
-           [&window](QWidget& dialog) {
-             EXPECT_EQ(dialog.windowHandle()->transientParent(), window.windowHandle());
-             EXPECT_EQ(dialog.windowIcon().cacheKey(), QApplication::windowIcon().cacheKey());
-             EXPECT_EQ(qApp->findChild<QTranslator*>(), nullptr);
-             EXPECT_FALSE(dialog.testAttribute(Qt::WA_QuitOnClose)) << "the host lives on, its windows hidden or not";
-             PressEscape(dialog);
-           });
+  const auto work = [&] {
+    AskForToken(&button);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(QGuiApplication::focusWindow(), window.windowHandle());
+  };
+  host.Run(work, [&window](QWidget& dialog) {
+    EXPECT_EQ(dialog.windowHandle()->transientParent(), window.windowHandle());
+    EXPECT_EQ(dialog.windowIcon().cacheKey(), QApplication::windowIcon().cacheKey());
+    EXPECT_EQ(qApp->findChild<QTranslator*>(), nullptr);
+    EXPECT_FALSE(dialog.testAttribute(Qt::WA_QuitOnClose)) << "the host lives on, its windows hidden or not";
+    PressEscape(dialog);
+  });
 }
 
 void ExpectRefusal(const std::string& reason) {

@@ -1,5 +1,6 @@
 // The map shop service: which products an area finds, and when their index is made anew.
 #include "service/mapshop/map_shop_service.h"
+#include "service/counters.h"
 
 #include <gtest/gtest.h>
 
@@ -168,6 +169,18 @@ TEST(MapShopService, IsNotUnderstoodWhenItIsCutOrNoArea) {
     EXPECT_EQ(shop.Answer(request.substr(0, length)), Int(1)) << length;
   }
   EXPECT_EQ(shop.Answer(request.substr(0, 8) + Int(0xFFFFFFFF) + request.substr(12)), Int(1)) << "points without end";
+}
+
+TEST(Counters, TellHowManyRequestsTookHowLong) {
+  for (const double seconds : {0.001, 0.002, 99.0}) CountRequest("svcuser", 404, seconds);
+  const HashInProgress hash;
+  const std::string text = CountersText();
+  for (const char* line :
+       {"requests_total{program=\"svcuser\",status=\"404\"} 3\n", "{program=\"svcuser\",le=\"0.001\"} 1\n",
+        "{program=\"svcuser\",le=\"2.5\"} 2\n", "{program=\"svcuser\",le=\"+Inf\"} 3\n",
+        "_sum{program=\"svcuser\"} 99.003", "_count{program=\"svcuser\"} 3\n", "hashes_in_progress 1\n"}) {
+    EXPECT_NE(text.find(line), std::string::npos) << line << text;
+  }
 }
 
 }  // namespace
