@@ -173,6 +173,10 @@ TEST_F(DialogLooks, ShowThePressedButtonDisabledWhileTheThreadWaits) {
         EXPECT_TRUE(looksDisabled() && ok->isEnabled());
       }
       EXPECT_FALSE(looksDisabled());
+      QTimer::singleShot(0, [] { QApplication::activeModalWidget()->close(); });
+      ShowMessage(hwnd, MB_OK, "takes the input meanwhile");
+      QCoreApplication::processEvents();
+      EXPECT_EQ(QApplication::activeWindow(), ok->window());
       Dialog::onOK();
     }
   };

@@ -122,11 +122,17 @@ TEST_F(OnScreen, TheWaitCursorIsOverAHostsWindowBeforeTheFirstDialogAndWithoutQt
         return HttpReply(200, ReplyWith({}, 7));
       },
       serviceHost);
+  std::string watch = "Xcur";  // of one green pixel
+  for (const unsigned word :
+       {16u, 0x10000u, 1u, 0xFFFD0002u, 24u, 28u, 36u, 0xFFFD0002u, 24u, 1u, 1u, 1u, 0u, 0u, 0u, 0xFF00FF00u})
+    watch += Int(word);
+  WriteWholeFile(home.folder / "default/cursors/watch", watch);
+  const ScopedVariable themes("XCURSOR_PATH", home.folder.path.string());
   const Module module;
   screen.Do("mousemove --window " + std::to_string(screen.hostWindow) + " 300 300");
   const auto usual = screen.ShownCursor();
   std::thread user([&] {
-    EXPECT_TRUE(WaitUntil([&] { return screen.ShownCursor() != usual; })) << "while the thread is blocked";
+    EXPECT_TRUE(WaitUntil([&] { return screen.ShownCursor() == std::vector{0xFF00FF00u}; })) << "of the user's theme";
     isSilent = false;
   });
   const MapShopPoint corners[] = {{55, 5}, {47, 15}};

@@ -37,6 +37,8 @@ TEST(Registry, ReadsEveryFormOfValueAndSkipsBrokenLines) {
       {"\"Number\"=dword:00434241\n", "Number", "ABC"},
       {"\"Bytes\"=hex(1):61,62,\\\r\n  63 , 64,\\\n  00 ; the end\r\n", "Bytes", "abcd"},
       {"\"Gone\"=\"x\"\n\"gone\"=-\n", "Gone", "default"},
+      {"\"Deleted\"=\"x\"\n[-HKEY_CURRENT_USER\\SOFTWARE]\n", "Deleted", "default"},
+      {"\"Kept\"=\"x\"\n[-HKEY_CURRENT_USER\\Software\\Nor]\n", "Kept", "x"},
       {"\"Twice\"=\"first\"\n", "Twice", "second"},
       {"", "Missing", "default"},
       {"\"NoEnd\"=\"abc\n", "NoEnd", "default"},
