@@ -96,6 +96,7 @@ TEST(HostWithQt, OwnsADialogByItsTopLevelWindowAndKeepsItsOwnTexts) {
   };
   host.Run(work, [&window](QWidget& dialog) {
     EXPECT_EQ(dialog.windowHandle()->transientParent(), window.windowHandle());
+    EXPECT_EQ(dialog.windowModality(), Qt::WindowModal) << "other windows of the host go on";
     EXPECT_EQ(dialog.windowIcon().cacheKey(), QApplication::windowIcon().cacheKey());
     EXPECT_EQ(qApp->findChild<QTranslator*>(), nullptr);
     EXPECT_FALSE(dialog.testAttribute(Qt::WA_QuitOnClose)) << "the host lives on, its windows hidden or not";

@@ -43,7 +43,7 @@ TEST(CatalogueCheck, FindsWhatTheReaderWouldLose) {
       {"%d\t%s", "conversions"},
       {"%s\t100%", "conversions"},
       {"Password\tW&ord\nOK\tK&&&W", "faultless"},
-      {"Password\tS&word\nSave password\t&\u00c9a\nHelp\t&\u00e9b\nUser ID\t&Word", "w is marked in line 5, too"},
+      {"Password\tS&aord\nSave password\t&\u00c9a\nHelp\t&\u00e9b\nUser ID\t&Aord", "a is marked in line 5, too"},
   };
   for (const auto& [line, finding] : cases) {
     const std::vector<Finding> findings = CheckCatalogue("First\tline\n" + line + "\n");

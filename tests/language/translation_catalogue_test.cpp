@@ -158,6 +158,9 @@ TEST_F(Catalogue, WritesEachMissOnceInByteOrder) {
 
   ASSERT_TRUE(catalogue->LoadCatalogueFile(missFile)) << "a miss file is a catalogue";
   EXPECT_EQ(catalogue->Translate("\x80\tA\nB"), "XXXX");
+  std::filesystem::remove(missFile);
+  catalogue->WriteMissFile();
+  EXPECT_FALSE(std::filesystem::exists(missFile)) << "what was missing before is not told again";
 }
 
 }  // namespace

@@ -89,15 +89,18 @@ TEST(OpenDocument, StartsTheViewerWithTheTargetAlone) {
   const TemporaryFolder folder;
   const ScopedVariable path("PATH", folder.path.string() + ":/usr/bin:/bin");
   const std::string out = folder / "out";
-  WriteWholeFile(folder / "xdg-open",
-                 "#!/bin/sh\necho noise\necho noise >&2\nexec > '" + out + ".part'\necho \"$# $1\"\n" +
-                     "test -e /proc/$$/fd/77 && echo inherited\nmv '" + out + ".part' '" + out + "'\n");
+  WriteWholeFile(folder / "xdg-open", "#!/bin/sh\necho noise\necho noise >&2\nexec > '" + out +
+                                          ".part'\necho \"$# $1\"\n" +
+                                          "test -e /proc/$$/fd/77 && echo inherited\ngrep -q 'SigIgn:.*[2367abef]..$' "
+                                          "/proc/self/status && echo ignored\nmv '" +
+                                          out + ".part' '" + out + "'\n");
   std::filesystem::permissions(folder / "xdg-open", std::filesystem::perms(0700));
   const std::string address = "http://host.example/a.htm?x=1&y=$(id);'z' \"q\"";
   const std::string file = folder / "a b;c.txt";
   WriteWholeFile(file, "");
   EXPECT_EQ(dup2(STDOUT_FILENO, 77), 77);  // a descriptor of the host that its children would inherit
   const auto before = signal(SIGCHLD, [](int) { ++childSignals; });
+  signal(SIGUSR1, SIG_IGN);
   ::testing::internal::CaptureStdout();
   for (const auto& [target, seen] : {std::pair(address, address), {folder.path.string() + "\\a b;c.txt", file}}) {
     EXPECT_TRUE(OpenDocument(target, nullptr)) << target;

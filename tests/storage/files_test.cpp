@@ -111,9 +111,10 @@ TEST(TempFiles, TheFirstNameOfAProcessSweepsWhatEarlierOnesLeft) {
   EXPECT_EQ(MakeTempFileName(".dat"), folder + FormatText("\\T%X01.dat", GetCurrentProcessId()));
   std::vector<std::string> left = {"before"};
   EXPECT_TRUE(ListFiles(folder, "t*.*", left));
+  EXPECT_TRUE(ListFiles(folder, "?FUT*e", left));
   EXPECT_FALSE(ListFiles(folder, "none*", left));
   EXPECT_FALSE(ListFiles(folder + "\\none", "*", left));
-  EXPECT_EQ(left, std::vector<std::string>({"before", folder + "\\Tfuture"}));
+  EXPECT_EQ(left, std::vector<std::string>({"before", folder + "\\Tfuture", folder + "\\Tfuture"}));
   EXPECT_TRUE(fs::exists(place + "kept"));
   fs::last_write_time(place + "Tfuture", now - std::chrono::hours(1));
   EXPECT_EQ(MakeTempFileName(""), folder + FormatText("\\T%X02", GetCurrentProcessId()));
