@@ -212,6 +212,7 @@ TEST_F(DialogLooks, GoWhileAHandlerOfTheirsShowsAMessage) {
 
 TEST_F(DialogLooks, GiveTheTextOfAMessageToTheClipboard) {
   SetMessageCaption(std::string(60, 'W'));
+  QApplication::setStyle(QStringLiteral("Windows"));  // which would let nobody select a text
   Show(openings.at("message"), [](QWidget& window) {
     QFont caption = window.font();
     caption.setBold(true);

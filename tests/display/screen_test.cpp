@@ -139,7 +139,7 @@ TEST_F(OnScreen, TheWaitCursorIsOverAHostsWindowBeforeTheFirstDialogAndWithoutQt
   EXPECT_EQ(module.closeSearch(module.search(corners, 2)), 7);
   user.join();
   EXPECT_TRUE(WaitUntil([&] { return screen.ShownCursor() == usual; })) << "once it goes on";
-  EXPECT_FALSE(IsMapped("libQt6Widgets"));
+  EXPECT_FALSE(IsMapped("libQt6Widgets") || IsMapped("libxcb-cursor"));
 }
 
 TEST_F(OnScreen, TheWaitCursorIsThereWhileTheThreadIsBlocked) {

@@ -177,6 +177,10 @@ TEST_F(Accounts, AreGuessedAtThePaceOfTheBrakeAndOpenToWhoIsKnown) {
       {"an account from there", 0, CreateAccount("new", "new@norvane.example"), "192.0.2.77", 0},
       {"the second", 0, CreateAccount("newer", "newer@norvane.example"), "192.0.2.77", 429},
       {"a taken user ID costs nothing", 0, CreateAccount("there", "newer@norvane.example"), "192.0.2.77", 2},
+      {"new: a guess", 0, signIn("new", "guess", 1), "203.0.113.1", 5},
+      {"new: the user elsewhere", 0, signIn("new", "secret", 1), "203.0.113.2", 0},
+      {"new: forgives that guess", 0, signIn("new", "guess", 1), "203.0.113.3", 5},
+      {"new: and leaves two", 0, signIn("new", "guess", 1), "203.0.113.4", 5},
       {"the second later", 60, CreateAccount("newer", "newer@norvane.example"), "192.0.2.77", 0},
   };
   for (const auto& row : cases) {

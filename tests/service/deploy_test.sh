@@ -99,6 +99,7 @@ tool() { NV_SERVICE_DATABASE=${database:-$root/state/accounts.sqlite} "$root/usr
   fail "no backup"
 [[ $(stat -c %a "$root/backup") == 600 ]] || fail "others can read the backup"
 tool backup "$root/backup" && fail "a backup is written over"
+grep -q '^nvservice: ' "$root/logs/tool" || fail "the tool does not tell why not"
 tool expire && tool show zomap | grep -qx 'name: Zoë' || fail "the account is not shown"
 if ((EUID == 0)); then
   chmod 711 "$root"
@@ -127,6 +128,10 @@ if [[ $server == nginx ]]; then
   [[ $answers =~ ([0-9]+)\ 200.*\ 429 && ${BASH_REMATCH[1]} -ge 50 ]] || fail "one address is not limited: $answers"
   sleep 1
 fi
+for ((i = 0, good = 0; good < 4; ++i)); do
+  ((i < 100)) || fail "the database stays locked"
+  if [[ $(post https sign-in svcapp.cgi) == 00000000* ]]; then ((++good)); else sleep 0.1; fi
+done
 rm "$root"/run/svcuser.socket*
 [[ $(page https) == *' 50'? ]] || fail "the account page opens without its program"
 stop # and so write the logs

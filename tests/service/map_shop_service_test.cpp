@@ -1,14 +1,21 @@
 // The map shop service: which products an area finds, and when their index is made anew.
 #include "service/mapshop/map_shop_service.h"
-#include "service/counters.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <thread>
 #include <vector>
 
+#include "service/counters.h"
+#include "service/process_pool.h"
 #include "support/temporary_home.h"
 #include "support/wire_items.h"
 
@@ -169,6 +176,22 @@ TEST(MapShopService, IsNotUnderstoodWhenItIsCutOrNoArea) {
     EXPECT_EQ(shop.Answer(request.substr(0, length)), Int(1)) << length;
   }
   EXPECT_EQ(shop.Answer(request.substr(0, 8) + Int(0xFFFFFFFF) + request.substr(12)), Int(1)) << "points without end";
+}
+
+TEST(ProcessPool, StartsWorkThatFailsNoMoreThanTenTimesASecond) {
+  const nvsupport::testing::TemporaryFolder folder;
+  const pid_t pool = fork();
+  if (pool == 0) {
+    RunPool(1, [&] {
+      std::ofstream(folder / "starts", std::ios::app) << '.';
+      throw std::runtime_error("it fails");
+    });
+    _exit(0);
+  }
+  std::this_thread::sleep_for(std::chrono::milliseconds(500));
+  kill(pool, SIGTERM);
+  EXPECT_EQ(waitpid(pool, nullptr, 0), pool);
+  EXPECT_LE(std::filesystem::file_size(folder / "starts"), 8u);
 }
 
 TEST(Counters, TellHowManyRequestsTookHowLong) {

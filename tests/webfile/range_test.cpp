@@ -42,6 +42,13 @@ TEST(WebRange, ComesOverTlsToAModuleThatAsksForIt) {
   EXPECT_STREQ(bytes, "abc");
 }
 
+TEST(WebRange, ComesByTheProxyOfTheEnvironment) {
+  const ScriptedServer server(HttpReply(206, "abc"));
+  const ScopedVariable settings[] = {{"no_proxy", ""}, {"http_proxy", "http://127.0.0.1:1"}};
+  char bytes[4] = "";
+  EXPECT_EQ(xfa704a3f(serverName, "", 0, 3, bytes, nullptr, nullptr), -1) << "and nobody is there";
+}
+
 TEST(WebRange, TellsWholeFromBrokenFromNothing) {
   const std::string body = std::string(4999, 'b') + 'e';
   const std::string untouched(5000, '.');

@@ -24,7 +24,7 @@ TEST_F(Trace, TellsWhatHappenedButNoSecret) {
                       traceOf("download web.example a.map?secret=1 " + (home.folder / "a.map"));
   for (const std::string told :
        {"web POST https://" NV_SERVICE_HOST "/cgi-bin/svcapp.cgi\n", "web status 200 after ",
-        "web 32 bytes of the body after ", "web GET http://web.example/a.map\n",
+        "web 32 bytes of the body after ", ": whole\n", "registry key ", "web GET http://web.example/a.map\n",
         "\"nonsense \xC3\xA9???????????\" is malformed\n", "/norvane/registry.reg\n", " = \"Klingon\"\n",
         "nvsupport.Klingon.txt", "files read ", "settings.ini\n",
         "/Large-Service/settings.ini: more than 1048576 bytes\n", "files create ", "a.map.TMP\n"}) {
