@@ -16,6 +16,7 @@
 #include "service/accounts/account_service.h"
 #include "service/client_address.h"
 #include "service/database/file_queue.h"
+#include "service/database/sqlite_file.h"
 #include "service/settings.h"
 #include "service/utf8.h"
 #include "support/temporary_home.h"
@@ -352,6 +353,13 @@ TEST_F(Accounts, AreMadeOnceWhenManyAskAtATime) {
 
 TEST_F(Accounts, KeepNoRequestWaiting) {
   const auto other = Open();
+  if (server.empty()) {
+    SqliteFile foreign(folder / "accounts.sqlite", SqliteFile::Mode::shared);  // of who stands in no queue
+    foreign.Execute("BEGIN EXCLUSIVE");
+    EXPECT_THROW(Transaction(*other, "accounts"), std::runtime_error);
+    foreign.Execute("ROLLBACK");
+    EXPECT_NO_THROW(Transaction(*database, "accounts"));
+  }
   const Transaction held(*database, "accounts");
   EXPECT_THROW(Transaction(*other, "accounts"), std::runtime_error);
 }

@@ -128,10 +128,6 @@ if [[ $server == nginx ]]; then
   [[ $answers =~ ([0-9]+)\ 200.*\ 429 && ${BASH_REMATCH[1]} -ge 50 ]] || fail "one address is not limited: $answers"
   sleep 1
 fi
-for ((i = 0, good = 0; good < 4; ++i)); do
-  ((i < 100)) || fail "the database stays locked"
-  if [[ $(post https sign-in svcapp.cgi) == 00000000* ]]; then ((++good)); else sleep 0.1; fi
-done
 rm "$root"/run/svcuser.socket*
 [[ $(page https) == *' 50'? ]] || fail "the account page opens without its program"
 stop # and so write the logs
