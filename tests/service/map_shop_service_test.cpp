@@ -182,7 +182,7 @@ TEST(ProcessPool, StartsWorkThatFailsNoMoreThanTenTimesASecond) {
   const nvsupport::testing::TemporaryFolder folder;
   const pid_t pool = fork();
   if (pool == 0) {
-    RunPool(1, [&] {
+    RunPool(socket(AF_UNIX, SOCK_STREAM, 0), 1, [&](const NextConnection&) {
       std::ofstream(folder / "starts", std::ios::app) << '.';
       throw std::runtime_error("it fails");
     });
