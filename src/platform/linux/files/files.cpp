@@ -2,7 +2,6 @@
 #include "files/files.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -41,10 +40,17 @@ constexpr std::size_t gatheredAtMost = std::size_t{64} * 1024;  // bytes
 // its start; an owner's destructor would keep the module from being unloaded.
 [[gnu::tls_model("initial-exec")]] thread_local int keptLocked = -1;
 
+// Sets the lock of an open file (F_WRLCK, F_RDLCK or F_UNLCK), in one step from the one it has.
+bool SetLock(int file, short kind) {
+  struct flock whole{};
+  whole.l_type = kind;
+  return fcntl(file, F_OFD_SETLK, &whole) == 0;
+}
+
 void UnlockKept() {
   if (keptLocked == -1) return;
   // A child that the host has forked holds the file open, but has no part in the lock.
-  flock(keptLocked, LOCK_UN);
+  SetLock(keptLocked, F_UNLCK);
   close(std::exchange(keptLocked, -1));
 }
 
@@ -81,9 +87,9 @@ class WrittenFile final : public HandleObject {
   void KeepLocked() {
     UnlockKept();
     // Who renames or deletes the file takes a shared lock, which this one must not refuse.
-    flock(descriptor.get(), LOCK_SH | LOCK_NB);
+    SetLock(descriptor.get(), F_RDLCK);
     keptLocked = fcntl(descriptor.get(), F_DUPFD_CLOEXEC, 0);
-    if (keptLocked == -1) flock(descriptor.get(), LOCK_UN);
+    if (keptLocked == -1) SetLock(descriptor.get(), F_UNLCK);
   }
 
   void Flush() { Store(gathered.data(), std::exchange(used, 0)); }
@@ -129,8 +135,8 @@ Descriptor OpenRegularFile(const NativePath& path, int flags, mode_t rights = 0)
 
 // Opens a file without sharing: by a lock that ends with the descriptor. False if another has the file open in that
 // way. On a file system without locks everyone gets the file.
-bool Lock(const Descriptor& file, int kind) {
-  return flock(file.get(), kind | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+bool Lock(const Descriptor& file, short kind) {
+  return SetLock(file.get(), kind) || (errno != EAGAIN && errno != EACCES);
 }
 
 bool IsStillAt(const NativePath& path, const Descriptor& file) {
@@ -146,7 +152,7 @@ bool Hold(const NativePath& path, Descriptor& file) {
   struct stat status{};
   if (lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
   file = OpenRegularFile(path, O_RDONLY | O_NOFOLLOW);
-  return !file || (Lock(file, LOCK_SH) && IsStillAt(path, file));
+  return !file || (Lock(file, F_RDLCK) && IsStillAt(path, file));
 }
 
 bool IsLink(const NativePath& path) {
@@ -168,13 +174,13 @@ bool Move(const NativePath& source, const NativePath& target) {
   return !Exists(target) && std::rename(source.c_str(), target.c_str()) == 0;
 }
 
-// Null if the file may not be written or another has it open.
+// Null if the file may not be read and written, as its locks need, or another has it open.
 std::unique_ptr<WrittenFile> Create(const NativePath& path) {
   std::unique_ptr<WrittenFile> written(new (std::nothrow) WrittenFile);
   if (!written) return nullptr;
-  Descriptor file = OpenRegularFile(path, O_WRONLY | O_CREAT | O_NOFOLLOW, anyonesFile);
+  Descriptor file = OpenRegularFile(path, O_RDWR | O_CREAT | O_NOFOLLOW, anyonesFile);
   // Its former owner may have renamed it before it was locked.
-  if (!file || !Lock(file, LOCK_EX) || !IsStillAt(path, file)) return nullptr;
+  if (!file || !Lock(file, F_WRLCK) || !IsStillAt(path, file)) return nullptr;
   if (ftruncate(file.get(), 0) != 0) return nullptr;
   written->Open(std::move(file), true);
   return written;
