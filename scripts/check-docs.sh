@@ -8,7 +8,7 @@ readonly build=${1:-build/release}
 failed=0
 complain() { printf '%s\n' "$*" >&2; failed=1; }
 
-git ls-files | grep -vE '\.png$|catalogues/|^fuzz/corpus/' | xargs codespell || failed=1
+git ls-files | grep -vE '\.png$|catalogues/|^fuzz/corpus/' | xargs codespell --ignore-words-list=caf,pressenter,uper || failed=1
 
 git ls-files -z '*.md' | xargs -0 scripts/check-links.sh || failed=1
 

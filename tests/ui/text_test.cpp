@@ -70,7 +70,8 @@ TEST_F(ShownText, OfAMessageIsLookedUpByItsSource) {
     EXPECT_EQ(box.type, MB_ICONERROR);
     shown += box.text + '\n';
   }
-  EXPECT_EQ(shown, "Hallo\nNummer -7\nWrong 5\nUnknown Hello\n<" + std::string(998, 'x') + '\n');
+  const std::string cut(998, 'x');
+  EXPECT_EQ(shown, "Hallo\nNummer -7\nWrong 5\nUnknown Hello\n<" + cut + '\n');
 }
 
 TEST_F(ShownText, OfAButtonDialogStandsAsGivenAndEachButtonTells) {
