@@ -14,7 +14,8 @@ readonly build_packages=(
 )
 readonly test_packages=(
   build-essential ccache clang clang-format-19 clang-tidy-19 codespell curl debhelper dpkg-dev file
-  g++-mingw-w64-i686 g++-mingw-w64-x86-64 iproute2 libclang-rt-dev lintian locales logrotate mmdebstrap nginx openbox postgresql python3 spawn-fcgi systemd wine wine64 xxd
+  g++-mingw-w64-i686 g++-mingw-w64-x86-64 iproute2 libclang-rt-dev lintian locales logrotate mmdebstrap nginx openbox
+  postgresql python3 spawn-fcgi systemd wine wine64 xxd
   fonts-cantarell fonts-liberation fonts-noto-cjk fonts-noto-core qt6-translations-l10n x11-xserver-utils
 )
 
