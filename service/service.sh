@@ -53,7 +53,7 @@ running_pid() {
   local pid
   pid=$(cat "$dir/pid" 2>/dev/null) || return 1
   [[ $pid =~ ^[0-9]+$ ]] || return 1
-  tr '\0' '\n' <"/proc/$pid/cmdline" 2>/dev/null | grep -qxF "$dir/lighttpd.conf" || return 1
+  tr '\0' '\n' 2>/dev/null <"/proc/$pid/cmdline" | grep -qxF "$dir/lighttpd.conf" || return 1
   echo "$pid"
 }
 
