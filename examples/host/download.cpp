@@ -49,9 +49,11 @@ class Destination {
     if (!file) throw Failure(unexpected, path + " cannot be read");
     RemoveFolder();  // now, if an open file can be removed: a reader that leaves early ends this program
     std::array<char, 65536> part;
-    while (const std::size_t length = std::fread(part.data(), 1, part.size(), file.get())) {
+    do {
+      const std::size_t length = std::fread(part.data(), 1, part.size(), file.get());
       if (std::fwrite(part.data(), 1, length, stdout) != length) throw Failure(cannotWrite, outputFault);
-    }
+    } while (std::feof(file.get()) == 0 && std::ferror(file.get()) == 0);
+    if (std::ferror(file.get()) != 0) throw Failure(unexpected, path + " cannot be read");
   }
 
  private:
