@@ -15,6 +15,7 @@
 #include <cstring>
 #include <exception>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace nvsupport::service {
@@ -119,7 +120,7 @@ class Pool {
     for (const Child& other : children) close(other.channel);
     close(signals);
     const int nothing = open("/dev/null", O_RDWR | O_CLOEXEC);
-    dup2(nothing, listener);
+    if (nothing < 0 || dup2(nothing, listener) < 0) _exit(EXIT_FAILURE);
     signal(SIGPIPE, SIG_IGN);
     try {
       work([channel] { return write(channel, "", 1) == 1 ? Message().Receive(channel) : -1; });
@@ -133,22 +134,24 @@ class Pool {
   // Until something comes; a connection goes to a child that asked for one.
   void Wait() {
     std::vector<pollfd> watched = {{signals, POLLIN, 0}, {-1, POLLIN, 0}};
-    Child* asking = nullptr;
-    for (Child& child : children) {
+    for (const Child& child : children) {
       watched.push_back({child.asks || ending ? -1 : child.channel, POLLIN, 0});
-      if (child.asks && !ending) asking = &child;
+      if (child.asks && !ending) watched[1].fd = listener;
     }
-    if (asking) watched[1].fd = listener;
     poll(watched.data(), watched.size(), IsShort() ? moment : -1);
     for (std::size_t i = 0; i < children.size(); ++i) {
       char byte = 0;
       if ((watched[i + 2].revents & POLLIN) != 0) children[i].asks = read(children[i].channel, &byte, 1) == 1;
     }
-    if (!asking || watched[1].revents == 0) return;
-    const int connection = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
+    if (watched[1].revents != 0) HandOver(accept4(listener, nullptr, nullptr, SOCK_CLOEXEC));
+  }
+
+  // To the first that takes it: one that has asked may have been killed since.
+  void HandOver(int connection) {
     if (connection < 0) return;
-    asking->asks = false;
-    Message().Send(asking->channel, connection);
+    for (Child& child : children) {
+      if (std::exchange(child.asks, false) && Message().Send(child.channel, connection)) break;
+    }
     close(connection);
   }
 
