@@ -151,11 +151,11 @@ NewFile Update(std::string_view bytes, std::span<const std::string_view> texts) 
   CatalogueReader reader(bytes);
   CatalogueRecord record;
   while (reader.Next(record)) {
-    const std::string translation(WithoutLineEnd(record.translation));
     if (record.kind != RecordKind::entry) {
       if (record.kind == RecordKind::noTab && WithoutLineEnd(record.source).empty()) continue;
       return Finding{record.line, "the line is no entry; repair or remove it, as check tells"};
     }
+    const std::string translation(WithoutLineEnd(record.translation));
     const bool isOrphan = record.source.starts_with(orphanMark);
     const std::string source = UnescapeCatalogueText(record.source.substr(isOrphan ? orphanMark.size() : 0));
     if (translation == placeholder || translation.empty()) continue;
