@@ -18,7 +18,7 @@
 namespace nvsupport::service {
 namespace {
 
-constexpr std::array<std::string_view, 3> programs = {"svcapp", "svcuser", "mapstore2"};
+constexpr std::array programs = {"svcapp", "svcuser", "mapstore2"};
 constexpr std::array statuses = {200, 400, 403, 404, 405, 411, 413, 429, 503};
 constexpr std::array bounds = {0.001, 0.005, 0.01, 0.025, 0.05, 0.1, 0.25, 0.5, 1.0, 2.5};  // seconds
 constexpr std::size_t places = 1024;  // slots for processes that hash a password, by process id
@@ -110,13 +110,13 @@ std::string CountersText() {
   std::string text = "# TYPE nvservice_requests_total counter\n";
   for (std::size_t program = 0; program < programs.size(); ++program) {
     for (std::size_t status = 0; status < statuses.size(); ++status) {
-      Print(text, "nvservice_requests_total{program=\"%s\",status=\"%d\"} %ju\n", programs[program].data(),
-            statuses[status], std::uintmax_t{All().of[program].requests[status]});
+      Print(text, "nvservice_requests_total{program=\"%s\",status=\"%d\"} %ju\n", programs[program], statuses[status],
+            std::uintmax_t{All().of[program].requests[status]});
     }
   }
   text += "# TYPE nvservice_request_seconds histogram\n";
   for (std::size_t program = 0; program < programs.size(); ++program) {
-    PrintDurations(text, programs[program].data(), All().of[program]);
+    PrintDurations(text, programs[program], All().of[program]);
   }
   const auto hashing = std::ranges::count_if(All().hashing, [](const std::atomic<pid_t>& process) {
     const pid_t number = process;

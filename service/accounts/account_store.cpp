@@ -70,7 +70,7 @@ bool AccountStore::HasPassword(const Candidate& candidate, const std::string& pa
 }
 
 void AccountStore::KnowNetwork(std::int64_t account, const std::string& network, std::int64_t now) {
-  constexpr std::int64_t day = 24 * 60 * 60;
+  constexpr std::int64_t day = std::int64_t{24} * 60 * 60;
   // Written once a day at most.
   if (!database
            .Run("SELECT 1 FROM known_address WHERE account = $1 AND address = $2 AND seen > $3", account, network,

@@ -91,6 +91,7 @@ void SqliteStatement::BindOne(int index, double value) {
 
 void SqliteStatement::BindOne(int index, std::string_view value) {
   const int size = static_cast<int>(value.size());
+  // NOLINTNEXTLINE(bugprone-suspicious-stringview-data-usage): its size goes along
   if (sqlite3_bind_text(handle.get(), index, value.data(), size, SQLITE_TRANSIENT) != SQLITE_OK) {
     Throw(sqlite3_db_handle(handle.get()));
   }

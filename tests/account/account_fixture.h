@@ -71,6 +71,7 @@ class AccountTest : public ::testing::Test {
   // From now on requests are answered by these bodies, one each and the last one again and again.
   void Serve(const std::vector<std::string>& bodies) {
     std::vector<Reply> replies;
+    replies.reserve(bodies.size());
     for (const std::string& body : bodies) replies.push_back(HttpReply(200, body));
     server = std::make_unique<ScriptedServer>(std::move(replies), NV_SERVICE_HOST, authority.Issue(NV_SERVICE_HOST));
   }

@@ -232,7 +232,7 @@ TEST(KeptConnectionsEngine, LeavesTheHostsSigpipeAsItIs) {
 TEST(KeptConnectionOverTls, IsOfTheTrustStoreAsTheFileIsNow) {
   const TestAuthority authority;
   const TlsIdentity shown = authority.Issue(serverName);
-  const std::string store = std::getenv("SSL_CERT_FILE");
+  const std::string store = platform::FindTrustStore().file;
   const std::string good = ReadWholeFile(store);
   const std::string bad = good.substr(0, good.size() / 2) + std::string(good.size() - good.size() / 2, 'A');
   const auto fetch = [] { return Exchange({.flags = INTERNET_FLAG_SECURE}).Fetch(); };

@@ -37,7 +37,7 @@ std::string Repeat(const std::string& text, int times) {
 
 // Whatever a server does to keep the client busy, only what the caller can see renews the time-outs.
 TEST(WebClientFaults, GivesAServerUpThatDoesNotComeToThePoint) {
-  constexpr int many = 500;  // pieces, which take ten seconds in all
+  constexpr std::size_t many = 500;  // pieces, which take ten seconds in all
   const auto slowly = [](const std::string& bytes, std::size_t piece) {
     return Reply{.bytes = bytes, .end = Reply::End::hold, .piece = piece, .pause = 20ms};
   };
@@ -82,6 +82,7 @@ TEST(WebClientFaults, GivesAHostUpThatTakesNoConnection) {
   const ShortTimeouts timeouts;
   platform::webLimits.head = 60s;
   const int listener = socket(AF_INET, SOCK_STREAM, 0);
+  ASSERT_GE(listener, 0);
   sockaddr_in address{};
   socklen_t size = sizeof address;
   EXPECT_EQ(listen(listener, 0), 0);
@@ -89,7 +90,7 @@ TEST(WebClientFaults, GivesAHostUpThatTakesNoConnection) {
   int waiting[3];  // more than it takes before somebody accepts them
   for (int& client : waiting) {
     client = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
-    connect(client, reinterpret_cast<const sockaddr*>(&address), size);
+    static_cast<void>(connect(client, reinterpret_cast<const sockaddr*>(&address), size));
   }
   const ScopedVariable route("NV_CONNECT_TO", "web.example:80:127.0.0.1:" + std::to_string(ntohs(address.sin_port)));
   EXPECT_LT(SecondsOf([] { EXPECT_FALSE(Exchange().Send()); }), 5.0);

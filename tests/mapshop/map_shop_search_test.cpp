@@ -153,6 +153,7 @@ TEST(MapShopSearch, TakesWhatIsSoundInABrokenReply) {
 
 TEST(MapShopSearch, GivesManyRecordsInOrder) {
   std::vector<OfferedItem> offered;
+  offered.reserve(400);
   for (std::int32_t i = 0; i < 400; ++i)
     offered.push_back({std::to_string(i), i, "", std::string(static_cast<std::size_t>(3 * i), 'f'), -i});
   const ScriptedServer service(HttpReply(200, ReplyWith(offered, 9)), NV_SERVICE_HOST);

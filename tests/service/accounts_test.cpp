@@ -346,6 +346,7 @@ TEST_F(Accounts, AreMadeOnceWhenManyAskAtATime) {
     if (store.Create({"reader", "secret", "", "", email, false, ""}, 0) == Status::done) ++made;
   };
   std::vector<std::jthread> threads;
+  threads.reserve(8);
   for (int i = 0; i < 8; ++i) threads.emplace_back(ask, i);
   threads.clear();
   EXPECT_EQ(made, 1);
@@ -429,6 +430,7 @@ TEST(ClientAddress, IsTheLastThatNoTrustedProxyHas) {
 
 TEST(PostgresDatabase, IsReachedOnOtherMachinesByTlsAlone) {
   const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  ASSERT_GE(listener, 0);
   sockaddr_in here = {};
   here.sin_family = AF_INET;
   here.sin_addr.s_addr = htonl(INADDR_LOOPBACK);

@@ -151,7 +151,7 @@ TEST(MapShopService, GivesNoMoreThanFitsIntoAReply) {
   shop.Offer(dense);
   EXPECT_EQ(shop.Answer(Search({{1, 1}}), 3), Finding({0, 2, 4}, 4000));
   EXPECT_EQ(shop.Answer(Search({{7, 7}}), 3), Finding({0, 1, 2}, 4000));
-  EXPECT_EQ(shop.Answer(Search({}), 3000, 100'000).size(), Finding({}, 0).size() + 3000 * 20);
+  EXPECT_EQ(shop.Answer(Search({}), 3000, 100'000).size(), Finding({}, 0).size() + std::size_t{3000} * 20);
 }
 
 TEST(MapShopService, IsNotOfferedProductsAtImpossiblePlaces) {

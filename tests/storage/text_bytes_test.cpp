@@ -24,7 +24,7 @@ void CheckGbk(const std::filesystem::path& locales) {
   const std::string text = "abc\xd6\xd0";  // a, b, c and U+4E2D
   unsigned char field[5] = "####";
   _mbsnbcpy(field, reinterpret_cast<const unsigned char*>(text.c_str()), 4);
-  EXPECT_EQ(std::string(field, field + 5), std::string("abc\0", 5)) << "no half of a character";
+  EXPECT_EQ(std::string(field, field + 5), std::string("abc\0\0", 5)) << "no half of a character";
   EXPECT_EQ(platform::ToUtf8(text), "abc\u4e2d");
   EXPECT_EQ(platform::ToUtf8("\xe9"), "\u00e9");
   EXPECT_EQ(platform::FromUtf8("abc\u4e2d\u00df!"), text + "?!");

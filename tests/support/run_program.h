@@ -39,6 +39,7 @@ class Process {
     int ends[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) return;
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (std::string& argument : command) arguments.push_back(argument.data());
     arguments.push_back(nullptr);
     process = fork();

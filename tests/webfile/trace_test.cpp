@@ -1,4 +1,6 @@
 // The trace: what it tells, and that it keeps the user's secrets.
+#include <vector>
+
 #include "account/account_fixture.h"
 #include "support/run_program.h"
 
@@ -22,12 +24,12 @@ TEST_F(Trace, TellsWhatHappenedButNoSecret) {
   WriteWholeFile(home.folder / "data/Large-Service/settings.ini", std::string((1 << 20) + 1, '#'));
   std::string trace = traceOf(token) + traceOf("whoami --product Large") +
                       traceOf("download web.example a.map?secret=1 " + (home.folder / "a.map"));
-  for (const std::string told :
-       {"web POST https://" NV_SERVICE_HOST "/cgi-bin/svcapp.cgi\n", "web status 200 after ",
-        "web 32 bytes of the body after ", ": whole\n", "registry key ", "web GET http://web.example/a.map\n",
-        "\"nonsense \xC3\xA9???????????\" is malformed\n", "/norvane/registry.reg\n", " = \"Klingon\"\n",
-        "nvsupport.Klingon.txt", "files read ", "settings.ini\n",
-        "/Large-Service/settings.ini: more than 1048576 bytes\n", "files create ", "a.map.TMP\n"}) {
+  for (const std::string& told : std::vector<std::string>{
+           "web POST https://" + std::string(NV_SERVICE_HOST) + "/cgi-bin/svcapp.cgi\n", "web status 200 after ",
+           "web 32 bytes of the body after ", ": whole\n", "registry key ", "web GET http://web.example/a.map\n",
+           "\"nonsense \xC3\xA9???????????\" is malformed\n", "/norvane/registry.reg\n", " = \"Klingon\"\n",
+           "nvsupport.Klingon.txt", "files read ", "settings.ini\n",
+           "/Large-Service/settings.ini: more than 1048576 bytes\n", "files create ", "a.map.TMP\n"}) {
     EXPECT_NE(trace.find(told), std::string::npos) << told;
   }
   const ScopedVariable noExceptions("no_proxy", "");

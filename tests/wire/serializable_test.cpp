@@ -62,7 +62,7 @@ std::string Take(CSerializable* object) {
 std::string ReadOne(const std::string& bytes) {
   const File file(std::tmpfile());
   std::fwrite(bytes.data(), 1, bytes.size(), file.get());
-  std::rewind(file.get());
+  std::fseek(file.get(), 0, SEEK_SET);
   ChunkReader reader{file.get()};
   const std::string objects = Take(reader.ReadChunk().release());
   EXPECT_EQ(reader.chunkEnd, nullptr);
@@ -75,7 +75,7 @@ std::string BytesOf(CSerializable& object) {
   ChunkWriter writer{file.get()};
   EXPECT_TRUE(object.WriteChunk(writer));
   std::string bytes(static_cast<std::size_t>(std::ftell(file.get())), '\0');
-  std::rewind(file.get());
+  std::fseek(file.get(), 0, SEEK_SET);
   EXPECT_EQ(std::fread(bytes.data(), bytes.size(), 1, file.get()), 1u);
   return bytes;
 }

@@ -11,6 +11,7 @@ constexpr std::string_view gap = "  ";
 
 TextTable::TextTable(std::vector<Column> tableColumns) : columns(std::move(tableColumns)) {
   std::vector<std::string> titles;
+  titles.reserve(columns.size());
   for (const Column& column : columns) titles.push_back(column.title);
   AddRow(titles);
 }

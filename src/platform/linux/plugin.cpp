@@ -18,7 +18,7 @@ std::string Beside(const std::string& module, const char* name) {
 std::string PluginPath(const char* name) {
   char path[PATH_MAX];
   if (GetModuleFileNameA(GetModuleHandleA(nullptr), path, sizeof path) == 0) return name;
-  const std::string plugin = Beside(path, name);
+  std::string plugin = Beside(path, name);
   char target[PATH_MAX];
   if (access(plugin.c_str(), F_OK) == 0 || realpath(path, target) == nullptr) return plugin;
   const std::string pluginOfTarget = Beside(target, name);

@@ -68,6 +68,7 @@ class FileSearch {
   bool Fill(const char* name, WIN32_FIND_DATAA& data) const {
     const std::size_t length = std::strlen(name);
     struct stat status{};
+    // NOLINTNEXTLINE(clang-analyzer-unix.StdCLibraryFunctions): an open folder has a descriptor
     if (length >= sizeof data.cFileName || fstatat(dirfd(folder.get()), name, &status, AT_SYMLINK_NOFOLLOW) != 0)
       return false;
     data.dwFileAttributes = S_ISDIR(status.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL;

@@ -216,6 +216,7 @@ auto Traced(const char* what, const NativePath& path, Action action) {
   if (outcome) {
     Trace(TraceArea::files, "%s %s", what, path.c_str());
   } else {
+    // NOLINTNEXTLINE(clang-analyzer-unix.Errno): zero, if no call has failed
     Trace(TraceArea::files, "%s %s: %s", what, path.c_str(), errno != 0 ? std::strerror(errno) : "refused");
   }
   return outcome;

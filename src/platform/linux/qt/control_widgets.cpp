@@ -25,8 +25,8 @@ class CheckBox final : public QCheckBox {
 QString WithoutMarks(const QString& text) {
   QString plain;
   for (qsizetype i = 0; i < text.size(); ++i) {
-    if (text[i] == QLatin1Char('&') && ++i == text.size()) break;
-    plain += text[i];
+    if (text[i] == QLatin1Char('&')) ++i;
+    if (i < text.size()) plain += text[i];
   }
   return plain;
 }

@@ -86,6 +86,7 @@ void DialogWidget::SetOwner(OwnerWindow ownerWindow) {
 
 void DialogWidget::ShowActive() {
   std::vector<QWidget*> widgets;
+  widgets.reserve(controls.size());
   for (const auto& [control, widget] : controls) widgets.push_back(widget);
   GiveAccessKeys(widgets);
   show();

@@ -35,7 +35,7 @@ QString WaylandFault() {
   QByteArray path = qgetenv("WAYLAND_DISPLAY");
   if (path.isEmpty()) return QStringLiteral("WAYLAND_DISPLAY is not set");
   if (!path.startsWith('/')) path = qgetenv("XDG_RUNTIME_DIR") + '/' + path;
-  const QString silent = QStringLiteral("no Wayland server answers at ") + QString::fromLocal8Bit(path);
+  QString silent = QStringLiteral("no Wayland server answers at ") + QString::fromLocal8Bit(path);
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
   if (static_cast<std::size_t>(path.size()) >= sizeof address.sun_path) return silent;
