@@ -117,6 +117,17 @@ TEST_P(KeptConnection, SurvivesAServerThatGoesWhileItIsSentTo) {
   EXPECT_EQ(server.Requests().size(), 2u);
 }
 
+// Some versions of libcurl fail then, some skip the blank; older ones write behind the last header of the reply before,
+// which they have freed.
+TEST_P(KeptConnection, SurvivesAReplyWhoseFirstHeaderContinuesNone) {
+  const Reply folded{.bytes = "HTTP/1.1 200 OK\r\n X: y\r\nContent-Length: 3\r\n\r\ntwo", .end = Reply::End::keep};
+  const ScriptedServer server(std::vector{HttpReply(200, "one"), folded, HttpReply(200, "three")}, serverName, shown);
+  EXPECT_EQ(Open().Fetch(), "one");
+  const std::string got = Open("POST").Fetch("body");
+  EXPECT_TRUE(got == "two" || got == "!") << got;
+  EXPECT_EQ(Open().Fetch(), "three");
+}
+
 TEST_P(KeptConnection, IsReplacedWhenTheServerHasClosedIt) {
   const ScriptedServer server(Reply{.bytes = HttpReply(200, "once").bytes}, serverName, shown);
   for (int i = 0; i < 20; ++i) EXPECT_EQ(Open().Fetch(), "once");

@@ -210,10 +210,15 @@ void MultiDeleter::operator()(CURLM* multi) const {
   curl_multi_cleanup(multi);
 }
 
+void ShareDeleter::operator()(CURLSH* share) const {
+  curl_share_cleanup(share);
+}
+
 WebEngine::WebEngine(WebPeer served)
-    : peer(std::move(served)), owner(getpid()), multi(MakeMulti()), easy(curl_easy_init()) {
-  if (!multi || !easy) throw std::bad_alloc();
+    : peer(std::move(served)), owner(getpid()), sessions(curl_share_init()), multi(MakeMulti()) {
+  if (!sessions || !multi) throw std::bad_alloc();
   ++count;
+  curl_share_setopt(sessions.get(), CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
   curl_multi_setopt(multi.get(), CURLMOPT_MAXCONNECTS, 1L);
 }
 
@@ -223,6 +228,7 @@ WebEngine::~WebEngine() {
   // Not closed: that would end the parent's TLS connections.
   static_cast<void>(easy.release());
   static_cast<void>(multi.release());
+  static_cast<void>(sessions.release());
 }
 
 bool WebEngine::IsOfThisProcess() const {
@@ -239,6 +245,13 @@ bool WebEngine::CanReuse(std::chrono::milliseconds longestIdle) const {
   return poll(&events, 1, 0) == 0;
 }
 
+// On a handle that had another transfer, libcurl before 8.1.1 takes a first header that begins with a blank for the
+// rest of one that it has freed.
+void WebEngine::BeginTransfer() {
+  easy.reset(curl_easy_init());
+  if (!easy || curl_easy_setopt(easy.get(), CURLOPT_SHARE, sessions.get()) != CURLE_OK) throw std::bad_alloc();
+}
+
 void WebEngine::BeginRequest() {
   curl_tlssessioninfo* session = nullptr;
   tls = {};
@@ -252,7 +265,7 @@ void WebEngine::EndTransfer(bool whole) {
   idleSince = Uptime();
   window.Wipe();
   curl_multi_remove_handle(multi.get(), easy.get());
-  curl_easy_reset(easy.get());
+  easy.reset();
 }
 
 // libcurl reads no more than the body; the TLS library may hold further bytes of the same record.
@@ -269,7 +282,9 @@ void PinCurl() {
 
 Engine TakeWebEngine(const WebPeer& peer) {
   Engine engine = ThePool().Take(peer);
-  return engine ? std::move(engine) : std::make_unique<WebEngine>(peer);
+  if (!engine) engine = std::make_unique<WebEngine>(peer);
+  engine->BeginTransfer();
+  return engine;
 }
 
 void GiveBackWebEngine(Engine engine) {

@@ -1,5 +1,5 @@
-// A transfer engine is libcurl with all that it keeps from one exchange to the next: an open connection, TLS sessions,
-// resolved names and the parsed trust store. Some engines idle between exchanges. Used by WebExchange.
+// A transfer engine is what libcurl keeps from one exchange to the next: an open connection, TLS sessions, resolved
+// names and the parsed trust store. Some engines idle between exchanges. Used by WebExchange.
 #ifndef NVSUPPORT_PLATFORM_LINUX_WEB_ENGINE_H
 #define NVSUPPORT_PLATFORM_LINUX_WEB_ENGINE_H
 
@@ -23,6 +23,9 @@ struct EasyDeleter {
 struct MultiDeleter {
   void operator()(CURLM* multi) const;
 };
+struct ShareDeleter {
+  void operator()(CURLSH* share) const;
+};
 
 // What an engine is for. All that it keeps is used for this alone.
 struct WebPeer {
@@ -41,6 +44,7 @@ class WebEngine {
   WebEngine(const WebEngine&) = delete;
   WebEngine& operator=(const WebEngine&) = delete;
 
+  // Of the transfer that has begun.
   CURL* Easy() const { return easy.get(); }
   CURLM* Multi() const { return multi.get(); }
   // Empty between exchanges.
@@ -55,6 +59,8 @@ class WebEngine {
   // True if its connection, if there is one, may carry another request: it idled no longer than that, it is open, and
   // nothing came on it meanwhile, which would be read as the reply.
   bool CanReuse(std::chrono::milliseconds longestIdle) const;
+  // Throws std::bad_alloc.
+  void BeginTransfer();
   // A request goes out on a connection.
   void BeginRequest();
   // Ends the transfer's use of the engine. whole: the reply came to its end.
@@ -67,6 +73,7 @@ class WebEngine {
 
   const WebPeer peer;
   const pid_t owner;
+  std::unique_ptr<CURLSH, ShareDeleter> sessions;  // of TLS
   std::unique_ptr<CURLM, MultiDeleter> multi;
   std::unique_ptr<CURL, EasyDeleter> easy;
   curl_socket_t connection = CURL_SOCKET_BAD;  // the one that is kept
@@ -78,8 +85,9 @@ class WebEngine {
 // Keeps libcurl's code in memory to the end of the process.
 void PinCurl();
 
-// Takes an engine for one exchange: the one that came back last, or a new one. Closes engines that idled for too long,
-// or whose servers were verified by a trust store that has changed. Initialises libcurl at the first call.
+// Takes an engine and begins a transfer: the one that came back last, or a new one. Closes engines that idled for too
+// long, or whose servers were verified by a trust store that has changed. Initialises libcurl at the first call. Throws
+// std::bad_alloc.
 std::unique_ptr<WebEngine> TakeWebEngine(const WebPeer& peer);
 // Gives an engine back that has no transfer any more.
 void GiveBackWebEngine(std::unique_ptr<WebEngine> engine);

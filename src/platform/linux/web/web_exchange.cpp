@@ -117,7 +117,6 @@ bool WebExchange::SendOnce(const std::string& url, const WebRequest& request, st
   const TrustStore trust = request.secure ? FindTrustStore() : TrustStore();
   engine = TakeWebEngine({.origin = OriginOf(url), .trust = trust});
   CURL* const easy = engine->Easy();
-  curl_easy_reset(easy);  // again: without memory, the reset after the last transfer was incomplete
   if (!SetTransferOptions(easy, url, request, trust, headers.get(), connectTo.get(), body)) return false;
   const bool reuses = engine->CanReuse(request.post ? webLimits.idleBeforeBody : webLimits.idle);
   curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, reuses ? 0L : 1L);

@@ -104,8 +104,7 @@ bool SetTransferOptions(CURL* easy, const std::string& url, const WebRequest& re
   // libcurl looks names up on a thread that cannot be interrupted. Waiting for its end could outlast the time-out.
   options.Set(CURLOPT_QUICK_EXIT, 1L);
   options.Set(CURLOPT_OPENSOCKETFUNCTION, &OpenSocket);
-  // libcurl refuses this if a transfer that failed early left its buffer behind; then that buffer is used.
-  curl_easy_setopt(easy, CURLOPT_BUFFERSIZE, webReceiveSize);
+  options.Set(CURLOPT_BUFFERSIZE, webReceiveSize);
   options.Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
   // No signals: those of the process are the host's.
   options.Set(CURLOPT_NOSIGNAL, 1L);
