@@ -62,7 +62,6 @@ class World:
 class Account:
     def __init__(self):
         self.worlds, self.failures = {World()}, 0
-        self.repeats_end = float("inf")  # until when a request to make it may come again
 
     def saw(self, answer, what, *arguments):
         """Takes an answer to an operation, None for a failure; false if the service may not give it."""
