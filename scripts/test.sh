@@ -34,21 +34,22 @@ test_all() {
   ctest --preset dev -j2
 }
 
-# Name and command of each step, in the order in which they run.
+# Name and command of each step, in the order in which they run. One with a & runs beside those behind it: it leaves a
+# processor idle for much of its time, and shares no folder with them.
 readonly steps=(
-  "format check_format"                # every source as clang-format leaves it
-  "lint scripts/lint.sh --fast"        # clang-tidy, where it is fast
-  "release build_release"              # optimised build of everything, with the module's exports
-  "soak scripts/soak.sh 0.3 1"         # the module against a server that spoils its replies, 18 seconds
-  "model scripts/service_model.sh 5 1" # the account service against a model, over both databases
-  "windows scripts/test_windows.sh"    # cross build of the DLL, and the trial of it in Wine
-  "bare scripts/check-bare.sh"         # the module alone, and what its build asks for
-  "documents scripts/check-docs.sh"    # spelling, links, and manuals against the programs
-  "install scripts/test_install.sh"    # an installation, with hosts built against it
-  "packages scripts/test_packages.sh"  # the Debian packages, tried in a root of their own; the library's twice
-  "threads test_threads"               # what has threads, under ThreadSanitizer
-  "tests test_all"                     # every test, under AddressSanitizer and UndefinedBehaviorSanitizer
-  "fuzz scripts/fuzz.sh"               # every fuzz target, five seconds each
+  "format check_format"                 # every source as clang-format leaves it
+  "lint scripts/lint.sh --fast"         # clang-tidy, where it is fast
+  "release build_release"               # optimised build of everything, with the module's exports
+  "packages & scripts/test_packages.sh" # the Debian packages, tried in a root of their own; the library's twice
+  "soak scripts/soak.sh 0.3 1"          # the module against a server that spoils its replies, 18 seconds
+  "model scripts/service_model.sh 5 1"  # the account service against a model, over both databases
+  "windows scripts/test_windows.sh"     # cross build of the DLL, and the trial of it in Wine
+  "bare scripts/check-bare.sh"          # the module alone, and what its build asks for
+  "documents scripts/check-docs.sh"     # spelling, links, and manuals against the programs
+  "install scripts/test_install.sh"     # an installation, with hosts built against it
+  "threads test_threads"                # what has threads, under ThreadSanitizer
+  "tests test_all"                      # every test, under AddressSanitizer and UndefinedBehaviorSanitizer
+  "fuzz scripts/fuzz.sh 3"              # every fuzz target, three seconds each
 )
 
 names() { printf '%s\n' "${steps[@]%% *}"; }
@@ -65,15 +66,12 @@ is_wanted() {
   (($# == 0)) || [[ " $* " == *" $name "* ]]
 }
 
-scripts/install-packages.sh test
-
-table='' failed=0
-for entry in "${steps[@]}"; do
-  read -r name command <<<"$entry"
-  is_wanted "$name" "$@" || continue
+# Runs a step and writes its line of the table.
+run_step() {
+  local -r name=$1 command=$2 started=$SECONDS
+  local status result left_out
+  export NV_LEFT_OUT=$results/$name.left_out
   printf '\n== %s\n' "$name"
-  started=$SECONDS
-  rm -f build/left_out
   # Not as a condition: within one, a function goes on behind a command that failed.
   set +e
   (set -e && $command)
@@ -83,12 +81,38 @@ for entry in "${steps[@]}"; do
   0) result=passed ;;
   77) result=skipped ;;
   *)
-    result=FAILED failed=1
+    result=FAILED
+    touch "$results/failed"
     printf '== %s FAILED\n' "$name"
     ;;
   esac
-  left_out=$(cat build/left_out 2>/dev/null || true)
-  table+=$(printf '%-10s %-8s %7d' "$name" $result $((SECONDS - started)))${left_out:+  skipped: $left_out}$'\n'
+  left_out=$(cat "$NV_LEFT_OUT" 2>/dev/null || true)
+  printf '%-10s %-8s %7d%s\n' "$name" $result $((SECONDS - started)) "${left_out:+  skipped: $left_out}" >"$results/$name"
+}
+
+scripts/install-packages.sh test
+
+results=$(mktemp -d) beside=''
+trap '[[ ! $beside ]] || kill -- "-$beside" 2>/dev/null; rm -rf "$results"' EXIT
+for entry in "${steps[@]}"; do
+  read -r name command <<<"$entry"
+  is_wanted "$name" "$@" || continue
+  if [[ $command == '& '* ]]; then
+    set -m # in a process group of its own, which ends with this script
+    run_step "$name" "${command#& }" </dev/null >"$results/log" 2>&1 &
+    set +m
+    beside=$!
+  else
+    run_step "$name" "$command"
+  fi
 done
-printf '\n%-10s %-8s %7s\n%s' step result seconds "$table"
-exit $failed
+if [[ $beside ]]; then
+  wait "$beside"
+  beside=''
+  cat "$results/log"
+fi
+printf '\n%-10s %-8s %7s\n' step result seconds
+for name in $(names); do
+  ! is_wanted "$name" "$@" || cat "$results/$name"
+done
+[[ ! -e $results/failed ]]

@@ -27,7 +27,9 @@ if [[ ${1:-} != --made ]]; then
   done
   find "$work/installed/usr/share/doc" -name '*.md' -print0 | xargs -0 scripts/check-links.sh
   rm -rf "$work"
-  ((EUID == 0)) || ! command -v sudo >/dev/null || exec sudo "$PWD/scripts/test_packages.sh" --made
+  ask=(-n) # nobody answers a question of what runs in the background
+  [[ ! -t 0 ]] || ask=()
+  ((EUID == 0)) || ! command -v sudo >/dev/null || exec sudo "${ask[@]}" "$PWD/scripts/test_packages.sh" --made
 fi
 
 needs_own_root

@@ -26,7 +26,7 @@ if [[ ${1:-} != in-own-network ]]; then
   cmake --build --preset release --target svcapp svcuser mapstore2 nvsupport nvsupport-web nv_paired_host
   own_network=(unshare --map-current-user --keep-caps --net --mount)
   "${own_network[@]}" true 2>/dev/null && exec "${own_network[@]}" scripts/test_windows.sh in-own-network
-  echo "what needs the service: no network of one's own is allowed here" | tee build/left_out
+  echo "what needs the service: no network of one's own is allowed here" | tee "${NV_LEFT_OUT:-/dev/null}"
 fi
 readonly network=${1:-}
 
