@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the DLL, for 32 bits too, and tries the one of 64 bits in Wine, on a virtual screen: the example hosts search,
 # download, read and get tokens from the local service over TLS, the dialogs by keyboard, 200 loads and unloads; then
-# some ninety cases are played to the DLL and to the module of Linux, and compared.
+# some 150 cases are played to the DLL and to the module of Linux, and compared.
 #
 # The DLL asks the real names of the service at their real ports, so all of this happens in a network of its own, with a
 # host table and a trust store of its own. Where the machine allows no such network, what needs the service is left out.
@@ -23,7 +23,7 @@ if [[ ${1:-} != in-own-network ]]; then
   cmake --build --preset windows32 --target nvsupport minimal
   scripts/check-exports.sh build/windows32/nvsupport.dll
   cmake --preset release >/dev/null
-  cmake --build --preset release --target svcapp svcuser mapstore2 nvsupport nvsupport-web nv_paired_host
+  cmake --build --preset release --target svcapp svcuser mapstore2 nvsupport nvsupport-web nvsupport-qt nv_paired_host
   own_network=(unshare --map-current-user --keep-caps --net --mount)
   "${own_network[@]}" true 2>/dev/null && exec "${own_network[@]}" scripts/test_windows.sh in-own-network
   echo "what needs the service: no network of one's own is allowed here" | tee "${NV_LEFT_OUT:-/dev/null}"
@@ -95,6 +95,9 @@ ends_with() {
   host_pid=
   ((code == $1)) || fail "nvhost token ended with $code, not with $1"
 }
+
+# Without a window manager, Wine would wait two seconds for one whenever a window closes.
+wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
 
 # Wine's desktop goes with its last window and has ten seconds to come, too few on a busy machine: so it is held.
 tries=0
