@@ -95,6 +95,13 @@ std::size_t CutCharacter(std::string_view text) {
   }
 }
 
+// Bytes in front of the first that begins a character beyond the end of Unicode, which iconv accepts in UTF-8.
+std::size_t SoundBytes(std::string_view bytes) {
+  std::size_t at = 0;
+  while (at < bytes.size() && (CodePage() != utf8Name || bytes.substr(at, 2) < "\xF4\x90")) ++at;
+  return at;
+}
+
 void SkipUtf8Character(std::string_view& text) {
   do text.remove_prefix(1);
   while (!text.empty() && (static_cast<unsigned char>(text.front()) & 0xC0) == 0x80);
@@ -122,11 +129,15 @@ std::string ToUtf8(std::string_view bytes) {
   if (CodePage() == utf8Name && std::none_of(bytes.begin(), bytes.end(), IsAboveAscii)) return std::string(bytes);
   Converter toUtf8(utf8Name, CodePage().c_str());
   std::string utf8;
-  while (toUtf8.Convert(bytes, utf8) != 0) {
+  for (std::size_t sound = SoundBytes(bytes);;) {
+    std::string_view rest = bytes.substr(0, sound);
+    toUtf8.Convert(rest, utf8);
+    bytes.remove_prefix(sound - rest.size());
+    if (bytes.empty()) return utf8;
     AppendUtf8(utf8, FromWindows1252(static_cast<unsigned char>(bytes.front())));
     bytes.remove_prefix(1);
+    sound = rest.empty() ? SoundBytes(bytes) : rest.size() - 1;
   }
-  return utf8;
 }
 
 std::string FromUtf8(std::string_view utf8) {
