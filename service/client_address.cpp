@@ -18,9 +18,9 @@ constexpr unsigned allBits = 128;
 constexpr unsigned bitsBeforeIpv4 = 96;  // in front of an IPv4 address that is written as IPv6
 using Address = std::array<std::uint8_t, allBits / 8>;
 
-// IPv4 as "::ffff:a.b.c.d".
+// IPv4 as "::ffff:a.b.c.d", where a number without dots would be taken, too.
 std::optional<Address> Parse(std::string text) {
-  if (text.find(':') == std::string::npos) text = "::ffff:" + text;
+  if (text.find(':') == std::string::npos && text.find('.') != std::string::npos) text = "::ffff:" + text;
   Address address = {};
   if (inet_pton(AF_INET6, text.c_str(), address.data()) != 1) return std::nullopt;
   return address;
