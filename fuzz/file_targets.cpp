@@ -1,7 +1,9 @@
 // What the library reads from files and resources.
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 #include <memory>
+#include <string>
 
 #include "fuzz.h"
 #include "language/catalogue_reader.h"
@@ -25,25 +27,35 @@ bool CopySettings(const std::string& from, const std::string& to) {
   return true;
 }
 
-// What was saved loads to the same entries, once keys that look like comments are gone.
+// A value comes back. What was saved loads to the same entries, once keys that look like comments are gone.
 void Settings(std::string_view input) {
   static const testing::TemporaryFolder folder;
   const std::string first = folder / "first";
   const std::string second = folder / "second";
   const std::string third = folder / "third";
+  CSettingsFile settings;
+  settings.SetText("key", std::string(input));
+  Require(settings.Save(first));
+  CSettingsFile loaded;
+  Require(loaded.Load(first) && loaded.GetText("key") == input);
   // Escapes can make it too large to load.
   if (!CopySettings(FileWith(input), first) || !CopySettings(first, second) || !CopySettings(second, third)) return;
   Require(testing::ReadWholeFile(second) == testing::ReadWholeFile(third));
 }
 
+// Every text has the translation of its last record, as the translators' tool reads them, and any other one none.
 void Catalogue(std::string_view input) {
   CTranslationCatalogue catalogue;
-  catalogue.LoadCatalogueFile(FileWith(input));
+  const bool loaded = catalogue.LoadCatalogueFile(FileWith(input));
+  std::map<std::string, std::string> expected;
   CatalogueReader reader(input);
   CatalogueRecord record;
   while (reader.Next(record)) {
-    if (record.kind == RecordKind::entry) catalogue.Translate(UnescapeCatalogueText(record.source));
+    if (record.kind != RecordKind::entry) continue;
+    expected[UnescapeCatalogueText(record.source)] = UnescapeCatalogueText(record.translation);
   }
+  Require(loaded == !expected.empty());
+  for (const auto& [source, translation] : expected) Require(catalogue.Translate(source) == translation);
 }
 
 void Free(CSerializable* object) {
@@ -53,12 +65,26 @@ void Free(CSerializable* object) {
   delete object;
 }
 
+// What was read is written and read again, and written as it was the first time.
+std::string Rewritten(std::string bytes) {
+  const platform::FileStream from(fmemopen(bytes.data(), bytes.size(), "rb"));
+  const platform::FileStream to(std::tmpfile());
+  ChunkReader reader{from.get()};
+  ChunkWriter writer{to.get()};
+  while (CSerializable* const object = reader.ReadChunk().release()) {
+    Require(object->WriteChunk(writer));
+    Free(object);
+  }
+  std::string written(static_cast<std::size_t>(std::ftell(to.get())), '\0');
+  Require(std::fseek(to.get(), 0, SEEK_SET) == 0 &&
+          std::fread(written.data(), 1, written.size(), to.get()) == written.size());
+  return written;
+}
+
 void ObjectFile(std::string_view input) {
   if (input.empty()) return;  // of which fmemopen makes no stream
-  std::string bytes(input);
-  const platform::FileStream stream(fmemopen(bytes.data(), bytes.size(), "rb"));
-  ChunkReader reader{stream.get()};
-  while (CSerializable* const object = reader.ReadChunk().release()) Free(object);
+  const std::string written = Rewritten(std::string(input));
+  if (!written.empty()) Require(Rewritten(written) == written);
 }
 
 void Registry(std::string_view input) {
@@ -90,7 +116,10 @@ void FormatCheck(std::string_view input) {
   const std::size_t end = std::min(input.find('\n'), input.size());
   const std::string_view source = input.substr(0, end);
   const std::string_view translation = input.substr(std::min(end + 1, input.size()));
-  Require(HaveSameConversions(source, translation) == HaveSameConversions(translation, source));
+  const bool same = HaveSameConversions(source, translation);
+  Require(same == HaveSameConversions(translation, source));
+  Require(same == HaveSameConversions("%%" + std::string(source), translation));
+  Require(HaveSameConversions(source, source));
 }
 
 }  // namespace
