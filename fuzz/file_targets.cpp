@@ -68,16 +68,18 @@ void Free(CSerializable* object) {
 // What was read is written and read again, and written as it was the first time.
 std::string Rewritten(std::string bytes) {
   const platform::FileStream from(fmemopen(bytes.data(), bytes.size(), "rb"));
-  const platform::FileStream to(std::tmpfile());
+  char* buffer = nullptr;
+  std::size_t size = 0;
+  platform::FileStream to(open_memstream(&buffer, &size));
   ChunkReader reader{from.get()};
   ChunkWriter writer{to.get()};
   while (CSerializable* const object = reader.ReadChunk().release()) {
     Require(object->WriteChunk(writer));
     Free(object);
   }
-  std::string written(static_cast<std::size_t>(std::ftell(to.get())), '\0');
-  Require(std::fseek(to.get(), 0, SEEK_SET) == 0 &&
-          std::fread(written.data(), 1, written.size(), to.get()) == written.size());
+  to.reset();
+  std::string written(buffer, size);
+  std::free(buffer);
   return written;
 }
 
