@@ -14,7 +14,7 @@ namespace {
 TEST(MultiByteText, BytesThatAreNoUtf8AreShownAsWindows1252) {
   EXPECT_EQ(platform::ToUtf8("Gru\xdf \x80, cut \xe2\x82"), "Gru\u00df \u20ac, cut \u00e2\u201a");
   EXPECT_EQ(platform::ToUtf8("\xed\xa0\x80"), "\u00ed\u00a0\u20ac") << "a half of a surrogate pair is no character";
-  EXPECT_EQ(platform::ToUtf8("\xf4\x8f\xbf\xbf|\xf4\x90\x85|\xe9"), "\U0010ffff|\u00f4\uFFFD\u2026|\u00e9")
+  EXPECT_EQ(platform::ToUtf8("\xf4\x8f\xbf\xbf|\xf4\x90\x85\x85|\xe9"), "\U0010ffff|\u00f4\uFFFD\u2026\u2026|\u00e9")
       << "nor one beyond";
 }
 
