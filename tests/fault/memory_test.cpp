@@ -128,17 +128,13 @@ TEST_F(ShortOfMemory, ATransferIsWholeOrLeavesNothing) {
   EXPECT_TRUE(done);
 }
 
-TEST_F(ShortOfMemory, ATokenIsWholeOrThereIsNone) {
+TEST_F(ShortOfMemory, ATokenAndASessionAreWholeOrThereAreNone) {
   Serve({Int(0) + Text("token")});
   OpenSession({"ann", "secret1"});
   char token[20] = "";
   bool done = false;
   GoShortOfMemory([&] { done = xff99a5e4(nullptr, token); }, [&] { EXPECT_STREQ(token, done ? "token" : ""); });
   EXPECT_TRUE(done);
-}
-
-TEST_F(ShortOfMemory, ASessionOpensOrDoesNot) {
-  OpenSession({"ann", "secret1"});
   GoShortOfMemory([] { x3e491215("Test Product"); });
   EXPECT_STREQ(x0d83f18d(), "ann");
 }

@@ -30,7 +30,7 @@ std::string Widened(const std::string& text) {
   return bytes;
 }
 
-TEST(CatalogueFormat, ReadsOddLinesAlikeInBothForms) {
+TEST(CatalogueFormat, ReadsOddLinesAlikeInBothFormsAndTheExampleOfItsDocument) {
   const std::pair<std::string, Entries> cases[] = {
       {"\n\nno tab\na1\t1\r\na2\t2\ta\r\n\ta3\t3\n\t\t\ta4\t4\n\tlost\na5\t\n\ta6\t\r\na7\t7\na7\t8\nno tab\tat the "
        "end",
@@ -50,24 +50,18 @@ TEST(CatalogueFormat, ReadsOddLinesAlikeInBothForms) {
     EXPECT_EQ(ReadEntries(text), entries) << text;
     EXPECT_EQ(ReadEntries(Widened(text)), entries) << "wide: " << text;
   }
+  const std::string bytes = testing::DocumentedBytes(NV_SOURCE_FOLDER "/docs/catalogue_format.md", "catalogue");
+  EXPECT_EQ(ReadEntries(bytes), (Entries{{"Say \"yes\"", "Dites \"oui\""}, {"Page %d\nof %d", "Seite %d\nvon %d"}}));
 }
 
-TEST(CatalogueFormat, TellsTheFormsByTheFirstTwoBytes) {
+TEST(CatalogueFormat, TellsTheFormsByTheFirstTwoBytesAndCutsWideCharactersAtLast) {
   EXPECT_EQ(ReadEntries("\xFF\xFE"), Entries{});
   EXPECT_EQ(ReadEntries(Widened("A\tB") + "\n"), (Entries{{"A", "B"}})) << "an odd last byte is no character";
   EXPECT_EQ(ReadEntries("\xFE\xFF\0A\0\t\0B"s), (Entries{{"\xFE\xFF\0A\0"s, "\0B"s}})) << "big-endian";
   EXPECT_EQ(ReadEntries("\xFF\tA"), (Entries{{"\xFF", "A"}}));
-}
-
-TEST(CatalogueFormat, CutsWideCharactersOnlyAfterLookingForTabAndLineFeed) {
   // U+0109 and U+010A end in the bytes of a tab and a line feed but are neither; U+2022 becomes a double quote.
   EXPECT_EQ(ReadEntries("\xFF\xFE\x09\x01\x0A\x01\t\0B\0\x41\x30"s), (Entries{{"\t\n", "BA"}}));
   EXPECT_EQ(ReadEntries("\xFF\xFEZ\0\t\0B\0\x22\x20"s), (Entries{{"Z", "B"}}));
-}
-
-TEST(CatalogueFormat, ReadsTheWorkedExampleOfItsDocument) {
-  const std::string bytes = testing::DocumentedBytes(NV_SOURCE_FOLDER "/docs/catalogue_format.md", "catalogue");
-  EXPECT_EQ(ReadEntries(bytes), (Entries{{"Say \"yes\"", "Dites \"oui\""}, {"Page %d\nof %d", "Seite %d\nvon %d"}}));
 }
 
 TEST(FormatCheck, AcceptsOnlyTheVeryConversionsOfTheSource) {

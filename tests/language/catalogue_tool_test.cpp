@@ -12,11 +12,7 @@ namespace {
 
 using namespace std::string_literals;
 
-TEST(CatalogueTool, TellsItsVersion) {
-  EXPECT_EQ(testing::RunProgram({NV_CATALOGUE, "--version"}).output, "nvcatalogue " NVSUPPORT_VERSION "\n");
-}
-
-TEST(CatalogueCheck, FindsWhatTheReaderWouldLose) {
+TEST(CatalogueCheck, FindsWhatTheReaderWouldLoseAndMarksAndCharactersThatItDoesNotRead) {
   const struct {
     std::string line;
     const char* finding;  // part of the first message
@@ -51,9 +47,6 @@ TEST(CatalogueCheck, FindsWhatTheReaderWouldLose) {
     EXPECT_EQ(first.line, 2u) << line;
     EXPECT_NE(first.message.find(finding), std::string::npos) << line << ": " << first.message;
   }
-}
-
-TEST(CatalogueCheck, FindsMarksAndCharactersThatAreNotRead) {
   EXPECT_EQ(CheckCatalogue("\xEF\xBB\xBFZ\tB\n").size(), 1u);
   EXPECT_FALSE(CheckCatalogue("\xFE\xFF\0Z\0\t\0B"s).empty());
   EXPECT_FALSE(CheckCatalogue("\xFF\xFEZ\0\t\0b\x20"s).empty()) << "a character above U+00FF in a wide file";
@@ -111,6 +104,7 @@ TEST(WorkFile, IsReplacedWholeWithItsMode) {
   EXPECT_TRUE(testing::ReadWholeFile(file).ends_with("#~ A\tB\n"));
   EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0640));
   EXPECT_FALSE(std::filesystem::exists(file + ".new"));
+  EXPECT_EQ(testing::RunProgram({NV_CATALOGUE, "--version"}).output, "nvcatalogue " NVSUPPORT_VERSION "\n");
 }
 
 TEST(CollectTexts, StopsAtALookupWhoseTextsItCannotFind) {

@@ -34,8 +34,8 @@ std::string CreateAccount(const std::string& userId, const std::string& email, c
          Text("English");
 }
 
-std::string SignIn(const std::string& userId, const std::string& password) {
-  return Int(8) + Text(userId) + Text(password) + Int(1);
+std::string SignIn(const std::string& userId, const std::string& password, int device = 1) {
+  return Int(8) + Text(userId) + Text(password) + Int(device);
 }
 
 // An empty database: on the server of NV_SERVICE_DATABASE if that is set, else in a file.
@@ -127,9 +127,6 @@ TEST_F(Accounts, AreGuessedAtThePaceOfTheBrakeAndOpenToWhoIsKnown) {
   const std::string home = "192.0.2.1";
   EXPECT_EQ(StatusOf(CreateAccount("there", "reader@norvane.example"), home), 0);
   EXPECT_EQ(StatusOf(Int(9) + Text("there") + Text("secret") + Text("Desk") + Int(7) + Int(124) + Int(0), home), 0);
-  const auto signIn = [](const std::string& user, const std::string& password, int device) {
-    return Int(8) + Text(user) + Text(password) + Int(device);
-  };
   const auto token = [](const std::string& user, const std::string& password) {
     return Int(11) + Text(user) + Text(password);
   };
@@ -140,48 +137,48 @@ TEST_F(Accounts, AreGuessedAtThePaceOfTheBrakeAndOpenToWhoIsKnown) {
     std::string from;
     int status;
   } cases[] = {
-      {"first guess", 0, signIn("there", "guess", 1), "198.51.100.1", 5},
-      {"second guess", 0, signIn("there", "guess", 1), "198.51.100.2", 5},
-      {"third guess", 0, signIn("there", "guess", 1), "198.51.100.3", 429},
+      {"first guess", 0, SignIn("there", "guess", 1), "198.51.100.1", 5},
+      {"second guess", 0, SignIn("there", "guess", 1), "198.51.100.2", 5},
+      {"third guess", 0, SignIn("there", "guess", 1), "198.51.100.3", 429},
       {"the new account once more", 0, CreateAccount("there", "reader@norvane.example"), "198.51.100.3", 429},
-      {"the right password of a stranger", 29, signIn("there", "secret", 1), "198.51.100.4", 429},
-      {"the user's device", 0, signIn("there", "secret", 7), "198.51.100.5", 0},
+      {"the right password of a stranger", 29, SignIn("there", "secret", 1), "198.51.100.4", 429},
+      {"the user's device", 0, SignIn("there", "secret", 7), "198.51.100.5", 0},
       {"from where it was", 0, token("there", "secret"), "198.51.100.5", 0},
-      {"the user's address", 0, signIn("there", "secret", 8), home, 0},
-      {"a guess once again", 1, signIn("there", "guess", 1), "198.51.100.6", 5},
-      {"and no further one", 0, signIn("there", "guess", 1), "198.51.100.7", 429},
+      {"the user's address", 0, SignIn("there", "secret", 8), home, 0},
+      {"a guess once again", 1, SignIn("there", "guess", 1), "198.51.100.6", 5},
+      {"and no further one", 0, SignIn("there", "guess", 1), "198.51.100.7", 429},
       {"guesses at the user's address", 0, token("there", "guess"), home, 5},
       {"the second", 0, token("there", "guess"), home, 5},
       {"have a limit, too", 0, token("there", "guess"), home, 429},
-      {"not for the device there", 0, signIn("there", "secret", 7), home, 0},
+      {"not for the device there", 0, SignIn("there", "secret", 7), home, 0},
       {"which makes the address good", 0, token("there", "secret"), home, 0},
-      {"a failure of the device", 0, signIn("there", "guess", 7), home, 5},
-      {"the second", 0, signIn("there", "guess", 7), home, 5},
-      {"is limited, too", 0, signIn("there", "secret", 7), home, 429},
-      {"a clock set back", -3600, signIn("there", "secret", 7), home, 0},
-      {"and who signs in is forgiven", 0, signIn("there", "guess", 7), home, 5},
-      {"no account: first guess", 3600, signIn("not", "guess", 1), "198.51.100.1", 4},
-      {"no account: second guess", 0, signIn("not", "guess", 1), "198.51.100.2", 4},
-      {"no account: third guess", 0, signIn("not", "guess", 1), "198.51.100.3", 429},
-      {"no account: clock set back", -3600, signIn("not", "guess", 1), "198.51.100.4", 4},
-      {"no account: and then as before", 0, signIn("not", "guess", 1), "198.51.100.5", 429},
-      {"network: first guess", 3600, signIn("a", "guess", 1), "2001:db8:1:2::1", 4},
-      {"network: second guess", 0, signIn("b", "guess", 1), "2001:db8:1:2::2", 4},
-      {"network: third guess", 0, signIn("c", "guess", 1), "2001:db8:1:2:ffff::9", 4},
-      {"network: fourth guess", 0, signIn("d", "guess", 1), "2001:db8:1:2::3", 429},
-      {"another network", 0, signIn("d", "guess", 1), "2001:db8:1:3::1", 4},
-      {"address: first guess", 0, signIn("f", "guess", 1), "::ffff:192.0.2.77", 4},
-      {"address: second guess", 0, signIn("g", "guess", 1), "192.0.2.77", 4},
-      {"address: third guess", 0, signIn("h", "guess", 1), "192.0.2.77", 4},
-      {"address: fourth guess", 0, signIn("i", "guess", 1), "::ffff:192.0.2.77", 429},
-      {"the user there is a stranger", 0, signIn("there", "secret", 1), "192.0.2.77", 429},
+      {"a failure of the device", 0, SignIn("there", "guess", 7), home, 5},
+      {"the second", 0, SignIn("there", "guess", 7), home, 5},
+      {"is limited, too", 0, SignIn("there", "secret", 7), home, 429},
+      {"a clock set back", -3600, SignIn("there", "secret", 7), home, 0},
+      {"and who signs in is forgiven", 0, SignIn("there", "guess", 7), home, 5},
+      {"no account: first guess", 3600, SignIn("not", "guess", 1), "198.51.100.1", 4},
+      {"no account: second guess", 0, SignIn("not", "guess", 1), "198.51.100.2", 4},
+      {"no account: third guess", 0, SignIn("not", "guess", 1), "198.51.100.3", 429},
+      {"no account: clock set back", -3600, SignIn("not", "guess", 1), "198.51.100.4", 4},
+      {"no account: and then as before", 0, SignIn("not", "guess", 1), "198.51.100.5", 429},
+      {"network: first guess", 3600, SignIn("a", "guess", 1), "2001:db8:1:2::1", 4},
+      {"network: second guess", 0, SignIn("b", "guess", 1), "2001:db8:1:2::2", 4},
+      {"network: third guess", 0, SignIn("c", "guess", 1), "2001:db8:1:2:ffff::9", 4},
+      {"network: fourth guess", 0, SignIn("d", "guess", 1), "2001:db8:1:2::3", 429},
+      {"another network", 0, SignIn("d", "guess", 1), "2001:db8:1:3::1", 4},
+      {"address: first guess", 0, SignIn("f", "guess", 1), "::ffff:192.0.2.77", 4},
+      {"address: second guess", 0, SignIn("g", "guess", 1), "192.0.2.77", 4},
+      {"address: third guess", 0, SignIn("h", "guess", 1), "192.0.2.77", 4},
+      {"address: fourth guess", 0, SignIn("i", "guess", 1), "::ffff:192.0.2.77", 429},
+      {"the user there is a stranger", 0, SignIn("there", "secret", 1), "192.0.2.77", 429},
       {"an account from there", 0, CreateAccount("new", "new@norvane.example"), "192.0.2.77", 0},
       {"the second", 0, CreateAccount("newer", "newer@norvane.example"), "192.0.2.77", 429},
       {"a taken user ID costs nothing", 0, CreateAccount("there", "newer@norvane.example"), "192.0.2.77", 2},
-      {"new: a guess", 0, signIn("new", "guess", 1), "203.0.113.1", 5},
-      {"new: the user elsewhere", 0, signIn("new", "secret", 1), "203.0.113.2", 0},
-      {"new: forgives that guess", 0, signIn("new", "guess", 1), "203.0.113.3", 5},
-      {"new: and leaves two", 0, signIn("new", "guess", 1), "203.0.113.4", 5},
+      {"new: a guess", 0, SignIn("new", "guess", 1), "203.0.113.1", 5},
+      {"new: the user elsewhere", 0, SignIn("new", "secret", 1), "203.0.113.2", 0},
+      {"new: forgives that guess", 0, SignIn("new", "guess", 1), "203.0.113.3", 5},
+      {"new: and leaves two", 0, SignIn("new", "guess", 1), "203.0.113.4", 5},
       {"the second later", 60, CreateAccount("newer", "newer@norvane.example"), "192.0.2.77", 0},
   };
   for (const auto& row : cases) {
@@ -243,7 +240,7 @@ TEST_F(Accounts, AreShownAndCorrectedAndLeaveNothingWhenDeleted) {
   store.NameComputer(account, {7, "Desk", 1});
   for (const std::int64_t seconds : {60L, 1L << 40, 1L << 60}) store.OpenSession(account, now, seconds, 3);
   for (const int device : {1, 7}) {  // a failure from the known address, and one of the known computer
-    EXPECT_EQ(StatusOf(Int(8) + Text("mapreader") + Text("guess") + Int(device)), 5);
+    EXPECT_EQ(StatusOf(SignIn("mapreader", "guess", device)), 5);
   }
   EXPECT_EQ(StatusOf(SignIn("mapreader", "guess"), "192.0.2.2"), 5);
   EXPECT_EQ(RowsOf(*database), "1 1 1 3 5 ") << "with the brake on new accounts and on the second address";
