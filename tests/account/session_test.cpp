@@ -88,9 +88,9 @@ TEST_F(Session, ExportsAnswerBeforeDuringAndAfterASession) {
   EXPECT_STREQ(x0d83f18d(), "");
   EXPECT_FALSE(fs::exists(SettingsOf("First run")));
   EXPECT_EQ(ReadWholeFile(SettingsOf("A b")), before);
-}
+  x3e491215(nullptr);
+  EXPECT_NE(x2ed7465a(), 0u) << "a session of no product";
 
-TEST_F(Session, OfADataFolderWithoutANameIsNotSavedInTheRootFolder) {
   const ScopedVariable tooLong("XDG_DATA_HOME", "/" + std::string(300, 'x'));
   SaveAs("Atlas", "ann", "");
   EXPECT_FALSE(fs::remove("/settings.ini")) << "that is where it would stand, for who may write there";

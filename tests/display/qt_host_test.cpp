@@ -86,8 +86,11 @@ TEST(HostWithQt, OwnsADialogByItsTopLevelWindowAndKeepsItsOwnTexts) {
   QPixmap picture(16, 16);
   picture.fill(Qt::red);
   QApplication::setWindowIcon(picture);
+  const QWindow neverShown;
   QWidget window;
-  const QPushButton button(&window);
+  QWidget panel(&window);
+  panel.winId();  // a native window between the two
+  const QPushButton button(&panel);
   window.show();
   const auto work = [&] {
     AskForToken(&button);

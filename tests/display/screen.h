@@ -8,6 +8,7 @@
 #include <xcb/xcb.h>
 #include <xcb/xfixes.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <map>
 #include <memory>
@@ -26,22 +27,24 @@ auto Own(Reply* reply) {
 
 class Screen {
  public:
-  Screen() {
-    // As toolkits do.
-    const std::uint32_t process = static_cast<std::uint32_t>(getpid());
-    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, hostWindow, Atom("_NET_WM_PID"), XCB_ATOM_CARDINAL, 32, 1,
-                        &process);
-    Own(xcb_xfixes_query_version_reply(connection, xcb_xfixes_query_version(connection, 4, 0), nullptr));
-    // Asked again: a window manager that is starting up may miss it.
-    EXPECT_TRUE(WaitUntil([this] {
-      xcb_map_window(connection, hostWindow);
-      return Windows() == std::vector{hostWindow};
-    })) << "a window manager that takes windows";
-  }
+  Screen() { Own(xcb_xfixes_query_version_reply(connection, xcb_xfixes_query_version(connection, 4, 0), nullptr)); }
   Screen(const Screen&) = delete;
   Screen& operator=(const Screen&) = delete;
   ~Screen() { xcb_disconnect(connection); }
 
+  // A window of this process or another, as toolkits open it.
+  xcb_window_t OpenWindow(const xcb_rectangle_t& area,
+                          std::uint32_t process = static_cast<std::uint32_t>(getpid())) const {
+    const xcb_window_t window = MakeWindow(area, root);
+    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, Atom("_NET_WM_PID"), XCB_ATOM_CARDINAL, 32, 1,
+                        &process);
+    // Asked again: a window manager that is starting up may miss it.
+    EXPECT_TRUE(WaitUntil([&] {
+      xcb_map_window(connection, window);
+      return std::ranges::count(Windows(), window) == 1;
+    })) << "a window manager that takes windows";
+    return window;
+  }
   // What the user does, in xdotool's words, such as "key alt+p".
   static std::string Do(const std::string& actions) {
     return RunProgram({"sh", "-c", "xdotool " + actions + " 2>/dev/null"}).output;
@@ -145,7 +148,7 @@ class Screen {
   const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
 
  public:
-  const xcb_window_t hostWindow = MakeWindow({1200, 60, 700, 650}, root);
+  const xcb_window_t hostWindow = OpenWindow({1200, 60, 700, 650});
   const xcb_window_t partOfHostWindow = MakeWindow({5, 5, 50, 50}, hostWindow);
 };
 

@@ -129,10 +129,20 @@ TEST_F(OnScreen, TheWaitCursorIsOverAHostsWindowBeforeTheFirstDialogAndWithoutQt
   WriteWholeFile(home.folder / "default/cursors/watch", watch);
   const ScopedVariable themes("XCURSOR_PATH", home.folder.path.string());
   const Module module;
-  screen.Do("mousemove --window " + std::to_string(screen.hostWindow) + " 300 300");
+  const xcb_window_t second = screen.OpenWindow({300, 60, 600, 500});
+  const xcb_window_t ofAnother = screen.OpenWindow({20, 20, 600, 500}, 1);
+  const auto pointAt = [&](xcb_window_t window) {
+    const std::string id = std::to_string(window);
+    screen.Do("windowactivate " + id + " mousemove --window " + id + " 300 300");
+  };
+  pointAt(second);
   const auto usual = screen.ShownCursor();
   std::thread user([&] {
-    EXPECT_TRUE(WaitUntil([&] { return screen.ShownCursor() == std::vector{0xFF00FF00u}; })) << "of the user's theme";
+    for (const xcb_window_t window : {second, ofAnother, screen.hostWindow}) {
+      pointAt(window);
+      const auto shown = window != ofAnother ? std::vector{0xFF00FF00u} : usual;
+      EXPECT_TRUE(WaitUntil([&] { return screen.ShownCursor() == shown; })) << "of the user's theme, over its windows";
+    }
     isSilent = false;
   });
   const MapShopPoint corners[] = {{55, 5}, {47, 15}};

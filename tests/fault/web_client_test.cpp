@@ -8,6 +8,7 @@
 #include <chrono>
 #include <regex>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -106,6 +107,23 @@ TEST(WebClientFaults, CountsNeitherTheTimeOfACallerWhoCanStopNorHisBytes) {
   EXPECT_TRUE(exchange.Send());
   std::this_thread::sleep_for(900ms);
   EXPECT_TRUE(exchange.Body() == body);
+}
+
+TEST(WebClientFaults, GivesNothingToACallerWithoutAPlaceForIt) {
+  const ScriptedServer server(HttpReply(200, "body", "Content-Type: text\r\n"));
+  const Exchange exchange;
+  EXPECT_TRUE(HttpSendRequestA(exchange.request, nullptr, static_cast<DWORD>(-1), nullptr, 4)) << "nor takes it";
+  char room[8];
+  DWORD size = sizeof room;
+  constexpr DWORD status = HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER;
+  for (const DWORD what : {DWORD{HTTP_QUERY_CONTENT_TYPE}, DWORD{HTTP_QUERY_CONTENT_LENGTH}, status}) {
+    EXPECT_FALSE(HttpQueryInfoA(exchange.request, what, nullptr, &size, nullptr)) << what;
+    EXPECT_FALSE(HttpQueryInfoA(exchange.request, what, room, nullptr, nullptr)) << what;
+  }
+  EXPECT_FALSE(InternetReadFile(exchange.request, nullptr, sizeof room, &size));
+  EXPECT_FALSE(InternetReadFile(exchange.request, room, sizeof room, nullptr));
+  EXPECT_TRUE(InternetReadFile(exchange.request, room, sizeof room, &size));
+  EXPECT_EQ(std::string_view(room, size), "body");
 }
 
 TEST(WebClientFaults, EndsAnEndlessHead) {

@@ -70,7 +70,10 @@ TEST(MapShopSearch, AsksNobodyAboutAnAreaOutOfRange) {
   for (const MapShopPoint& point : {MapShopPoint{90.001, 0}, {-90.001, 0}, {0, 400.5}, {0, -400.5}}) {
     EXPECT_EQ(Search({{50, 14}, point}).closingValue, 0) << point.latitude << ' ' << point.longitude;
   }
-  for (const std::int32_t count : {1, -1}) EXPECT_EQ(NSMapShopClose(NSMapShopSearch(nullptr, count)), 0) << count;
+  const MapShopPoint point{50, 14};
+  for (const std::int32_t count : {1, -1, std::numeric_limits<std::int32_t>::max()}) {
+    EXPECT_EQ(NSMapShopClose(NSMapShopSearch(count == 1 ? nullptr : &point, count)), 0) << count;
+  }
   EXPECT_TRUE(service.Requests().empty());
 }
 
@@ -173,6 +176,7 @@ TEST(MapShopSearch, GivesEachHandleItsOwnResults) {
   MapShopItem item;
   EXPECT_TRUE(NSMapShopGetNext(first, &item));
   EXPECT_EQ(NSMapShopClose(first), 5);
+  EXPECT_FALSE(NSMapShopGetNext(second, nullptr));
   EXPECT_TRUE(NSMapShopGetNext(second, &item));
   item.firstValue = 77;
   EXPECT_FALSE(NSMapShopGetNext(second, &item));

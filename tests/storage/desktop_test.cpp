@@ -62,10 +62,7 @@ TEST(Registry, ReadsEveryFormOfValueAndSkipsBrokenLines) {
                            "[HKEY_CURRENT_USER\\Software\\Norvane]\n\"TWICE\"=\"second\"");
     EXPECT_EQ(GetRegistryText(HKEY_CURRENT_USER, key, row.name, "default"), row.text) << row.name;
   }
-}
-
-TEST(Registry, IsNotReadInPart) {
-  const TemporaryHome home;
+  // A file that is too large is not read in part.
   const std::string value = "REGEDIT4\n[HKEY_CURRENT_USER\\Software\\Norvane]\n\"Language\"=\"Deutsch\"\n";
   home.WriteUserRegistry(value + std::string(4 << 20, '\n'));
   EXPECT_EQ(GetRegistryText(HKEY_CURRENT_USER, key, "Language", "too large"), "too large");
@@ -81,6 +78,16 @@ TEST(Registry, TheFirstMachineFileCounts) {
                                (home.folder / "first:relative::") + second + ":" + (home.folder / "third"));
   EXPECT_EQ(GetRegistryText(HKEY_LOCAL_MACHINE, key, "of the second", "no"), "yes");
   EXPECT_EQ(GetRegistryText(HKEY_LOCAL_MACHINE, key, "of the third", "no"), "no");
+
+  platform::RegistryKey opened;
+  EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, key, 0, KEY_READ, opened.put()), ERROR_SUCCESS);
+  BYTE bytes[8];
+  DWORD size = sizeof bytes;
+  const char* const name = "of the second";
+  EXPECT_NE(RegQueryValueExA(opened.get(), name, nullptr, nullptr, bytes, nullptr), ERROR_SUCCESS);
+  EXPECT_EQ(RegQueryValueExA(opened.get(), name, nullptr, nullptr, nullptr, nullptr), ERROR_SUCCESS) << "it is there";
+  EXPECT_EQ(RegQueryValueExA(opened.get(), name, nullptr, nullptr, nullptr, &size), ERROR_SUCCESS);
+  EXPECT_EQ(size, sizeof "yes") << "asked for without a place for it";
 }
 
 int childSignals = 0;

@@ -85,6 +85,7 @@ TEST(Folders, DocumentsAreWhereTheDesktopSettingsSay) {
       {"", home.folder / "Documents"},
       {"# XDG_DOCUMENTS_DIR=\"/no\"\nXDG_DOCUMENTS_DIR=\"$HOME/My \\\"Texts\\\"/\"\n", home.folder / "My \"Texts\""},
       {"XDG_DOWNLOAD_DIR=\"$HOME/no\"\n  XDG_DOCUMENTS_DIR=\"$HOME/\"\r\n", home.folder.path.string()},
+      {"XDG_DOCUMENTS_DIR=\"$HOME/Documents\\", home.folder / "Documents\\"},
       {"XDG_DOCUMENTS_DIR=\"relative\"\nXDG_DOCUMENTS_DIR=$HOME/bare\n", home.folder / "Documents"},
   };
   for (const auto& [text, folder] : cases) {
@@ -130,6 +131,7 @@ TEST(PlatformFiles, StreamsAreOpenedOfFilesAloneAndThoseForWritingAreTheOwners) 
   for (const auto& [path, mode] : cases) {
     EXPECT_FALSE(platform::OpenFileStream(path.c_str(), mode)) << path << ' ' << mode;
   }
+  EXPECT_FALSE(DeleteFileA(nullptr));
   const auto create = [&] {
     return CreateFileA((folder / "old").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
   };

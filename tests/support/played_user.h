@@ -94,7 +94,11 @@ class PlayedUser final : public windowing::Display {
     return true;
   }
   void ShowDialogWindow(HWND) override {}
-  void DestroyDialogWindow(HWND dialog) override { dialogs.erase(dialog); }
+  void DestroyDialogWindow(HWND dialog) override {
+    const auto gone = dialogs.extract(dialog);
+    if (gone.empty() || IsWindow(dialog)) return;  // there was no memory for all of it
+    for (const windowing::ControlView& control : gone.mapped().controls) EXPECT_FALSE(IsWindow(control.handle));
+  }
   void RunModal(HWND dialog, const bool& ended) override {
     while (!ended && !steps.empty()) {
       const Step step = std::move(steps.front());

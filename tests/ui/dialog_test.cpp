@@ -59,25 +59,19 @@ std::string CallsFor(UINT message, WPARAM wParam, LPARAM lParam) {
   return ProbeDialog().During([=](HWND window) { SendMessageA(window, message, wParam, lParam); });
 }
 
-TEST(Dialog, RoutesAMessageThroughBothStages) {
-  EXPECT_EQ(CallsFor(WM_COMMAND, 0x0200'000D, 0), "onCommand 13 512\nonDialogCommand 13 512\n");
-  EXPECT_EQ(CallsFor(WM_NOTIFY, 5, 0), "onNotify 5\nonDialogNotify 5\n");
-  EXPECT_EQ(CallsFor(WM_MOUSEWHEEL, 0, 0), "onDialogMessage 522\n") << "as long as nothing else gets the wheel";
-}
-
-TEST(Dialog, HandsTheWheelToItsTarget) {
-  ProbeDialog probe;
-  const std::string calls = probe.During([&](HWND window) {
-    probe.wheelTarget = GetDlgItem(window, IDC_COMPUTER_NAME);
-    SendMessageA(window, WM_MOUSEWHEEL, 0, 0);
-  });
-  EXPECT_EQ(calls, "");
-}
-
-TEST(Dialog, TakesPlacesWithTheirSignAndSizesWithout) {
+TEST(Dialog, RoutesAMessageThroughBothStagesPlacesWithTheirSignAndSizesWithout) {
   EXPECT_EQ(CallsFor(WM_SIZE, 0, static_cast<LPARAM>(0xFFFF'8001u)), "onSize 32769 65535\n");
   EXPECT_EQ(CallsFor(WM_LBUTTONDOWN, 3, 0x0007'FFFE), "onLeftButton 0 -2 7 3\n");
   EXPECT_EQ(CallsFor(WM_LBUTTONDBLCLK, 0, static_cast<LPARAM>(0xFFF9'0002u)), "onLeftButton 1 2 -7 0\n");
+  EXPECT_EQ(CallsFor(WM_COMMAND, 0x0200'000D, 0), "onCommand 13 512\nonDialogCommand 13 512\n");
+  EXPECT_EQ(CallsFor(WM_NOTIFY, 5, 0), "onNotify 5\nonDialogNotify 5\n");
+  EXPECT_EQ(CallsFor(WM_MOUSEWHEEL, 0, 0), "onDialogMessage 522\n") << "as long as nothing else gets the wheel";
+  ProbeDialog probe;
+  const PlayedUser::Step turnOverTarget = [&](HWND window) {
+    probe.wheelTarget = GetDlgItem(window, IDC_COMPUTER_NAME);
+    SendMessageA(window, WM_MOUSEWHEEL, 0, 0);
+  };
+  EXPECT_EQ(probe.During(turnOverTarget), "");
 }
 
 TEST(Dialog, EndsWithTheExceptionOfAHandler) {
@@ -105,9 +99,6 @@ TEST(Dialog, OfTheResourceLibraryFailsWithoutItAndSaysSo) {
 WNDPROC ProcOf(HWND window) {
   return reinterpret_cast<WNDPROC>(GetWindowLongPtrA(window, GWLP_WNDPROC));
 }
-void SetProc(HWND window, WNDPROC procedure) {
-  SetWindowLongPtrA(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure));
-}
 
 // A subclasser beside that of Window, which hands every message on.
 LRESULT CALLBACK PassOn(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -120,14 +111,11 @@ LRESULT CALLBACK ForeignProc(HWND, UINT, WPARAM, LPARAM) {
   return 0;
 }
 
-void OnAnEdit(const PlayedUser::Step& test) {
-  ProbeDialog().During([&](HWND window) { test(GetDlgItem(window, IDC_COMPUTER_NAME)); });
-}
-
 TEST(InstanceSubclasser, KeepsARecordOfEachUnlessAForeignProcedureStandsBetween) {
   static InstanceSubclasser& first = windowSubclasser;
   for (const bool foreign : {false, true}) {
-    OnAnEdit([foreign](HWND edit) {
+    ProbeDialog().During([foreign](HWND window) {
+      const HWND edit = GetDlgItem(window, IDC_COMPUTER_NAME);
       const WNDPROC original = ProcOf(edit);
       Window one;
       Window other;
@@ -135,7 +123,7 @@ TEST(InstanceSubclasser, KeepsARecordOfEachUnlessAForeignProcedureStandsBetween)
       EXPECT_TRUE(first.subclass(edit, &one));
       EXPECT_FALSE(first.subclass(edit, &other)) << "the record that is there gets the new object";
       EXPECT_EQ(first.find(edit)->object, &other);
-      if (foreign) SetProc(edit, &ForeignProc);
+      if (foreign) SetWindowLongPtrA(edit, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&ForeignProc));
       second.subclass(edit, nullptr);
       EXPECT_EQ(first.unsubclass(edit), !foreign) << "the first of two leaves";
       EXPECT_EQ(first.find(edit) != nullptr, foreign);

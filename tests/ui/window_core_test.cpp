@@ -94,8 +94,21 @@ TEST_F(WindowCore, SendsADialogItsMessagesInTheirOrder) {
     person.Drag(dialog, {1, 1});
     CoreEvents().OnWheel(Item(dialog, IDC_USER_ID), -120, {});
     EXPECT_EQ(Seen(), "moving, move, wheel, ");
-    MessageBoxA(dialog, "takes the focus meanwhile", nullptr, MB_OK);
-    EXPECT_EQ(Seen(), "1001 focus lost, 1001 focus, ");
+    MessageBoxA(dialog, nullptr, nullptr, MB_OK);
+    EXPECT_EQ(Seen(), "1001 focus lost, 1001 focus, ") << "a message takes it meanwhile";
+    char text[2] = "?";
+    for (const int size : {5, 0, -1})
+      EXPECT_EQ(GetDlgItemTextA(dialog, IDC_USER_ID, size > 0 ? nullptr : text, size), 0u) << size;
+    EXPECT_EQ(SendDlgItemMessageA(dialog, IDC_USER_ID, WM_GETTEXT, 5, 0), 0);
+    EXPECT_EQ(SendDlgItemMessageA(dialog, IDC_USER_ID, WM_GETTEXT, 0, reinterpret_cast<LPARAM>(text)), 0);
+    EXPECT_STREQ(text, "?") << "no text goes where there is no room";
+    SetWindowTextA(Item(dialog, IDC_USER_ID), nullptr);
+    EXPECT_EQ(SendDlgItemMessageA(dialog, IDC_USER_ID, WM_GETTEXTLENGTH, 0, 0), 0);
+    EXPECT_EQ(Seen(), "1001 update, 1001 change, ");
+    SetWindowLongPtrA(Item(dialog, IDOK), GWL_STYLE, 0);
+    SetWindowLongPtrA(Item(dialog, IDC_HELP_PAGE), GWL_STYLE, windowing::styleDefaultPushButton);
+    CoreEvents().OnEnter(dialog);
+    EXPECT_EQ(Seen(), "1041 pushed, ");
     closeBox(dialog);
   }};
   EXPECT_EQ(Run(), 5);
@@ -149,7 +162,7 @@ TEST_F(WindowCore, OpensADialogInsideADialogWhichGoesWithIt) {
                     closeBox(outer);
                     CoreEvents().OnEnter(dialog);
                   },
-                  [&](HWND) { DestroyWindow(outer); }};
+                  [&](HWND) { EXPECT_EQ(Run(outer), 0); }, [&](HWND) { DestroyWindow(outer); }};
   EXPECT_EQ(Run(), 0);
 }
 
