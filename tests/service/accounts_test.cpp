@@ -127,9 +127,7 @@ TEST_F(Accounts, AreGuessedAtThePaceOfTheBrakeAndOpenToWhoIsKnown) {
   const std::string home = "192.0.2.1";
   EXPECT_EQ(StatusOf(CreateAccount("there", "reader@norvane.example"), home), 0);
   EXPECT_EQ(StatusOf(Int(9) + Text("there") + Text("secret") + Text("Desk") + Int(7) + Int(124) + Int(0), home), 0);
-  const auto token = [](const std::string& user, const std::string& password) {
-    return Int(11) + Text(user) + Text(password);
-  };
+  const auto token = [](auto user, auto password) { return Int(11) + Text(user) + Text(password); };
   const struct {
     const char* what;
     std::int64_t later;  // seconds behind the row above

@@ -25,7 +25,8 @@ extern "C" int getpwuid_r(uid_t user, passwd* entry, char*, std::size_t, passwd*
   return 0;
 }
 extern "C" int renameat2(int, const char*, int, const char*, unsigned) noexcept {
-  errno = EINVAL;
+  static int error = EINVAL;
+  errno = error = EINVAL + ENOSYS - error;  // each in turn
   return -1;
 }
 
