@@ -22,7 +22,9 @@
 
 #include "account/service_manager.h"
 #include "language/translation_catalogue.h"
+#include "platform/linux/windowing/controls.h"
 #include "platform/linux/windowing/display_selection.h"
+#include "platform/linux/windowing/window_tree.h"
 #include "resources/resource_ids.h"
 #include "support/run_program.h"
 #include "support/temporary_home.h"
@@ -140,17 +142,27 @@ TEST_F(DialogLooks, ShowEachControlAsTheTemplateAndTheUserHaveIt) {
 }
 
 TEST_F(DialogLooks, TickABoxWhereverItIsClickedOnAndTakeOneToAFieldByALetterOfItsName) {
+  const testing::TemporaryFolder folder;
+  testing::WriteWholeFile(folder / "texts.txt", "User ID\tUnder\nHelp\tH&und\n");
+  EXPECT_TRUE(translations.LoadCatalogueFile(folder / "texts.txt"));
   Show(openings.at("sign_in"), [](QWidget& window) {
     auto* const box = window.findChild<QCheckBox*>();
     for (const bool ticked : {true, false}) {
       QTest::mouseClick(box, Qt::LeftButton, {}, box->rect().bottomRight());
       EXPECT_EQ(box->isChecked(), ticked);
     }
-    for (const auto& [key, id] : {std::pair(Qt::Key_P, IDC_PASSWORD), {Qt::Key_U, IDC_USER_ID}}) {
+    for (const auto& [key, id] : {std::pair(Qt::Key_P, IDC_PASSWORD), {Qt::Key_N, IDC_USER_ID}}) {
       QTest::keyClick(&window, key, Qt::AltModifier);
-      EXPECT_EQ(QApplication::focusWidget(), window.findChild<QLineEdit*>(QString::number(id)));
+      EXPECT_EQ(QApplication::focusWidget(), window.findChild<QLineEdit*>(QString::number(id))) << "U is taken";
+    }
+    for (QWidget* const control : ControlsOf(window)) {
+      if (control->focusPolicy() == Qt::NoFocus) continue;
+      control->setFocus();
+      const HWND focused = windowing::FocusedControlOfProcess();
+      EXPECT_EQ(focused, GetDlgItem(windowing::DialogOf(focused), control->objectName().toInt()));
     }
   });
+  translations.WriteMissFile();  // empties the catalogue
 }
 
 TEST_F(DialogLooks, ShowThePressedButtonDisabledWhileTheThreadWaits) {

@@ -86,12 +86,12 @@ TEST(HostWithQt, OwnsADialogByItsTopLevelWindowAndKeepsItsOwnTexts) {
   QPixmap picture(16, 16);
   picture.fill(Qt::red);
   QApplication::setWindowIcon(picture);
-  const QWindow neverShown;
   QWidget window;
   QWidget panel(&window);
   panel.winId();  // a native window between the two
   const QPushButton button(&panel);
   window.show();
+  const QWindow neverShown;
   const auto work = [&] {
     AskForToken(&button);
     QCoreApplication::processEvents();
