@@ -96,11 +96,12 @@ TEST(OpenDocument, StartsTheViewerWithTheTargetAlone) {
   const TemporaryFolder folder;
   const ScopedVariable path("PATH", folder.path.string() + ":/usr/bin:/bin");
   const std::string out = folder / "out";
-  WriteWholeFile(folder / "xdg-open", "#!/bin/sh\necho noise\necho noise >&2\nexec > '" + out +
-                                          ".part'\necho \"$# $1\"\n" +
-                                          "test -e /proc/$$/fd/77 && echo inherited\ngrep -q 'SigIgn:.*[2367abef]..$' "
-                                          "/proc/self/status && echo ignored\nmv '" +
-                                          out + ".part' '" + out + "'\n");
+  WriteWholeFile(folder / "xdg-open",
+                 "#!/bin/bash\necho noise\necho noise >&2\nexec > '" + out + ".part'\necho \"$# $1\"\n" +
+                     "test -e /proc/$$/fd/77 && echo inherited\ngrep -q 'SigBlk:.*[^0\t]' /proc/self/status "
+                     "&& echo blocked\ngrep -q 'SigIgn:.*[2367abef]..$' "
+                     "/proc/self/status && echo ignored\nmv '" +
+                     out + ".part' '" + out + "'\n");
   std::filesystem::permissions(folder / "xdg-open", std::filesystem::perms(0700));
   const std::string address = "http://host.example/a.htm?x=1&y=$(id);'z' \"q\"";
   const std::string file = folder / "a b;c.txt";
