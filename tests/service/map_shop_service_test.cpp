@@ -146,7 +146,7 @@ TEST(MapShopService, FollowsTheProductFile) {
 TEST(MapShopService, GivesNoMoreThanFitsIntoAReply) {
   const std::string title(900, 't');
   const Shop shop(Line(1, "0\t0\t0\t0", title) + Line(2) + Line(3));
-  EXPECT_EQ(shop.Answer(Search({}), 1000, 1830),
+  EXPECT_EQ(shop.Answer(Search({}), 1000, 1820),
             Int(0) + Int(0) + Int(1) + Text(title) + Int(1) + Text("") + Text("") + Int(0) + Int(3));
 
   std::string dense;  // more than are sorted
