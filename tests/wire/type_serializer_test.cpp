@@ -45,7 +45,7 @@ TEST(TypeSerializer, ReadsBackEveryCharacterInBothForms) {
   }
 }
 
-TEST(TypeFile, CarriesItemsAndTurnsBadWhereOneIsCutOrCannotBeWritten) {
+TEST(TypeFile, CarriesItemsAndTurnsBadWhereOneIsCut) {
   const testing::TemporaryFolder folder;
   const std::string path = folder / "items";
   CTypeFileOut out(path.c_str());
@@ -63,6 +63,10 @@ TEST(TypeFile, CarriesItemsAndTurnsBadWhereOneIsCutOrCannotBeWritten) {
     std::string text;
     EXPECT_EQ(in.ReadString(text), size == whole.size()) << size;
   }
+}
+
+TEST(TypeFile, TurnsBadWhereNothingCanBeWritten) {
+  const testing::TemporaryFolder folder;
   for (const std::string& place : {folder / "missing/items", "/dev/full"s}) {
     CTypeFileOut nowhere(place.c_str());
     nowhere.WriteValue(1u);
