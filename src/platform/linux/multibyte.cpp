@@ -97,8 +97,9 @@ std::size_t CutCharacter(std::string_view text) {
 
 // Bytes in front of the first that begins a character beyond the end of Unicode, which iconv accepts in UTF-8.
 std::size_t SoundBytes(std::string_view bytes) {
+  if (CodePage() != utf8Name) return bytes.size();
   std::size_t at = 0;
-  while (at < bytes.size() && (CodePage() != utf8Name || bytes.substr(at, 2) < "\xF4\x90")) ++at;
+  while (at < bytes.size() && bytes.substr(at, 2) < "\xF4\x90") ++at;
   return at;
 }
 
@@ -129,6 +130,7 @@ std::string ToUtf8(std::string_view bytes) {
   if (CodePage() == utf8Name && std::none_of(bytes.begin(), bytes.end(), IsAboveAscii)) return std::string(bytes);
   Converter toUtf8(utf8Name, CodePage().c_str());
   std::string utf8;
+  // Looked for anew only behind the last: else each byte that is none would cost a look at all behind it.
   for (std::size_t sound = SoundBytes(bytes);;) {
     std::string_view rest = bytes.substr(0, sound);
     toUtf8.Convert(rest, utf8);
