@@ -35,7 +35,7 @@ test_all() {
 }
 
 # Name and command of each step, in the order in which they run. One with a & runs beside those behind it: it leaves a
-# processor idle for much of its time, and shares no folder with them.
+# processor idle for much of its time, and shares no folder with them but the compiler's cache.
 readonly steps=(
   "format check_format"                 # every source as clang-format leaves it
   "lint scripts/lint.sh --fast"         # clang-tidy, where it is fast
